@@ -1,0 +1,3 @@
+#include "actions/child.h"
+
+namespace gromlit {}

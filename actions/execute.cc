@@ -1,0 +1,3 @@
+#include "actions/execute.h"
+
+namespace gromlit {}

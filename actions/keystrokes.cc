@@ -1,0 +1,3 @@
+#include "actions/keystrokes.h"
+
+namespace gromlit {}

@@ -1,0 +1,3 @@
+#include "actions/launch.h"
+
+namespace gromlit {}

@@ -1,0 +1,3 @@
+#include "app/find_new_plugin.h"
+
+namespace gromlit {}

@@ -1,0 +1,12 @@
+// The offer of a plug-in for an application that has none.
+#pragma once
+
+#include "app/gromlit_app.h"
+
+namespace gromlit {
+
+// 1 when the offer was already made for this class in this run: the stroke then goes to the default
+// plug-in. Else makes the offer at the root position (x, y), pixels, and returns 0.
+int FindNewPlugin(GromlitApp* gromlit, const char* name, int x, int y);
+
+}  // namespace gromlit

@@ -1,0 +1,3 @@
+#include "app/gromlit_app.h"
+
+namespace gromlit {}

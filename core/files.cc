@@ -1,0 +1,3 @@
+#include "core/files.h"
+
+namespace gromlit {}

@@ -1,0 +1,3 @@
+#include "core/option_files.h"
+
+namespace gromlit {}

@@ -1,0 +1,3 @@
+#include "core/plugin_files.h"
+
+namespace gromlit {}

@@ -1,0 +1,3 @@
+#include "core/record_codec.h"
+
+namespace gromlit {}

@@ -1,0 +1,54 @@
+#include "core/strings.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+namespace gromlit {
+
+size_t StrLength(const char* s) {
+  return std::strlen(s);
+}
+
+int StrCmp(const char* a, const char* b) {
+  return std::strcmp(a, b);
+}
+
+char* StrCopy(char* dst, const char* src) {
+  return std::strcpy(dst, src);
+}
+
+char* StrAppend(char* dst, const char* src) {
+  return std::strcat(dst, src);
+}
+
+char* StrDup(const char* s) {
+  return s == nullptr ? nullptr : strdup(s);
+}
+
+char* MaxStrCopy(const char* s, int size) {
+  const std::string_view text = s;
+  const auto room = static_cast<size_t>(size);
+  if (text.size() <= room - 3) return StrDup(s);
+  char* cut = static_cast<char*>(std::malloc(room));
+  if (cut == nullptr) return nullptr;
+  std::copy_n(s, room - 4, cut);
+  StrCopy(cut + room - 4, "...");
+  return cut;
+}
+
+void CopyText(std::span<char> dst, std::string_view src) {
+  const size_t n = std::min(src.size(), dst.size() - 1);
+  std::fill(std::copy_n(src.data(), n, dst.begin()), dst.end(), '\0');
+}
+
+std::string_view FieldText(std::span<const char> field) {
+  const auto end = std::find(field.begin(), field.end() - 1, '\0');
+  return {field.data(), static_cast<size_t>(end - field.begin())};
+}
+
+int SortStrCmp(const void* a, const void* b) {
+  return std::strcmp(*static_cast<const char* const*>(a), *static_cast<const char* const*>(b));
+}
+
+}  // namespace gromlit

@@ -1,0 +1,3 @@
+#include "core/symbol_files.h"
+
+namespace gromlit {}

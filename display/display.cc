@@ -1,0 +1,146 @@
+#include "display/display.h"
+
+#include <X11/Xutil.h>
+
+#include <cstdio>
+
+#include "display/x_handles.h"
+#include "images/handcursor.xbm"
+#include "images/handcursormask.xbm"
+
+namespace gromlit {
+
+Display* dpy = nullptr;
+int screen = 0;
+Window root = None;
+Colormap cmap = None;
+
+XColor white{0, 0xffff, 0xffff, 0xffff, DoRed | DoGreen | DoBlue, 0};
+XColor black{0, 0, 0, 0, DoRed | DoGreen | DoBlue, 0};
+XColor lgrey{0, 0xc000, 0xc000, 0xc000, DoRed | DoGreen | DoBlue, 0};
+XColor grey{0, 0xa800, 0xa800, 0xa800, DoRed | DoGreen | DoBlue, 0};
+XColor dgrey{0, 0x7000, 0x7000, 0x7000, DoRed | DoGreen | DoBlue, 0};
+XColor blue{0, 0, 0, 0x7900, DoRed | DoGreen | DoBlue, 0};
+
+Font txtFont = None;
+Font labelFont = None;
+Font logoFont = None;
+XFontStruct* txtFontinfo = nullptr;
+XFontStruct* labelFontinfo = nullptr;
+XFontStruct* logoFontinfo = nullptr;
+int txtCharht = 0;
+int labelCharht = 0;
+int logoCharht = 0;
+
+GC buttongc = nullptr;
+GC logogc = nullptr;
+GC txtgc = nullptr;
+
+Cursor xCursor = None;
+Cursor ptCursor = None;
+Cursor txtCursor = None;
+Cursor targetCursor = None;
+Cursor gromlitCursor = None;
+Cursor handCursor = None;
+Pixmap handcursorImage = None;
+Pixmap handcursorMaskImage = None;
+
+Atom wm_delete = None;
+Atom wm_protocols = None;
+
+int editingPlugin = 0;
+int drawingSymbol = 0;
+
+Window showWindow = None;
+
+bool OpenDisplay(const char* name) {
+  dpy = XOpenDisplay(name);
+  if (dpy == nullptr) return false;
+  screen = DefaultScreen(dpy);
+  root = RootWindow(dpy, screen);
+  cmap = DefaultColormap(dpy, screen);
+  return true;
+}
+
+void MakeColours() {
+  XAllocColor(dpy, cmap, &white);
+  XAllocColor(dpy, cmap, &black);
+  white.pixel = WhitePixel(dpy, screen);
+  black.pixel = BlackPixel(dpy, screen);
+  XAllocColor(dpy, cmap, &lgrey);
+  XAllocColor(dpy, cmap, &dgrey);
+  XAllocColor(dpy, cmap, &grey);
+  XAllocColor(dpy, cmap, &blue);
+}
+
+void MakeHandCursor() {
+  const auto bitmap = [](const unsigned char* bits) {
+    return XCreateBitmapFromData(dpy, root, reinterpret_cast<const char*>(bits), handcursor_width,
+                                 handcursor_height);
+  };
+  handcursorImage = bitmap(handcursor_bits);
+  handcursorMaskImage = bitmap(handcursormask_bits);
+  handCursor = XCreatePixmapCursor(dpy, handcursorImage, handcursorMaskImage, &white, &black, 3, 7);
+}
+
+namespace {
+
+void LoadFont(const char* name, Font* font, XFontStruct** info, int* height) {
+  *info = XLoadQueryFont(dpy, name);
+  if (*info == nullptr) {
+    std::printf("Text font %s not found, using fixed.", name);
+    *info = XLoadQueryFont(dpy, "fixed");
+  }
+  if (*info == nullptr) {
+    // A server without any "fixed" still has the font of its default graphics context; its metrics
+    // keep every window that measures text from reading through a null pointer.
+    *info = XQueryFont(dpy, XGContextFromGC(DefaultGC(dpy, screen)));
+    if (*info == nullptr) return;
+    *height = (*info)->ascent + (*info)->descent;
+    return;  // the id of that query names the graphics context, not a font
+  }
+  *font = (*info)->fid;
+  *height = (*info)->ascent + (*info)->descent;
+}
+
+GC MakeContext(Font font) {
+  XGCValues values;
+  values.foreground = black.pixel;
+  values.background = lgrey.pixel;
+  values.font = font;
+  const unsigned long mask = GCForeground | GCBackground | (font != None ? GCFont : 0UL);
+  return XCreateGC(dpy, root, mask, &values);
+}
+
+}  // namespace
+
+void LoadFonts() {
+  LoadFont(txtFontname, &txtFont, &txtFontinfo, &txtCharht);
+  LoadFont(buttonFontname, &labelFont, &labelFontinfo, &labelCharht);
+  LoadFont(logoFontname, &logoFont, &logoFontinfo, &logoCharht);
+}
+
+void MakeCursors() {
+  xCursor = XCreateFontCursor(dpy, 34);
+  ptCursor = XCreateFontCursor(dpy, 58);
+  txtCursor = XCreateFontCursor(dpy, 152);
+  targetCursor = XCreateFontCursor(dpy, 58);
+  gromlitCursor = XCreateFontCursor(dpy, 60);
+}
+
+void MakeContexts() {
+  buttongc = MakeContext(labelFont);
+  logogc = MakeContext(logoFont);
+  txtgc = MakeContext(txtFont);
+}
+
+void MakeAtoms() {
+  const auto intern = [](const char* name) {
+    const Atom atom = XInternAtom(dpy, name, True);
+    return atom != None ? atom : XInternAtom(dpy, name, False);
+  };
+  wm_delete = intern("WM_DELETE_WINDOW");
+  wm_protocols = intern("WM_PROTOCOLS");
+}
+
+}  // namespace gromlit

@@ -1,0 +1,79 @@
+// The one home of the display connection and of everything made from it once, at start-up:
+// colours, fonts, graphics contexts, cursors and atoms. All of it lives until the program ends.
+#pragma once
+
+#include <X11/Xlib.h>
+
+#include "core/gromlit.h"
+
+namespace gromlit {
+
+extern Display* dpy;
+extern int screen;     // default screen number
+extern Window root;    // root window of that screen
+extern Colormap cmap;  // its default colour map
+
+// Colours with their allocated pixels. white and black carry the screen's own white and black.
+extern XColor white;
+extern XColor black;
+extern XColor lgrey;
+extern XColor grey;
+extern XColor dgrey;
+extern XColor blue;
+
+// Fonts: id, metrics, and the height of a line (ascent + descent), pixels.
+inline constexpr const char* txtFontname = "fixed";
+inline constexpr const char* buttonFontname = "-*-helvetica-medium-r-normal--12-*1";
+inline constexpr const char* logoFontname = "-*-helvetica-bold-r-normal--18-*1";
+extern Font txtFont;
+extern Font labelFont;
+extern Font logoFont;
+extern XFontStruct* txtFontinfo;
+extern XFontStruct* labelFontinfo;
+extern XFontStruct* logoFontinfo;
+extern int txtCharht;
+extern int labelCharht;
+extern int logoCharht;
+
+// Graphics contexts on the root window, black on lgrey, in the label, logo and text font.
+extern GC buttongc;
+extern GC logogc;
+extern GC txtgc;
+
+extern Cursor xCursor;
+extern Cursor ptCursor;
+extern Cursor txtCursor;
+extern Cursor targetCursor;
+extern Cursor gromlitCursor;
+extern Cursor handCursor;
+extern Pixmap handcursorImage;
+extern Pixmap handcursorMaskImage;
+
+extern Atom wm_delete;
+extern Atom wm_protocols;
+
+// While editingPlugin is non-zero the draw button is not captured and the pointer is not followed.
+extern int editingPlugin;
+extern int drawingSymbol;
+
+// Window that "system:showgromlit" maps and raises; set by the main window, None before.
+extern Window showWindow;
+
+// Opens the display (null: the environment's) and sets dpy, screen, root and cmap. Returns false
+// when it cannot be opened.
+bool OpenDisplay(const char* name);
+
+// The steps of start-up that follow, each to be called once, in this order. None reports an error:
+// a colour that cannot be had keeps what the server left, a missing font is replaced by "fixed"
+// after a line on standard output.
+void MakeColours();
+void MakeHandCursor();
+void LoadFonts();
+void MakeCursors();
+void MakeContexts();
+
+// Interns the window manager's atoms; makes them when no window manager has done so yet, so that a
+// window manager that starts later can close windows without ending the program.
+void MakeAtoms();
+
+}  // namespace gromlit

@@ -1,0 +1,3 @@
+#include "recognition/plugin_match.h"
+
+namespace gromlit {}

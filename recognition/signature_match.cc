@@ -1,0 +1,3 @@
+#include "recognition/signature_match.h"
+
+namespace gromlit {}

@@ -1,0 +1,3 @@
+#include "recognition/stroke_signature.h"
+
+namespace gromlit {}

@@ -1,0 +1,3 @@
+#include "recognition/symbol_icon.h"
+
+namespace gromlit {}

@@ -1,0 +1,76 @@
+#include "tests/support/x_fixture.h"
+
+#include <X11/Xutil.h>
+
+namespace gromlit::testing {
+
+int XFixture::errors = 0;
+
+void XFixture::SetUp() {
+  if (!server) server = std::make_unique<XServer>();
+  install = std::make_unique<TempInstall>();
+  errors = 0;
+  XSetErrorHandler([](Display* display, XErrorEvent* error) {
+    char text[128];
+    XGetErrorText(display, error->error_code, text, sizeof text);
+    std::fprintf(stderr, "X error: %s, request %d.%d, resource 0x%lx\n", text, error->request_code,
+                 error->minor_code, error->resourceid);
+    errors++;
+    return 0;
+  });
+  ASSERT_TRUE(OpenDisplay(server->name().c_str()));
+  MakeColours();
+  MakeHandCursor();
+  LoadFonts();
+  MakeCursors();
+  MakeContexts();
+  MakeAtoms();
+  player = std::make_unique<Player>(server->name());
+  player->MoveTo(1, 1);
+}
+
+void XFixture::TearDown() {
+  if (dpy != nullptr) {
+    XSync(dpy, False);
+    EXPECT_EQ(errors, 0) << "X errors that nobody expected";
+  }
+  player.reset();
+  if (dpy != nullptr) {
+    // Closed before the server goes: a broken connection would end the test program.
+    XCloseDisplay(dpy);
+    dpy = nullptr;
+  }
+  install.reset();
+  server.reset();
+}
+
+void XFixture::Pump() {
+  do {
+    while (XPending(dpy) > 0) {
+      XEvent event;
+      XNextEvent(dpy, &event);
+      DispatchEvent(&event);
+    }
+    XSync(dpy, False);
+  } while (XPending(dpy) > 0);
+}
+
+bool XFixture::PumpUntil(const std::function<bool()>& done, std::chrono::milliseconds deadline) {
+  return WaitFor(
+      [&] {
+        Pump();
+        return done();
+      },
+      deadline);
+}
+
+unsigned long XFixture::PixelOf(Window window, int x, int y) {
+  XSync(dpy, False);
+  int rootx;
+  int rooty;
+  Window child;
+  XTranslateCoordinates(dpy, window, root, x, y, &rootx, &rooty, &child);
+  return player->Pixel(rootx, rooty);
+}
+
+}  // namespace gromlit::testing

@@ -1,0 +1,106 @@
+#include "toolkit/window_object.h"
+
+#include <cstdio>
+#include <vector>
+
+#include "display/display.h"
+
+namespace gromlit {
+
+WindowObj WindowObjects[kWindowObjects];
+int nWindowObjects = 0;
+WindowObj* defaultWindowObj = nullptr;
+
+namespace {
+
+// Blocks behind the first. They are never moved or freed: widgets keep pointers to their entries.
+std::vector<WindowObj*>& MoreBlocks() {
+  static auto* blocks = new std::vector<WindowObj*>;
+  return *blocks;
+}
+
+WindowObj* EntryAt(int i) {
+  if (i < kWindowObjects) return &WindowObjects[i];
+  return &MoreBlocks()[static_cast<size_t>(i / kWindowObjects) - 1][i % kWindowObjects];
+}
+
+int TableSize() {
+  return kWindowObjects * (1 + static_cast<int>(MoreBlocks().size()));
+}
+
+}  // namespace
+
+WindowObj* AllocWindowObj(Window window, void* obj) {
+  if (nWindowObjects == TableSize()) MoreBlocks().push_back(new WindowObj[kWindowObjects]());
+  WindowObj* entry = EntryAt(nWindowObjects++);
+  entry->window = window;
+  entry->obj = obj;
+  for (EventHandler& handler : entry->eh) handler = NoHandler;
+  return entry;
+}
+
+void SetHandler(WindowObj* entry, int type, EventHandler handler) {
+  if (type < kFirstEvent || type > kLastEvent) return;
+  entry->eh[type] = handler;
+}
+
+WindowObj* HasWindowObj(Window window) {
+  for (int i = 0; i < TableSize(); i++) {
+    WindowObj* entry = EntryAt(i);
+    if (entry->window == window) return entry;
+  }
+  return nullptr;
+}
+
+WindowObj* FindWindowObj(Window window) {
+  // Backwards: of two entries for one window the later-made one wins.
+  for (int i = nWindowObjects - 1; i >= 0; i--) {
+    WindowObj* entry = EntryAt(i);
+    if (entry->window == window) return entry;
+  }
+  return defaultWindowObj;
+}
+
+void DispatchEvent(XEvent* event) {
+  // The handler is kept together with the owner that it was installed for: any client may send an
+  // event of an unknown type to any window, and a handler must never see another kind's record.
+  static EventHandler handler = NoHandler;
+  static void* owner = nullptr;
+  if (event->type < kFirstEvent || event->type > kLastEvent) {
+    std::printf("Unknown event type %d\n", event->type);
+  } else {
+    const WindowObj* entry = FindWindowObj(event->xany.window);
+    handler = entry != nullptr ? entry->eh[event->type] : NoHandler;
+    owner = entry != nullptr ? entry->obj : nullptr;
+  }
+  handler(owner, event);
+}
+
+void NoHandler(void*, XEvent* event) {
+  noprintf("no handler for %s\n", EventName(event->type));
+}
+
+const char* EventName(int type) {
+  static constexpr const char* kNames[kEventTypes] = {
+      nullptr,          nullptr,          "KeyPress",         "KeyRelease",
+      "ButtonPress",    "ButtonRelease",  "MotionNotify",     "EnterNotify",
+      "LeaveNotify",    "FocusIn",        "FocusOut",         "KeymapNotify",
+      "Expose",         "GraphicsExpose", "NoExpose",         "VisibilityNotify",
+      "CreateNotify",   "DestroyNotify",  "UnmapNotify",      "MapNotify",
+      "MapRequest",     "ReparentNotify", "ConfigureNotify",  "ConfigureRequest",
+      "GravityNotify",  "ResizeRequest",  "CirculateNotify",  "CirculateRequest",
+      "PropertyNotify", "SelectionClear", "SelectionRequest", "SelectionNotify",
+      "ColormapNotify", "ClientMessage",  "MappingNotify"};
+  return type >= kFirstEvent && type <= kLastEvent ? kNames[type] : "Unknown";
+}
+
+void noprintf(const char*, ...) {}
+
+void WMClientMessage(void*, XEvent* event) {
+  const XClientMessageEvent& message = event->xclient;
+  if (message.message_type == wm_protocols && static_cast<Atom>(message.data.l[0]) == wm_delete) {
+    XUnmapWindow(dpy, message.window);
+  }
+}
+
+}  // namespace gromlit
