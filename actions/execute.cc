@@ -1,3 +1,131 @@
 #include "actions/execute.h"
 
-namespace gromlit {}
+#include <time.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <string>
+
+#include "actions/child.h"
+#include "actions/keystrokes.h"
+#include "actions/launch.h"
+#include "core/strings.h"
+#include "display/display.h"
+
+namespace gromlit {
+
+const char* const tabcmdNames[] = {"HotKey", "Menu", "Text", "Sound", "Run", "Internet", nullptr};
+const char* const tabcmdTypeNames[] = {
+    "HotKey: ", "Menu: ", "Text: ", "Sound: ", "Run: ", "Internet: ", nullptr};
+
+namespace {
+
+constexpr long kWaitNanoseconds = 250'000'000;
+
+// A quarter second. Counted to a point in time, so that a signal neither shortens nor lengthens it.
+void Wait() {
+  timespec until{};
+  clock_gettime(CLOCK_MONOTONIC, &until);
+  until.tv_nsec += kWaitNanoseconds;
+  if (until.tv_nsec >= 1'000'000'000) {
+    until.tv_nsec -= 1'000'000'000;
+    until.tv_sec++;
+  }
+  while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &until, nullptr) == EINTR) {
+  }
+}
+
+// The keywords of Run commands. Each may stand anywhere in the text; the first in this order that
+// does decides.
+struct Keyword {
+  const char* text;
+  void (*run)();
+};
+
+constexpr Keyword kKeywords[] = {
+    {"system:wait",
+     [] {
+       XSync(dpy, False);
+       Wait();
+     }},
+    {"system:sync", [] { XSync(dpy, False); }},
+    {"system:showgromlit",
+     [] {
+       if (showWindow != None) XMapRaised(dpy, showWindow);
+     }},
+};
+
+void Run(const char* text) {
+  for (const Keyword& keyword : kKeywords) {
+    if (std::strstr(text, keyword.text) == nullptr) continue;
+    keyword.run();
+    return;
+  }
+  StartCommandLine(text, "Error in System Command");
+}
+
+// Every address goes through the web service, which redirects to the site; nothing is encoded.
+void Browse(const GromlitPlugin* pin, const GromlitCmd* cmd, const char* text) {
+  std::string url;
+  if (cmd->checked != 0) {
+    url = GromlitForumURLprefix;
+    url += FieldText(pin->classname);
+    url += "&uargs=";
+  } else {
+    url = GromlitRedirectURLprefix;
+  }
+  url += text;
+  LaunchBrowserURL(url.c_str());
+}
+
+}  // namespace
+
+int ExecuteAction(GromlitPlugin* pin, GromlitAction* sa, Window mwin, Window kwin, int winx,
+                  int winy, int rootx, int rooty) {
+  ExecutingPlugin = pin;
+  const uint32_t n = std::min<uint32_t>(sa->ncmds, kMaxCommands);
+  for (uint32_t i = 0; i < n; i++) {
+    if (sa->cmds[i] == nullptr) continue;
+    ExecuteCommand(pin, sa->cmds[i], mwin, kwin, winx, winy, rootx, rooty);
+  }
+  ExecutingPlugin = nullptr;
+  return 1;
+}
+
+void ExecuteCommand(GromlitPlugin* pin, const GromlitCmd* cmd, Window /*mwin*/, Window kwin,
+                    int winx, int winy, int rootx, int rooty) {
+  // The keys of the command before must have reached the server: programs started here and the
+  // focus asked for below see what they caused.
+  XSync(dpy, False);
+
+  const char* text = cmd->text != nullptr ? cmd->text : "";
+  switch (cmd->type) {
+    case kHotKey:
+    case kMenu:
+      SendKeyPairs({KeyTarget(kwin), winx, winy, rootx, rooty}, cmd);
+      break;
+    case kText: {
+      const KeyPlace place{KeyTarget(kwin), winx, winy, rootx, rooty};
+      if (cmd->checked != 0) {
+        TypeFile(place, text);
+      } else {
+        TypeText(place, text, std::strlen(text));
+      }
+      break;
+    }
+    case kSound:
+      PlaySoundFile(text);
+      break;
+    case kRun:
+      Run(text);
+      break;
+    case kInternet:
+      Browse(pin, cmd, text);
+      break;
+    default:
+      break;
+  }
+}
+
+}  // namespace gromlit

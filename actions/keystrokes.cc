@@ -1,3 +1,170 @@
 #include "actions/keystrokes.h"
 
-namespace gromlit {}
+#include <X11/XKBlib.h>
+#include <X11/Xutil.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+#include "core/files.h"
+#include "display/display.h"
+
+namespace gromlit {
+
+uint8_t charTableKeycodes[kCharacters];
+uint8_t charTableKeystates[kCharacters];
+
+namespace {
+
+// Only 7-bit characters have keys: what XLookupString gives for the others depends on the locale.
+constexpr int kTypeable = 128;
+
+// The states that are tried, in order of preference: every combination of the first six modifiers,
+// then the last two alone. No modifier comes first, so a character that a bare key gives never
+// carries one, and Shift (1) comes before Lock (2).
+constexpr int kStates = 66;
+constexpr unsigned StateAt(int i) {
+  return i < kStates - 1 ? static_cast<unsigned>(i) : Mod5Mask;
+}
+static_assert(StateAt(64) == Mod4Mask);
+static_assert(StateAt(65) == Mod5Mask);
+
+// Every bit that a client can select: whatever the application listens for, it gets the keys.
+constexpr long kAnyEventMask = 0xFFFFFF;
+
+constexpr size_t kFileBlock = 256;
+
+void TypeByte(const KeyPlace& place, char c) {
+  int keycode;
+  int keystate;
+  if (CharToKeycode(c, &keycode, &keystate) == 0) return;
+  SendHotKey(place.win, place.winx, place.winy, keycode, keystate, place.rootx, place.rooty);
+}
+
+}  // namespace
+
+void BuildCharToKeycode() {
+  std::memset(charTableKeycodes, 0, sizeof charTableKeycodes);
+  std::memset(charTableKeystates, 0, sizeof charTableKeystates);
+
+  XKeyEvent event{};
+  event.type = KeyPress;
+  event.display = dpy;
+  event.window = root;
+  event.root = root;
+
+  int first;
+  int last;
+  XDisplayKeycodes(dpy, &first, &last);
+  for (int i = 0; i < kStates; i++) {
+    event.state = StateAt(i);
+    for (int k = first; k < last; k++) {
+      event.keycode = static_cast<unsigned>(k);
+      char text[32];
+      if (XLookupString(&event, text, sizeof text, nullptr, nullptr) != 1) continue;
+      const auto c = static_cast<unsigned char>(text[0]);
+      // A slot in use was filled by an earlier state or a lower key code, which win. Key codes
+      // start at 8, so 0 is free to mean "none yet".
+      if (c >= kTypeable || charTableKeycodes[c] != 0) continue;
+      charTableKeycodes[c] = static_cast<uint8_t>(k);
+      charTableKeystates[c] = static_cast<uint8_t>(event.state);
+    }
+  }
+}
+
+int CharToKeycode(int ch, int* keycode, int* keystate) {
+  const auto c = static_cast<signed char>(ch);
+  *keycode = c < 0 ? 0 : charTableKeycodes[c];
+  *keystate = c < 0 ? 0 : charTableKeystates[c];
+  return *keycode;
+}
+
+char* KeyStrokeToString(char* buf, int keycode, int keystate) {
+  struct Label {
+    int mask;
+    const char* text;
+  };
+  static constexpr Label kLabels[] = {
+      {ControlMask, "Control-"}, {Mod2Mask, "Mod2-"}, {Mod3Mask, "Mod3-"},   {Mod4Mask, "Mod4-"},
+      {Mod5Mask, "Mod5-"},       {Mod1Mask, "Alt-"},  {ShiftMask, "Shift-"},
+  };
+
+  buf[0] = '\0';
+  // Stored key codes have 16 bits; Xlib would look at the low eight only and name another key.
+  if (keycode < 0 || keycode > 255) return buf;
+  const KeySym symbol = XkbKeycodeToKeysym(dpy, static_cast<KeyCode>(keycode), 0, 0);
+  const char* name = symbol == NoSymbol ? nullptr : XKeysymToString(symbol);
+  if (name == nullptr) return buf;
+
+  size_t length = 0;
+  const auto append = [&](const char* text) {
+    const size_t n = std::min(std::strlen(text), kKeyStrokeText - 1 - length);
+    std::memcpy(buf + length, text, n);
+    length += n;
+    buf[length] = '\0';
+  };
+  for (const Label& label : kLabels) {
+    if ((keystate & label.mask) != 0) append(label.text);
+  }
+  append(name);
+  return buf;
+}
+
+void SendHotKey(Window win, int winx, int winy, int keycode, int keystate, int rootx, int rooty) {
+  XEvent event{};
+  XKeyEvent& key = event.xkey;
+  key.type = KeyPress;
+  key.display = dpy;
+  key.window = win;
+  key.root = root;
+  key.subwindow = None;
+  key.time = CurrentTime;
+  key.x = winx;
+  key.y = winy;
+  key.x_root = rootx;
+  key.y_root = rooty;
+  key.state = static_cast<unsigned>(keystate);
+  key.keycode = static_cast<unsigned>(keycode);
+  key.same_screen = True;
+  XSendEvent(dpy, win, True, kAnyEventMask, &event);
+  key.type = KeyRelease;
+  XSendEvent(dpy, win, True, kAnyEventMask, &event);
+}
+
+Window KeyTarget(Window kwin) {
+  Window focus = None;
+  int revert;
+  XGetInputFocus(dpy, &focus, &revert);
+  return focus != None && focus != PointerRoot ? focus : kwin;
+}
+
+void SendKeyPairs(const KeyPlace& place, const GromlitCmd* cmd) {
+  // A menu command of many letters counts more keys than the record has pairs.
+  const int n = std::min<int>(cmd->nkeys, kMaxKeys);
+  for (int i = 0; i < n; i++) {
+    SendHotKey(place.win, place.winx, place.winy, cmd->keycode[i], cmd->keystate[i], place.rootx,
+               place.rooty);
+  }
+}
+
+void TypeText(const KeyPlace& place, const char* text, size_t length) {
+  for (size_t i = 0; i < length; i++) TypeByte(place, text[i]);
+}
+
+void TypeFile(const KeyPlace& place, const char* fname) {
+  const int fd = OpenRegular(fname);
+  if (fd > 0) {
+    char block[kFileBlock];
+    for (;;) {
+      const ssize_t n = read(fd, block, sizeof block);
+      if (n < 1) break;
+      TypeText(place, block, static_cast<size_t>(n));
+    }
+  }
+  // Descriptor 0 (standard input was closed) does not count as opened, but must not stay taken.
+  if (fd >= 0) close(fd);
+}
+
+}  // namespace gromlit
