@@ -2,6 +2,8 @@
 
 #include <X11/Xutil.h>
 
+#include "toolkit/image.h"
+
 namespace gromlit::testing {
 
 int XFixture::errors = 0;
@@ -20,6 +22,7 @@ void XFixture::SetUp() {
   });
   ASSERT_TRUE(OpenDisplay(server->name().c_str()));
   MakeColours();
+  MakeImages();
   MakeHandCursor();
   LoadFonts();
   MakeCursors();

@@ -1,0 +1,75 @@
+#include "toolkit/bevel.h"
+
+#include <cstring>
+
+#include "display/display.h"
+
+namespace gromlit {
+namespace {
+
+XSegment Segment(int x1, int y1, int x2, int y2) {
+  return {static_cast<short>(x1), static_cast<short>(y1), static_cast<short>(x2),
+          static_cast<short>(y2)};
+}
+
+}  // namespace
+
+void XDrawBevel(int up, Window win, GC gc, int x, int y, int w, int h) {
+  const unsigned long top = up == kRaised ? white.pixel : up == kSunken ? dgrey.pixel : lgrey.pixel;
+  const unsigned long bottom = up == kRaised   ? dgrey.pixel
+                               : up == kSunken ? white.pixel
+                                               : lgrey.pixel;
+  const int r = x + w - 1;
+  const int b = y + h - 1;
+  // The lines overlap on purpose: the inner left line begins at the top, and the lower lines are
+  // drawn over the ends of the upper ones. That gives the corners their look.
+  XSegment upper[] = {Segment(x, y, r, y), Segment(x, y, x, b), Segment(x + 1, y + 1, r, y + 1),
+                      Segment(x + 1, y, x + 1, b)};
+  XSegment lower[] = {Segment(x + 1, b, r, b), Segment(r, y + 1, r, b),
+                      Segment(x + 2, b - 1, r, b - 1), Segment(r - 1, y + 2, r - 1, b - 1)};
+  XSetForeground(dpy, gc, top);
+  XDrawSegments(dpy, win, gc, upper, 4);
+  XSetForeground(dpy, gc, bottom);
+  XDrawSegments(dpy, win, gc, lower, 4);
+}
+
+void FillRectangle(Window win, GC gc, unsigned long pixel, int x, int y, int w, int h) {
+  XSetForeground(dpy, gc, pixel);
+  if (w <= 0 || h <= 0) return;
+  XFillRectangle(dpy, win, gc, x, y, static_cast<unsigned>(w), static_cast<unsigned>(h));
+}
+
+Inverting::Inverting(GC gc) : gc_(gc) {
+  XSetFunction(dpy, gc_, GXinvert);
+}
+
+Inverting::~Inverting() {
+  XSetFunction(dpy, gc_, GXcopy);
+}
+
+void InvertRectangle(Window win, GC gc, int x, int y, int w, int h) {
+  if (w <= 0 || h <= 0) return;
+  const Inverting inverting(gc);
+  XFillRectangle(dpy, win, gc, x, y, static_cast<unsigned>(w), static_cast<unsigned>(h));
+}
+
+void InvertOutline(Window win, GC gc, int x, int y, int w, int h) {
+  if (w <= 0 || h <= 0) return;
+  const Inverting inverting(gc);
+  XDrawRectangle(dpy, win, gc, x, y, static_cast<unsigned>(w), static_cast<unsigned>(h));
+}
+
+int TextWidth(XFontStruct* font, const char* text) {
+  return font != nullptr ? XTextWidth(font, text, static_cast<int>(std::strlen(text))) : 0;
+}
+
+void DrawText(Window win, GC gc, int x, int baseline, const char* text) {
+  XDrawString(dpy, win, gc, x, baseline, text, static_cast<int>(std::strlen(text)));
+}
+
+void DrawCentredText(Window win, GC gc, int left, int width, int baseline, const char* text,
+                     int textwidth) {
+  DrawText(win, gc, left + (width - textwidth) / 2, baseline, text);
+}
+
+}  // namespace gromlit

@@ -1,0 +1,51 @@
+// Drawing that several widgets share: bevels, filled and inverted rectangles, text.
+//
+// Nothing here waits for the server. Coordinates and sizes are pixels in the window.
+#pragma once
+
+#include <X11/Xlib.h>
+
+namespace gromlit {
+
+// What XDrawBevel draws.
+inline constexpr int kSunken = 0;
+inline constexpr int kRaised = 1;
+inline constexpr int kFlat = 2;  // erases a bevel on the light grey ground
+
+// Draws a bevel two pixels wide just inside the rectangle. The foreground of gc is afterwards that
+// of the bottom and right lines.
+void XDrawBevel(int up, Window win, GC gc, int x, int y, int w, int h);
+
+// Fills a rectangle and leaves `pixel` as the foreground of gc. Nothing is filled when w or h is
+// not positive.
+void FillRectangle(Window win, GC gc, unsigned long pixel, int x, int y, int w, int h);
+
+// While it lives, everything drawn with gc inverts what is there; drawn twice it is gone again.
+class Inverting {
+ public:
+  explicit Inverting(GC gc);
+  ~Inverting();
+  Inverting(const Inverting&) = delete;
+  Inverting& operator=(const Inverting&) = delete;
+
+ private:
+  GC gc_;
+};
+
+// Inverts a filled rectangle (w x h pixels), and the outline of one (w + 1 x h + 1 pixels, as
+// XDrawRectangle draws it). Nothing is drawn when w or h is not positive.
+void InvertRectangle(Window win, GC gc, int x, int y, int w, int h);
+void InvertOutline(Window win, GC gc, int x, int y, int w, int h);
+
+// Width of a NUL-terminated text, pixels; 0 without a font.
+int TextWidth(XFontStruct* font, const char* text);
+
+// Draws a NUL-terminated text in gc's font and foreground.
+void DrawText(Window win, GC gc, int x, int baseline, const char* text);
+
+// Draws a text of known width centred in the `width` pixels that begin at `left`; a text that is
+// wider sticks out at both sides.
+void DrawCentredText(Window win, GC gc, int left, int width, int baseline, const char* text,
+                     int textwidth);
+
+}  // namespace gromlit

@@ -1,0 +1,89 @@
+#include "toolkit/button.h"
+
+#include <cstdio>
+
+#include "display/display.h"
+#include "toolkit/bevel.h"
+#include "toolkit/child_window.h"
+
+namespace gromlit {
+namespace {
+
+constexpr int kPulldownRoom = 16;  // pixels that a pulldown button's mark takes from the caption
+constexpr int kBaseline = 4;       // of the caption, pixels below the middle
+
+// The button that holds the pointer (INV-BUTTON-1).
+XButton* holder = nullptr;
+
+}  // namespace
+
+XButton* MakeButtonSized(void* owner, Window parent, const char* label, void (*func)(void* arg),
+                         int x, int y, int width) {
+  auto* button = new XButton{};
+  button->owner = owner;
+  button->action = func;
+  button->width = width;
+  button->height = kButtonHeight;
+  button->window = MakeChildWindow(parent, x, y, width, kButtonHeight, lgrey.pixel,
+                                   ExposureMask | ButtonPressMask | ButtonReleaseMask);
+  button->gc = buttongc;
+  button->state = kButtonActive;
+  button->arg = button;
+  SetButtonLabel(button, label);
+  button->wobj = AllocWindowObj(button->window, button);
+  On<Expose, DrawButton>(button);
+  On<ButtonPress, ButtonDown>(button);
+  On<ButtonRelease, ButtonUp>(button);
+  XMapWindow(dpy, button->window);
+  return button;
+}
+
+XButton* MakeButton(void* owner, Window parent, const char* label, void (*func)(void* arg), int x,
+                    int y) {
+  return MakeButtonSized(owner, parent, label, func, x, y, kButtonWidth);
+}
+
+void SetButtonLabel(XButton* button, const char* label) {
+  std::snprintf(button->label, sizeof button->label, "%s", label);
+  button->label_width = TextWidth(labelFontinfo, button->label);
+}
+
+void DrawButton(XButton* button, XEvent*) {
+  XClearWindow(dpy, button->window);
+  if (button->state < kButtonInactive || button->state > kButtonPressed) return;
+  XDrawBevel(button->state == kButtonPressed ? kSunken : kRaised, button->window, button->gc, 0, 0,
+             button->width, button->height);
+  XSetForeground(dpy, button->gc, button->state == kButtonInactive ? dgrey.pixel : black.pixel);
+  const int room = button->menu != nullptr ? kPulldownRoom : 0;
+  DrawCentredText(button->window, button->gc, 0, button->width, button->height / 2 + kBaseline,
+                  button->label, button->label_width + room);
+}
+
+void ButtonDown(XButton* button, XEvent*) {
+  if (button->state != kButtonActive) return;
+  if (XGrabPointer(dpy, button->window, False, ButtonReleaseMask | ButtonMotionMask, GrabModeAsync,
+                   GrabModeAsync, None, None, CurrentTime) != GrabSuccess) {
+    // Without the grab the release might never come back here.
+    return;
+  }
+  holder = button;
+  button->state = kButtonPressed;
+  DrawButton(button);
+}
+
+void ButtonUp(XButton* button, XEvent* event) {
+  if (holder == button) {
+    holder = nullptr;
+    XUngrabPointer(dpy, CurrentTime);
+  }
+  if (button->state != kButtonPressed) return;
+  const int x = event->xbutton.x;
+  const int y = event->xbutton.y;
+  const bool inside = 0 < x && x < button->width && 0 < y && y < button->height;
+  button->state = kButtonActive;
+  // Before the drawing, which then shows what the callback made of the button.
+  if (inside && button->action != nullptr) button->action(button->arg);
+  DrawButton(button);
+}
+
+}  // namespace gromlit

@@ -1,0 +1,28 @@
+#include "toolkit/child_window.h"
+
+#include <algorithm>
+
+#include "display/display.h"
+
+namespace gromlit {
+
+Window MakeChildWindow(Window parent, int x, int y, int width, int height, unsigned long background,
+                       long eventmask, unsigned long moremask, const XSetWindowAttributes& more) {
+  XSetWindowAttributes attributes = more;
+  attributes.background_pixel = background;
+  attributes.event_mask = eventmask;
+  return XCreateWindow(dpy, parent, x, y, static_cast<unsigned>(std::max(width, 1)),
+                       static_cast<unsigned>(std::max(height, 1)), 0, CopyFromParent, InputOutput,
+                       nullptr, CWBackPixel | CWEventMask | moremask, &attributes);
+}
+
+GC MakeWindowGC(Window window, Font font) {
+  XGCValues values;
+  values.foreground = black.pixel;
+  values.background = white.pixel;
+  values.font = font;
+  const unsigned long mask = GCForeground | GCBackground | (font != None ? GCFont : 0UL);
+  return XCreateGC(dpy, window, mask, &values);
+}
+
+}  // namespace gromlit

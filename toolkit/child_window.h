@@ -1,0 +1,20 @@
+// Making the window and the graphics context of a widget.
+#pragma once
+
+#include <X11/Xlib.h>
+
+namespace gromlit {
+
+// Makes a window without border, of its parent's depth and visual, not mapped. Sizes below one
+// pixel, which the server would refuse, count as one. `background` is a pixel, `eventmask` the
+// events selected. `moremask` names the members of `more` (CWOverrideRedirect, CWSaveUnder,
+// CWBackingStore, CWCursor, ...) that are wanted besides.
+Window MakeChildWindow(Window parent, int x, int y, int width, int height, unsigned long background,
+                       long eventmask, unsigned long moremask = 0,
+                       const XSetWindowAttributes& more = {});
+
+// Makes a graphics context, black on white, for a window; with a font of None it keeps the
+// server's default font.
+GC MakeWindowGC(Window window, Font font = None);
+
+}  // namespace gromlit

@@ -1,0 +1,63 @@
+#include "toolkit/icon_window.h"
+
+#include <bit>
+
+#include "display/display.h"
+#include "toolkit/bevel.h"
+#include "toolkit/child_window.h"
+
+namespace gromlit {
+namespace {
+
+constexpr int kIconMargin = 4;  // pixels between the tile's edge and the icon
+
+}  // namespace
+
+IconWindow* MakeIconWindow(Window parent, int x, int y, GromlitSymbol* sym, void* buttonarg) {
+  const bool clickable = buttonarg != nullptr;
+  auto* iw = new IconWindow{};
+  iw->window = MakeChildWindow(
+      parent, x, y, kIconWindowSize, kIconWindowSize, clickable ? lgrey.pixel : white.pixel,
+      ExposureMask | (clickable ? ButtonPressMask | ButtonReleaseMask : NoEventMask));
+  iw->gc = XCreateGC(dpy, iw->window, 0, nullptr);
+  iw->sym = sym;
+  iw->buttonarg = buttonarg;
+  iw->wobj = AllocWindowObj(iw->window, iw);
+  On<Expose, DrawIconWindow>(iw);
+  On<ButtonRelease, IconWindowButtonRelease>(iw);
+  return iw;
+}
+
+void DrawIconWindow(IconWindow* iw, XEvent*) {
+  XClearWindow(dpy, iw->window);
+  if (iw->buttonarg != nullptr) {
+    XDrawBevel(kRaised, iw->window, iw->gc, 0, 0, kIconWindowSize, kIconWindowSize);
+  } else {
+    XSetForeground(dpy, iw->gc, dgrey.pixel);
+    XDrawLine(dpy, iw->window, iw->gc, 0, 0, kIconWindowSize, 0);
+    XDrawLine(dpy, iw->window, iw->gc, 0, 0, 0, kIconWindowSize);
+  }
+  XSetForeground(dpy, iw->gc, blue.pixel);
+  DrawSymbolIcon(iw->window, iw->gc, iw->sym, kIconMargin, kIconMargin);
+}
+
+void IconWindowButtonRelease(IconWindow* iw, XEvent*) {
+  // A passive tile can still be sent a release by another client.
+  if (iw->buttonarg == nullptr || iw->action == nullptr) return;
+  iw->action(iw->buttonarg);
+}
+
+void DrawSymbolIcon(Window w, GC gc, const GromlitSymbol* sym, int wx, int wy) {
+  if (sym == nullptr) return;
+  XPoint points[kIconSize * kIconSize];
+  int npoints = 0;
+  for (int y = 0; y < kIconSize; y++) {
+    for (uint32_t bits = sym->icon[y]; bits != 0; bits &= bits - 1) {
+      points[npoints++] = {static_cast<short>(wx + std::countr_zero(bits)),
+                           static_cast<short>(wy + y)};
+    }
+  }
+  if (npoints > 0) XDrawPoints(dpy, w, gc, points, npoints, CoordModeOrigin);
+}
+
+}  // namespace gromlit

@@ -1,0 +1,159 @@
+#include "toolkit/image.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include "display/display.h"
+#include "images/downscrollbar.xpm"
+#include "images/gromlitlogo.xpm"
+#include "images/gromlitsimple.xpm"
+#include "images/menurightarrow.xpm"
+#include "images/upscrollbar.xpm"
+
+namespace gromlit {
+
+XImage* logoImage = nullptr;
+XImage* smImage = nullptr;
+XImage* upscrollImage = nullptr;
+XImage* downscrollImage = nullptr;
+XImage* rightmenuImage = nullptr;
+
+namespace {
+
+constexpr int kMaxSide = 32767;              // X coordinates have 16 bits with a sign
+constexpr unsigned kPixelTableSize = 65535;  // keys 0..65534
+
+struct Header {
+  int width;
+  int height;
+  int ncolours;
+  int cpp;  // characters per pixel, 1 or 2
+};
+
+bool ReadHeader(std::span<const char* const> data, Header* header) {
+  if (data.empty()) return false;
+  if (std::sscanf(data[0], " %d %d %d %d", &header->width, &header->height, &header->ncolours,
+                  &header->cpp) != 4) {
+    return false;
+  }
+  if (header->width < 1 || header->width > kMaxSide) return false;
+  if (header->height < 1 || header->height > kMaxSide) return false;
+  if (header->cpp < 1 || header->cpp > 2) return false;
+  if (header->ncolours < 0) return false;
+  const auto lines = static_cast<size_t>(header->ncolours) + static_cast<size_t>(header->height);
+  return lines <= data.size() - 1;
+}
+
+// The lowest set bit's number when the mask is eight bits wide, else -1.
+int ByteShift(unsigned long mask) {
+  for (int shift = 0; shift <= 24; shift++) {
+    if (mask == 0xffUL << shift) return shift;
+  }
+  return -1;
+}
+
+// Pixel of an 8-bit colour. Where the colour map is fixed and a channel has eight bits, the answer
+// is known without asking: one round trip per colour would be near a hundred at start-up.
+unsigned long PixelOfColour(unsigned r, unsigned g, unsigned b) {
+  const Visual* visual = DefaultVisual(dpy, screen);
+  if (visual->c_class == TrueColor) {
+    const int red = ByteShift(visual->red_mask);
+    const int green = ByteShift(visual->green_mask);
+    const int blueshift = ByteShift(visual->blue_mask);
+    if (red >= 0 && green >= 0 && blueshift >= 0) {
+      return static_cast<unsigned long>(r) << red | static_cast<unsigned long>(g) << green |
+             static_cast<unsigned long>(b) << blueshift;
+    }
+  }
+  XColor colour{};
+  colour.red = static_cast<unsigned short>(r | r << 8);
+  colour.green = static_cast<unsigned short>(g | g << 8);
+  colour.blue = static_cast<unsigned short>(b | b << 8);
+  colour.flags = DoRed | DoGreen | DoBlue;
+  XAllocColor(dpy, cmap, &colour);
+  return colour.pixel;
+}
+
+unsigned KeyOf(char c1, char c2) {
+  return static_cast<unsigned char>(c1) * 256U + static_cast<unsigned char>(c2);
+}
+
+// Reads one colour line into the table; false when it is not of the form "KEY c #RRGGBB".
+bool ReadColour(const char* line, int cpp, std::vector<unsigned long>* pixels) {
+  char c1 = 0;
+  char c2 = 0;
+  char type = 0;
+  unsigned r = 0;
+  unsigned g = 0;
+  unsigned b = 0;
+  const int nread = cpp == 2
+                        ? std::sscanf(line, "%c%c %c #%2x%2x%2x", &c1, &c2, &type, &r, &g, &b) - 1
+                        : std::sscanf(line, "%c %c #%2x%2x%2x", &c2, &type, &r, &g, &b);
+  if (nread != 5 || type != 'c') return false;
+  const unsigned key = KeyOf(c1, c2);
+  if (key < pixels->size()) (*pixels)[key] = PixelOfColour(r, g, b);
+  return true;
+}
+
+// An image of the format that the root window's own contents would come in. Reading those contents
+// back instead would cost a round trip and fail on a screen smaller than the picture.
+XImage* BlankImage(int width, int height) {
+  XImage* image = XCreateImage(
+      dpy, DefaultVisual(dpy, screen), static_cast<unsigned>(DefaultDepth(dpy, screen)), ZPixmap, 0,
+      nullptr, static_cast<unsigned>(width), static_cast<unsigned>(height), BitmapPad(dpy), 0);
+  if (image == nullptr) return nullptr;
+  // XDestroyImage releases the data with free.
+  image->data = static_cast<char*>(
+      std::calloc(static_cast<size_t>(image->bytes_per_line), static_cast<size_t>(height)));
+  if (image->data == nullptr) {
+    XDestroyImage(image);
+    return nullptr;
+  }
+  return image;
+}
+
+void Renew(XImage** image, std::span<const char* const> data) {
+  if (*image != nullptr) XDestroyImage(*image);
+  *image = XpmToPixmap(data);
+}
+
+}  // namespace
+
+void MakeImages() {
+  Renew(&logoImage, gromlitlogo);
+  Renew(&smImage, gromlitsimple);
+  Renew(&upscrollImage, upscrollbar);
+  Renew(&downscrollImage, downscrollbar);
+  Renew(&rightmenuImage, menurightarrow);
+}
+
+XImage* XpmToPixmap(std::span<const char* const> data) {
+  Header header{};
+  if (!ReadHeader(data, &header)) return nullptr;
+  std::vector<unsigned long> pixels(header.cpp == 2 ? kPixelTableSize : 256U);
+  for (const char* line : data.subspan(1, static_cast<size_t>(header.ncolours))) {
+    if (!ReadColour(line, header.cpp, &pixels)) return nullptr;
+  }
+  XImage* image = BlankImage(header.width, header.height);
+  if (image == nullptr) return nullptr;
+  const auto rows = data.subspan(1 + static_cast<size_t>(header.ncolours));
+  for (int y = 0; y < header.height; y++) {
+    const char* row = rows[static_cast<size_t>(y)];
+    const auto complete = static_cast<int>(std::strlen(row) / static_cast<size_t>(header.cpp));
+    for (int x = 0; x < header.width && x < complete; x++) {
+      const unsigned key = header.cpp == 2 ? KeyOf(row[2 * x], row[2 * x + 1]) : KeyOf(0, row[x]);
+      XPutPixel(image, x, y, key < pixels.size() ? pixels[key] : 0UL);
+    }
+  }
+  return image;
+}
+
+void PutImage(Window win, GC gc, XImage* image, int x, int y) {
+  if (image == nullptr) return;
+  XPutImage(dpy, win, gc, image, 0, 0, x, y, static_cast<unsigned>(image->width),
+            static_cast<unsigned>(image->height));
+}
+
+}  // namespace gromlit
