@@ -24,10 +24,12 @@ void Swap(char* char1, char* char2);
 // has to be remembered.
 int SignatureMatch(const char* sigSym, const char* sigDrawn);
 
-// The symbol's signature, computed on first use and kept in the record.
+// The symbol's signature, computed on first use and kept in the record (heap, owned by it). It is
+// the only allocation of a search.
 const char* SymbolSignature(GromlitSymbol* sym);
 
-// Forgets the cached signature of a symbol whose points changed (INV-SYMBOL-1).
+// Frees and forgets the cached signature of a symbol whose points changed (INV-SYMBOL-1). A record
+// that was copied whole from another still points to the other's signature: set it to null instead.
 void ForgetSignature(GromlitSymbol* sym);
 
 // SignatureMatch of the symbol's signature.
