@@ -11,11 +11,14 @@ namespace gromlit {
 struct GromlitApp {
   WindowObj* wobj;
   Window window;
-  GC gc;
-  int width;  // pixels, as is height
+  GC gc;      // black on white, text font
+  int width;  // of the window, as is height; pixels
   int height;
-  int border;  // margin of the layout, pixels
-  int ncols;   // cells of the action grid
+  int border;     // margin of the layout, pixels
+  int nicons;     // actions of the shown plug-in
+  int iconwidth;  // of a symbol in the grid, pixels
+  int iconheight;
+  int ncols;  // cells of the grid
   int nrows;
   int icontop;            // first action shown, a multiple of ncols
   int selected;           // selected action, -1 for none
@@ -25,10 +28,10 @@ struct GromlitApp {
 extern GromlitApp* app;
 
 // Makes the main window, not mapped, with its window-manager properties. ncols x nrows is the grid
-// of actions that it shows; argc and argv go into WM_COMMAND.
+// of actions that it shows; argc and argv become its WM_COMMAND.
 GromlitApp* MakeGromlitApp(int ncols, int nrows, int argc, char** argv);
 
-// Redraws the window; also its Expose handler.
+// Redraws the window.
 void DrawGromlitApp(GromlitApp* gromlit);
 
 // Shows the plug-in of this class, its actions loaded on first use; the default plug-in when there

@@ -1,1 +1,50 @@
-namespace gromlit {}
+#include "capture/app_track.h"
+
+#include <array>
+
+#include "app/gromlit_app.h"
+#include "capture/target.h"
+#include "display/display.h"
+#include "display/x_handles.h"
+#include "toolkit/window_object.h"
+
+namespace gromlit {
+namespace {
+
+// Any window id that no window has: the default entry is found through defaultWindowObj alone.
+constexpr Window kNoWindow = 1;
+
+}  // namespace
+
+void CreateAppTrack() {
+  defaultWindowObj = AllocWindowObj(kNoWindow, nullptr);
+  SetHandler(defaultWindowObj, EnterNotify, GromlitAppTrackEnter);
+  SetHandler(defaultWindowObj, CreateNotify, GromlitAppTrackCreate);
+  XSelectInput(dpy, root, SubstructureNotifyMask | EnterWindowMask);
+  Window rootwin;
+  Window parent;
+  Window* list = nullptr;
+  unsigned count = 0;
+  if (XQueryTree(dpy, root, &rootwin, &parent, &list, &count) == 0) return;
+  const XData<Window> windows(list);
+  for (unsigned i = 0; i < count; i++) {
+    if (!IsOwnWindow(list[i])) XSelectInput(dpy, list[i], EnterWindowMask);
+  }
+}
+
+void GromlitAppTrackEnter(void*, XEvent* event) {
+  if (event->xcrossing.mode == NotifyGrab || editingPlugin != 0) return;
+  std::array<char, kClassBuffer> cname{};
+  const Window entered = GetXApp(event->xcrossing.window, cname);
+  if (entered == None || entered == app->window) return;
+  int updated = 0;
+  UpdateGromlitApp(app, cname.data(), &updated);
+  if (updated != 0) DrawGromlitApp(app);
+}
+
+void GromlitAppTrackCreate(void*, XEvent* event) {
+  const Window window = event->xcreatewindow.window;
+  if (!IsOwnWindow(window)) XSelectInput(dpy, window, EnterWindowMask);
+}
+
+}  // namespace gromlit

@@ -1,1 +1,259 @@
-namespace gromlit {}
+#include "capture/gromlit_draw.h"
+
+#include <poll.h>
+
+#include <array>
+#include <cstdint>
+#include <string_view>
+
+#include "app/find_new_plugin.h"
+#include "capture/app_track.h"
+#include "capture/target.h"
+#include "core/option_files.h"
+#include "core/plugin_files.h"
+#include "display/display.h"
+#include "display/draw_button.h"
+#include "recognition/plugin_match.h"
+
+namespace gromlit {
+namespace {
+
+// Class text of the program's own main window: strokes on it never ask for a plug-in.
+constexpr std::string_view kOwnClass = "Gromlit.Application";
+
+// How long to wait for the next event before asking whether the grab is still there, milliseconds.
+constexpr int kGrabCheck = 100;
+
+int16_t Coordinate(int position) {
+  return static_cast<int16_t>(position);
+}
+
+// Everything about the press that is being handled. Positions in pixels.
+class Capture {
+ public:
+  Capture(GromlitDraw* draw, const XButtonEvent& press)
+      : draw_(draw),
+        press_(press),
+        trail_(StartTrail(&draw->trail)),
+        lastroot_{press.x_root, press.y_root} {
+    AddPoint(press.x_root, press.y_root);
+  }
+  ~Capture() {
+    Thaw();
+    HideTrail(&trail_);
+    XFlush(dpy);
+  }
+  Capture(const Capture&) = delete;
+  Capture& operator=(const Capture&) = delete;
+
+  void FindTargets();
+  void Run();
+
+ private:
+  struct Position {
+    int x;
+    int y;
+    bool operator==(const Position&) const = default;
+  };
+
+  // Every call carries the press's time, so that one that comes late cannot act on a newer grab.
+  void Thaw() { XAllowEvents(dpy, AsyncPointer, press_.time); }
+  bool NextEvent(XEvent* event);
+  bool GrabIsGone();
+  void AddPoint(int x, int y);
+  void BeginDrawing(const XMotionEvent& motion);
+  void Motion(const XMotionEvent& motion);
+  void Release(const XButtonEvent& release);
+  void SendClick();
+  void Recognise(GromlitPlugin* plugin);
+
+  GromlitDraw* draw_;
+  const XButtonEvent press_;
+  Window mwin_ = None;  // click target
+  Window kwin_ = None;  // key target
+  int winx_ = 0;        // pointer in the target
+  int winy_ = 0;
+  std::array<char, kClassBuffer> cname_{};
+  GromlitPluginList* headplugin_ = nullptr;  // looked up on the first motion
+  Trail trail_;
+  std::array<int16_t, kMaxStrokePoints> xbuffer_{};
+  std::array<int16_t, kMaxStrokePoints> ybuffer_{};
+  int npoints_ = 0;
+  Position lastroot_;  // where the pointer was when the server last told us
+};
+
+void Capture::AddPoint(int x, int y) {
+  if (npoints_ == kMaxStrokePoints) return;
+  xbuffer_[static_cast<size_t>(npoints_)] = Coordinate(x);
+  ybuffer_[static_cast<size_t>(npoints_)] = Coordinate(y);
+  npoints_++;
+}
+
+void Capture::FindTargets() {
+  if (press_.subwindow == None) {
+    GetXApp(root, cname_);
+    mwin_ = kwin_ = root;
+    winx_ = press_.x_root;
+    winy_ = press_.y_root;
+    return;
+  }
+  const Window userapp = GetXApp(press_.subwindow, cname_);
+  if (userapp == None) return;
+  mwin_ = GetXAppClick(userapp, &winx_, &winy_);
+  // Second, so that its position wins where both searches find a window.
+  kwin_ = GetXAppKey(userapp, &winx_, &winy_);
+}
+
+void Capture::Run() {
+  // The passive grab reports motion and release of the draw button only. Widened, it reports other
+  // buttons too, which end the stroke. No cursor: the trail windows carry the hand.
+  XChangeActivePointerGrab(
+      dpy,
+      static_cast<unsigned>(ButtonToMotionMask(static_cast<int>(press_.button)) | ButtonPressMask |
+                            ButtonReleaseMask),
+      None, press_.time);
+  for (;;) {
+    XAllowEvents(dpy, SyncPointer, press_.time);
+    XEvent event;
+    if (!NextEvent(&event)) return;
+    switch (event.type) {
+      case ButtonPress:
+        return;
+      case MotionNotify:
+        Motion(event.xmotion);
+        break;
+      case ButtonRelease:
+        if (event.xbutton.button != press_.button) break;
+        Release(event.xbutton);
+        return;
+    }
+  }
+}
+
+// The next event of the grab. False when the grab is gone and none will come: a handler that ran
+// before may have released it, and the button may be up already.
+bool Capture::NextEvent(XEvent* event) {
+  const long mask =
+      ButtonToMotionMask(static_cast<int>(press_.button)) | ButtonPressMask | ButtonReleaseMask;
+  for (;;) {
+    while (XCheckWindowEvent(dpy, root, mask, event)) {
+      // Anybody may send events to the root window; only the server's count.
+      if (event->xany.send_event) continue;
+      if (event->type == MotionNotify) lastroot_ = {event->xmotion.x_root, event->xmotion.y_root};
+      return true;
+    }
+    pollfd connection{ConnectionNumber(dpy), POLLIN, 0};
+    if (poll(&connection, 1, kGrabCheck) == 0 && GrabIsGone()) return false;
+  }
+}
+
+bool Capture::GrabIsGone() {
+  Window rootwin;
+  Window child;
+  Position at{};
+  int winx;
+  int winy;
+  unsigned state;
+  if (!XQueryPointer(dpy, root, &rootwin, &child, &at.x, &at.y, &winx, &winy, &state)) return true;
+  // With the answer everything has arrived that the server reported before it.
+  XEvent event;
+  const long mask =
+      ButtonToMotionMask(static_cast<int>(press_.button)) | ButtonPressMask | ButtonReleaseMask;
+  if (XCheckWindowEvent(dpy, root, mask, &event)) {
+    XPutBackEvent(dpy, &event);
+    return false;
+  }
+  const bool up = (state & (Button1Mask << (press_.button - 1))) == 0;
+  return up || at != lastroot_;
+}
+
+void Capture::BeginDrawing(const XMotionEvent& motion) {
+  headplugin_ = UpdateGromlitApp(draw_->app, cname_.data(), nullptr);
+  if (headplugin_ != nullptr && user->showactions != 0) DrawGromlitApp(draw_->app);
+  ShowTrail(&trail_, motion.x_root, motion.y_root);
+}
+
+void Capture::Motion(const XMotionEvent& motion) {
+  if (!trail_.drawmapped) BeginDrawing(motion);
+  AddPoint(motion.x_root, motion.y_root);
+  MoveTrail(&trail_, motion.x_root, motion.y_root);
+}
+
+void Capture::Release(const XButtonEvent& release) {
+  Thaw();
+  if (trail_.drawmoved < user->sensitivity) {
+    SendClick();
+  } else if (headplugin_ != nullptr) {
+    Recognise(headplugin_->plugin);
+  } else if (cname_.data() != kOwnClass &&
+             FindNewPlugin(draw_->app, cname_.data(), release.x_root, release.y_root) != 0) {
+    Recognise(DefaultPlugin);
+  }
+}
+
+void Capture::SendClick() {
+  if (mwin_ == None) return;
+  XEvent event{};
+  XButtonEvent& click = event.xbutton;
+  click.type = ButtonPress;
+  click.display = dpy;
+  click.window = mwin_;
+  click.root = root;
+  click.subwindow = None;
+  click.time = CurrentTime;
+  click.x = winx_;
+  click.y = winy_;
+  click.x_root = press_.x_root;
+  click.y_root = press_.y_root;
+  click.state = 0;
+  click.button = press_.button;
+  click.same_screen = True;
+  XSendEvent(dpy, mwin_, True, 0xffffff, &event);
+  click.type = ButtonRelease;
+  XSendEvent(dpy, mwin_, True, 0xffffff, &event);
+}
+
+void Capture::Recognise(GromlitPlugin* plugin) {
+  if (plugin == nullptr) return;
+  // An action may take seconds; a press in that time must not freeze the pointer until it is over.
+  const DrawButtonLifted lifted;
+  PluginMatch(plugin, npoints_, xbuffer_.data(), ybuffer_.data(), mwin_, kwin_, winx_, winy_,
+              press_.x_root, press_.y_root);
+}
+
+long TrailMask() {
+  return ButtonToMotionMask(EffectiveButton(user)) | ButtonReleaseMask;
+}
+
+}  // namespace
+
+GromlitDraw* MakeGromlitDraw() {
+  auto* draw = new GromlitDraw{};
+  draw->trail = MakeTrailWindows(TrailMask());
+  draw->wobj = AllocWindowObj(root, draw);
+  On<ButtonPress, GromlitDrawButtonPress>(draw);
+  SetHandler(draw->wobj, EnterNotify, GromlitAppTrackEnter);
+  SetHandler(draw->wobj, CreateNotify, GromlitAppTrackCreate);
+  return draw;
+}
+
+void RenewDrawEvents(GromlitDraw* draw) {
+  SelectTrailEvents(draw->trail, TrailMask());
+}
+
+void GromlitDrawButtonPress(GromlitDraw* draw, XEvent* event) {
+  const XButtonEvent& press = event->xbutton;
+  // Nothing is frozen on account of a synthetic press; replaying could release a real one that
+  // waits behind it, whose capture would then never end.
+  if (press.send_event) return;
+  if (press.state != 0 || editingPlugin != 0) {
+    XAllowEvents(dpy, ReplayPointer, press.time);
+    XFlush(dpy);
+    return;
+  }
+  Capture capture(draw, press);
+  capture.FindTargets();
+  capture.Run();
+}
+
+}  // namespace gromlit

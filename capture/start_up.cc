@@ -1,6 +1,89 @@
 #include "capture/start_up.h"
+
+#include <X11/Xlib.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+
+#include "actions/child.h"
+#include "actions/keystrokes.h"
+#include "app/gromlit_app.h"
+#include "capture/app_track.h"
+#include "capture/command_line.h"
+#include "capture/gromlit_draw.h"
+#include "core/files.h"
+#include "core/option_files.h"
+#include "core/plugin_files.h"
+#include "core/symbol_files.h"
+#include "display/display.h"
+#include "display/draw_button.h"
+#include "display/x_errors.h"
+#include "toolkit/image.h"
+
 namespace gromlit {
-int GromlitMain(int, char**) {
-  return 0;
+namespace {
+
+// A file-size limit or a closed output must show up as the error of one write, not end the program.
+void IgnoreWriteSignals() {
+  std::signal(SIGXFSZ, SIG_IGN);
+  std::signal(SIGPIPE, SIG_IGN);
 }
+
+void OpenDisplayOrExit(const char* name) {
+  if (OpenDisplay(name)) return;
+  std::fprintf(stderr, "unable to open display '%s'\n", XDisplayName(name));
+  std::exit(1);
+}
+
+void MakeResources() {
+  MakeColours();
+  MakeImages();
+  MakeHandCursor();
+  LoadFonts();
+  MakeCursors();
+  MakeContexts();
+  MakeAtoms();
+}
+
+void GrabDrawButtonOrExit() {
+  if (GrabDrawButton(EffectiveButton(user))) return;
+  std::printf("Drawing Button used by another application.\n");
+  std::exit(0);
+}
+
+void MakeWindows(int argc, char** argv) {
+  GromlitDraw* draw = MakeGromlitDraw();
+  app = MakeGromlitApp(6, 3, argc, argv);
+  draw->app = app;
+  LoadPlugins();
+  app->plugin = GetDefaultPlugin();
+  LoadSymbols();
+}
+
+void ShowMainWindow() {
+  XMapWindow(dpy, app->window);
+  UpdateGromlitApp(app, defaultPluginClassname, nullptr);
+  DrawGromlitApp(app);
+}
+
+}  // namespace
+
+void StartUp(const CommandLine& line, int argc, char** argv) {
+  IgnoreWriteSignals();
+  ReapChildrenSilently();
+  OpenDisplayOrExit(line.display);
+  GromlitPath = FindInstallation(line);
+  MakeResources();
+  GetUserOptions();
+  BuildCharToKeycode();
+  GrabDrawButtonOrExit();
+  RemoveStaleTemporaries();  // not before the grab: an instance that runs may be saving
+  MakeWindows(argc, argv);
+  ShowMainWindow();
+  // From here on windows of other clients are asked about that may be gone already.
+  XSetErrorHandler(GromlitXErrorHandler);
+  CreateAppTrack();
+}
+
 }  // namespace gromlit

@@ -1,5 +1,14 @@
-// Start-up, in order, and the event loop.
+// Everything that is made once, in its order.
 #pragma once
+
 namespace gromlit {
-int GromlitMain(int argc, char** argv);
-}
+
+struct CommandLine;
+
+// Opens the display, reads the installation directory, grabs the draw button and makes every
+// long-lived window; ends with the main window on the screen and the pointer followed. Prints the
+// reason and exits when the display cannot be opened (status 1) or the draw button belongs to
+// another program (status 0).
+void StartUp(const CommandLine& line, int argc, char** argv);
+
+}  // namespace gromlit

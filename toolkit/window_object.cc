@@ -1,5 +1,6 @@
 #include "toolkit/window_object.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <vector>
 
@@ -17,6 +18,11 @@ namespace {
 std::vector<WindowObj*>& MoreBlocks() {
   static auto* blocks = new std::vector<WindowObj*>;
   return *blocks;
+}
+
+std::vector<Window>& ClaimedWindows() {
+  static auto* windows = new std::vector<Window>;
+  return *windows;
 }
 
 WindowObj* EntryAt(int i) {
@@ -50,6 +56,20 @@ WindowObj* HasWindowObj(Window window) {
     if (entry->window == window) return entry;
   }
   return nullptr;
+}
+
+void ClaimWindow(Window window) {
+  ClaimedWindows().push_back(window);
+}
+
+void DisclaimWindow(Window window) {
+  std::erase(ClaimedWindows(), window);
+}
+
+bool IsOwnWindow(Window window) {
+  const std::vector<Window>& claimed = ClaimedWindows();
+  return std::find(claimed.begin(), claimed.end(), window) != claimed.end() ||
+         HasWindowObj(window) != nullptr;
 }
 
 WindowObj* FindWindowObj(Window window) {

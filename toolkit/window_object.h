@@ -45,6 +45,14 @@ void SetHandler(WindowObj* entry, int type, EventHandler handler);
 // window 0 gives the first free one.
 WindowObj* HasWindowObj(Window window);
 
+// Counts a window that gets no events of its own, such as a trail window, as one of the program's.
+void ClaimWindow(Window window);
+void DisclaimWindow(Window window);
+
+// Whether a window is one of the program's own: it has an entry or was claimed. The pointer is not
+// followed over those.
+bool IsOwnWindow(Window window);
+
 // Entry that gets the events of the window: the last one made for it, else defaultWindowObj.
 WindowObj* FindWindowObj(Window window);
 

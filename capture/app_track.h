@@ -1,0 +1,20 @@
+// Following the pointer: the main window shows the plug-in of the application entered last.
+#pragma once
+
+#include <X11/Xlib.h>
+
+namespace gromlit {
+
+// Starts following: the default window object gets the crossing events of other clients' windows,
+// the root window reports new top-level windows, and every top-level window that is there now and
+// is not the program's own reports crossings.
+void CreateAppTrack();
+
+// EnterNotify: shows the plug-in of the application that was entered. Nothing while an action is
+// being edited, for crossings that a grab causes, and for the program's own main window.
+void GromlitAppTrackEnter(void* obj, XEvent* event);
+
+// CreateNotify: asks for crossings of another client's new top-level window.
+void GromlitAppTrackCreate(void* obj, XEvent* event);
+
+}  // namespace gromlit

@@ -1,0 +1,27 @@
+// The command line, and where the installation directory is.
+#pragma once
+
+namespace gromlit {
+
+inline constexpr const char* defaultGromlitPath = ".";
+
+extern const char* ProgramName;  // argv[0]
+
+struct CommandLine {
+  const char* display;  // value of -display, or null
+  const char* path;     // value of -path, or null
+};
+
+// Prints how to call the program on standard error and exits with status 1.
+[[noreturn]] void usage();
+
+// Reads the arguments. Only the second character of an option counts: d (display) and p (path) take
+// the next argument, n takes it and ignores it. Anything else ends in usage().
+CommandLine ParseCommandLine(int argc, char** argv);
+
+// The installation directory: the -path value, else the environment's GROMLIT, else "."; exactly
+// "." is spelled out as the current directory where that fits into 256 bytes. The result lives
+// until the program ends.
+const char* FindInstallation(const CommandLine& line);
+
+}  // namespace gromlit

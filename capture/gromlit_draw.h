@@ -1,0 +1,53 @@
+// The capture of a stroke: from the grabbed press of the draw button to the action, or to an
+// ordinary click.
+//
+// States of one press, all inside GromlitDrawButtonPress:
+//
+//   state      event                         next       function
+//   ---------  ----------------------------  ---------  -------------------------------------
+//   idle       synthetic press               idle       ignored: nothing is frozen on its account
+//   idle       press with a modifier or      idle       replayed to the window under the pointer
+//              another button, or while an
+//              action is being edited
+//   idle       press                         pressed    FindTargets, widened grab
+//   pressed    motion                        drawing    BeginDrawing, then as in drawing
+//   drawing    motion                        drawing    AddPoint, MoveTrail
+//   pressed,   draw button released          idle       SendClick, or Recognise
+//   drawing
+//   pressed,   another button pressed        idle       nothing is recognised or sent
+//   drawing
+//   pressed,   the grab is gone              idle       nothing is recognised or sent
+//   drawing
+//
+// INV-CAPTURE-1: the pointer is never left frozen: every way out of the two middle states leads
+// through ~Capture, which thaws it, and the actions run after it was thawed.
+// INV-CAPTURE-2: no trail window stays mapped in the idle state (~Capture as well).
+// INV-CAPTURE-3: at most kMaxStrokePoints points are kept, the press point included.
+#pragma once
+
+#include <X11/Xlib.h>
+
+#include "app/gromlit_app.h"
+#include "capture/trail.h"
+#include "toolkit/window_object.h"
+
+namespace gromlit {
+
+struct GromlitDraw {
+  WindowObj* wobj;     // the root window's entry
+  TrailWindows trail;  // not mapped between strokes
+  int drawmapped;      // kept in the record, never read
+  GromlitApp* app;     // whose shown plug-in follows the strokes; set once it exists
+};
+
+// Makes the overlay for the draw button in force and registers it for the root window's presses
+// (and for its crossing and creation events, which belong to the pointer tracking).
+GromlitDraw* MakeGromlitDraw();
+
+// Gives the trail windows the event mask of another draw button.
+void RenewDrawEvents(GromlitDraw* draw);
+
+// Handler of the grabbed press; returns when the stroke is over and its action has run.
+void GromlitDrawButtonPress(GromlitDraw* draw, XEvent* event);
+
+}  // namespace gromlit

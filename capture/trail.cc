@@ -1,0 +1,125 @@
+#include "capture/trail.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "display/display.h"
+#include "toolkit/window_object.h"
+
+namespace gromlit {
+namespace {
+
+constexpr int kInitialSize = 500;
+
+unsigned Extent(int pixels) {
+  return static_cast<unsigned>(pixels);
+}
+
+Window MakeTrailWindow(int width, int height, long mask) {
+  XSetWindowAttributes attributes;
+  attributes.override_redirect = True;
+  attributes.save_under = False;
+  attributes.event_mask = mask;
+  const Window window = XCreateWindow(dpy, root, 0, 0, Extent(width), Extent(height), 0,
+                                      DefaultDepth(dpy, screen), InputOutput, CopyFromParent,
+                                      CWOverrideRedirect | CWSaveUnder | CWEventMask, &attributes);
+  // The grab has no cursor of its own: the windows under the pointer carry it.
+  XDefineCursor(dpy, window, handCursor);
+  ClaimWindow(window);
+  return window;
+}
+
+void SwitchToFull(Trail* trail, int x, int y) {
+  trail->mapfull = true;
+  trail->width = DisplayWidth(dpy, screen);
+  trail->height = DisplayHeight(dpy, screen);
+  trail->lastx = x;
+  trail->lasty = y;
+  trail->w = trail->windows->fullwindow;
+  XMapRaised(dpy, trail->w);
+}
+
+}  // namespace
+
+TrailWindows MakeTrailWindows(long mask) {
+  TrailWindows windows{};
+  windows.initwidth = kInitialSize;
+  windows.initheight = kInitialSize;
+  windows.window = MakeTrailWindow(windows.initwidth, windows.initheight, mask);
+  windows.fullwindow = MakeTrailWindow(DisplayWidth(dpy, screen), DisplayHeight(dpy, screen), mask);
+  XGCValues values;
+  values.function = GXinvert;
+  values.foreground = black.pixel;
+  values.background = white.pixel;
+  values.line_width = kTrailLineWidth;
+  windows.gc = XCreateGC(dpy, windows.window,
+                         GCFunction | GCForeground | GCBackground | GCLineWidth, &values);
+  return windows;
+}
+
+void SelectTrailEvents(const TrailWindows& windows, long mask) {
+  XSelectInput(dpy, windows.window, mask);
+  XSelectInput(dpy, windows.fullwindow, mask);
+}
+
+Trail StartTrail(const TrailWindows* windows) {
+  Trail trail{};
+  trail.windows = windows;
+  trail.w = windows->window;
+  trail.width = windows->initwidth;
+  trail.height = windows->initheight;
+  trail.mid = trail.width * 3 / 4;
+  trail.lastx = trail.mid;
+  trail.lasty = trail.mid;
+  return trail;
+}
+
+void ShowTrail(Trail* trail, int x, int y) {
+  trail->originx = x - trail->mid;
+  trail->originy = y - trail->mid;
+  XResizeWindow(dpy, trail->w, Extent(trail->width), Extent(trail->height));
+  XMoveWindow(dpy, trail->w, trail->originx, trail->originy);
+  XMapRaised(dpy, trail->w);
+  trail->drawmapped = true;
+}
+
+void MoveTrail(Trail* trail, int x, int y) {
+  int xsym = trail->mapfull ? x : x - trail->originx;
+  int ysym = trail->mapfull ? y : y - trail->originy;
+  const auto full = [&] {
+    SwitchToFull(trail, x, y);
+    xsym = x;
+    ysym = y;
+  };
+  const auto resize = [&] {
+    XResizeWindow(dpy, trail->w, Extent(trail->width), Extent(trail->height));
+  };
+  if (!trail->mapfull) {
+    if (xsym > trail->width) {
+      trail->width = xsym + kTrailMargin;
+      resize();
+    }
+    // After a switch the later tests look at screen positions; a second switch changes nothing.
+    if (xsym <= kTrailEdge) full();
+    if (ysym <= kTrailEdge) full();
+    if (ysym > trail->height) {
+      trail->height = ysym + kTrailMargin;
+      resize();
+    }
+  }
+  XDrawLine(dpy, trail->w, trail->windows->gc, trail->lastx, trail->lasty, xsym, ysym);
+  trail->lastx = xsym;
+  trail->lasty = ysym;
+  // On the full window the screen position is still compared with the start in the small one.
+  trail->drawmoved =
+      std::max({trail->drawmoved, std::abs(xsym - trail->mid), std::abs(ysym - trail->mid)});
+}
+
+void HideTrail(Trail* trail) {
+  if (!trail->drawmapped) return;
+  if (trail->mapfull) XUnmapWindow(dpy, trail->windows->fullwindow);
+  XUnmapWindow(dpy, trail->windows->window);
+  trail->drawmapped = false;
+}
+
+}  // namespace gromlit
