@@ -1,0 +1,146 @@
+#include "toolkit/menu_bar.h"
+
+#include <algorithm>
+
+#include "display/display.h"
+#include "toolkit/bevel.h"
+#include "toolkit/child_window.h"
+
+namespace gromlit {
+namespace {
+
+// The bevel around a title, two pixels below the bar's top.
+void DrawTitleBevel(XMenuBar* bar, int up, int i) {
+  XDrawBevel(up, bar->window, bar->gc, bar->itemx[i] - kTitleMargin, 2,
+             bar->itemwidth[i] + 2 * kTitleMargin, bar->itemheight + 2);
+}
+
+void ShutTitle(XMenuBar* bar) {
+  XMenu* menu = bar->items[bar->selected]->menu;
+  if (menu != nullptr) {
+    // PullUpMenu leaves submenus on the screen, and nothing here would come back to them.
+    if (menu->submenu != nullptr) PopDownMenu(menu->submenu);
+    menu->submenu = nullptr;
+    PullUpMenu(menu);
+  }
+  DrawTitleBevel(bar, kFlat, bar->selected);
+}
+
+void OpenTitle(XMenuBar* bar, int i) {
+  bar->selected = i;
+  DrawTitleBevel(bar, kRaised, i);
+  if (bar->items[i]->menu == nullptr) return;
+  int x;
+  int y;
+  Window child;
+  XTranslateCoordinates(dpy, bar->window, root, bar->itemx[i] - kTitleMargin, bar->itemheight + 4,
+                        &x, &y, &child);
+  PullDownMenu(x, y, bar->items[i]->menu);
+}
+
+// The open title's menu when the pointer is below the bar, else null.
+XMenu* MenuBelow(const XMenuBar* bar, int y) {
+  return bar->selected >= 0 && y > bar->height ? bar->items[bar->selected]->menu : nullptr;
+}
+
+}  // namespace
+
+XPulldown** MakePulldownArray(int n) {
+  return new XPulldown* [static_cast<size_t>(std::max(n, 0))] {};
+}
+
+XPulldown* MakePulldown(const char* label, XMenu* menu) {
+  return new XPulldown{label, menu};
+}
+
+XMenuBar* MakeMenuBar(Window parent, int x, int y, int width, XFontStruct* fontinfo,
+                      XPulldown** items, int nitems) {
+  auto* bar = new XMenuBar{};
+  const int kept = std::clamp(nitems, 0, kMaxTitles);
+  for (int i = kept; i < nitems; i++) delete items[i];
+  const char* labels[kMaxTitles] = {};
+  for (int i = 0; i < kept; i++) {
+    bar->items[i] = items[i];
+    labels[i] = items[i]->label;
+  }
+  const int needed =
+      LayOutTitles(fontinfo, labels, kept, bar->itemx, bar->itemwidth) + kTitleMargin;
+  bar->x = x;
+  bar->y = y;
+  bar->width = width != 0 ? width : needed;
+  bar->itemheight = RowHeight(fontinfo);
+  bar->height = bar->itemheight + 6;
+  bar->selected = -1;
+  bar->visible = kept;
+  bar->nitems = kept;
+  XSetWindowAttributes under{};
+  under.save_under = True;
+  bar->window = MakeChildWindow(parent, x, y, bar->width, bar->height, lgrey.pixel,
+                                ExposureMask | ButtonPressMask | ButtonReleaseMask |
+                                    ButtonMotionMask | KeyPressMask | KeyReleaseMask,
+                                CWSaveUnder, under);
+  bar->gc = MakeWindowGC(bar->window, fontinfo->fid);
+  bar->wobj = AllocWindowObj(bar->window, bar);
+  On<Expose, DrawMenuBar>(bar);
+  On<ButtonPress, MenuBarButtonPress>(bar);
+  On<ButtonRelease, MenuBarButtonRelease>(bar);
+  On<MotionNotify, MenuBarMotionNotify>(bar);
+  return bar;
+}
+
+void DrawMenuBar(XMenuBar* bar, XEvent*) {
+  const auto right = static_cast<short>(bar->width - 1);
+  const auto bottom = static_cast<short>(bar->height - 1);
+  XSegment light[] = {{0, 0, right, 0}, {0, 0, 0, bottom}};
+  XSegment dark[] = {{1, bottom, right, bottom}, {right, 1, right, bottom}};
+  XClearWindow(dpy, bar->window);
+  XSetForeground(dpy, bar->gc, white.pixel);
+  XDrawSegments(dpy, bar->window, bar->gc, light, 2);
+  XSetForeground(dpy, bar->gc, dgrey.pixel);
+  XDrawSegments(dpy, bar->window, bar->gc, dark, 2);
+  XSetForeground(dpy, bar->gc, black.pixel);
+  for (int i = 0; i < std::min(bar->visible, bar->nitems); i++) {
+    DrawText(bar->window, bar->gc, bar->itemx[i], bar->itemheight - 3, bar->items[i]->label);
+  }
+  if (bar->selected < 0) return;
+  DrawTitleBevel(bar, kRaised, bar->selected);
+  const XMenu* menu = bar->items[bar->selected]->menu;
+  if (menu != nullptr && menu->open != 0) XMapWindow(dpy, menu->window);
+}
+
+void MenuBarButtonPress(XMenuBar* bar, XEvent* event) {
+  MenuBarTrackMouse(bar, event);
+}
+
+void MenuBarMotionNotify(XMenuBar* bar, XEvent* event) {
+  XMotionEvent& e = event->xmotion;
+  if (XMenu* menu = MenuBelow(bar, e.y); menu != nullptr) {
+    // The menu begins 8 pixels further left and 2 higher than this says; submenus are found by
+    // the position on the screen and are not affected.
+    e.y -= bar->height;
+    e.x -= bar->itemx[bar->selected];
+    if (menu->open != 0) MenuTrackMouse(menu, event);
+    return;
+  }
+  if (e.y < bar->height) MenuBarTrackMouse(bar, event);
+}
+
+void MenuBarButtonRelease(XMenuBar* bar, XEvent* event) {
+  XButtonEvent& e = event->xbutton;
+  if (XMenu* menu = MenuBelow(bar, e.y); menu != nullptr) {
+    e.y -= bar->height;
+    MenuButtonRelease(menu, event);
+  }
+  e.x = -1;  // on no title: closes the one that is open
+  MenuBarTrackMouse(bar, event);
+}
+
+void MenuBarTrackMouse(XMenuBar* mbar, XEvent* event) {
+  const int i = TitleAt(mbar->itemx, mbar->itemwidth, mbar->nitems, event->xbutton.x);
+  if (i == mbar->selected) return;
+  if (mbar->selected >= 0) ShutTitle(mbar);
+  mbar->selected = -1;
+  if (i >= 0) OpenTitle(mbar, i);
+}
+
+}  // namespace gromlit

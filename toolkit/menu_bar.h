@@ -1,0 +1,68 @@
+// The menu bar: a row of titles, each of which opens a menu below it while a button is held.
+//
+//   state    event                                next     function
+//   shut     press or motion on a title           open     MenuBarTrackMouse
+//   shut     motion elsewhere                     shut     MenuBarTrackMouse
+//   open     pointer on the same title            open     MenuBarTrackMouse, nothing to do
+//   open     pointer on another title             open     MenuBarTrackMouse, the menus change
+//   open     pointer in the bar, off the titles   shut     MenuBarTrackMouse
+//   open     pointer below the bar                open     MenuTrackMouse of the menu
+//   open     release below the bar                shut     MenuButtonRelease of the menu
+//   open     release in the bar                   shut     MenuBarButtonRelease, nothing is run
+//
+// The press itself makes the server send all motion and the release to the bar (an implicit grab),
+// and the server ends that when the last button goes up: there is no grab to give back.
+#pragma once
+
+#include <X11/Xlib.h>
+
+#include "toolkit/menu.h"
+#include "toolkit/title_row.h"
+#include "toolkit/window_object.h"
+
+namespace gromlit {
+
+struct XPulldown {
+  const char* label;  // not copied
+  XMenu* menu;        // or null: the title opens nothing
+};
+
+struct XMenuBar {
+  WindowObj* wobj;
+  Window window;
+  GC gc;  // its own
+  int x;  // in the parent
+  int y;
+  int width;  // pixels, as are height and itemheight
+  int height;
+  int itemheight;
+  int selected;                  // the open title; -1 for none
+  int visible;                   // titles drawn
+  int top;                       // 0
+  int nitems;                    // 0..kMaxTitles
+  int itemwidth[kMaxTitles];     // pixels of a title's text
+  int itemx[kMaxTitles];         // x of a title's text
+  XPulldown* items[kMaxTitles];  // owned by the bar
+};
+
+// An array of n null pointers, to be filled and handed to MakeMenuBar; released with delete[].
+XPulldown** MakePulldownArray(int n);
+
+XPulldown* MakePulldown(const char* label, XMenu* menu);
+
+// A new bar, not mapped. A width of 0 makes it as wide as its titles need. The pointers are copied,
+// and the bar owns the titles; those beyond kMaxTitles are released at once, their menus are not.
+XMenuBar* MakeMenuBar(Window parent, int x, int y, int width, XFontStruct* fontinfo,
+                      XPulldown** items, int nitems);
+
+// Handlers.
+void DrawMenuBar(XMenuBar* bar, XEvent* event);
+void MenuBarButtonPress(XMenuBar* bar, XEvent* event);
+void MenuBarMotionNotify(XMenuBar* bar, XEvent* event);
+void MenuBarButtonRelease(XMenuBar* bar, XEvent* event);
+
+// Opens the title under the pointer and closes the one that was open. Only the x of the event's
+// position is looked at.
+void MenuBarTrackMouse(XMenuBar* mbar, XEvent* event);
+
+}  // namespace gromlit

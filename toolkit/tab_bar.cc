@@ -1,0 +1,154 @@
+#include "toolkit/tab_bar.h"
+
+#include <algorithm>
+
+#include "display/display.h"
+#include "toolkit/bevel.h"
+#include "toolkit/child_window.h"
+
+namespace gromlit {
+namespace {
+
+XSegment Segment(int x1, int y1, int x2, int y2) {
+  return {static_cast<short>(x1), static_cast<short>(y1), static_cast<short>(x2),
+          static_cast<short>(y2)};
+}
+
+// Whether there is a selected tab: a bar without titles has none.
+bool HasSelected(const XTabBar* tbar) {
+  return tbar->selected >= 0 && tbar->selected < tbar->nitems;
+}
+
+void DrawSelected(XTabBar* tbar, int up) {
+  const int i = tbar->selected;
+  XDrawTabBevel(up, tbar->window, tbar->gc, tbar->itemx[i] - kTitleMargin, 2,
+                tbar->itemwidth[i] + 2 * kTitleMargin, tbar->itemheight + 2, tbar->width - 1);
+}
+
+void CallBack(XTabBar* tbar, int flag) {
+  const XTabItem* item = tbar->items[tbar->selected];
+  if (item->action != nullptr) item->action(tbar, item->arg, flag);
+}
+
+}  // namespace
+
+XTabItem** MakeTabItemArray(int n) {
+  return new XTabItem* [static_cast<size_t>(std::max(n, 0))] {};
+}
+
+XTabItem* MakeTabItem(const char* label, TabAction action, void* arg) {
+  auto* item = new XTabItem{};
+  item->label = label;
+  item->action = action;
+  item->arg = arg;
+  return item;
+}
+
+XTabBar* MakeTabBar(Window parent, int x, int y, int width, int height, XFontStruct* fontinfo,
+                    XTabItem** items, int nitems) {
+  auto* tbar = new XTabBar{};
+  const int kept = std::clamp(nitems, 0, kMaxTitles);
+  for (int i = kept; i < nitems; i++) delete items[i];
+  const char* labels[kMaxTitles] = {};
+  for (int i = 0; i < kept; i++) {
+    tbar->items[i] = items[i];
+    labels[i] = items[i]->label;
+  }
+  const int needed = LayOutTitles(fontinfo, labels, kept, tbar->itemx, tbar->itemwidth);
+  tbar->width = width != 0 ? width : needed;
+  tbar->height = height;
+  tbar->itemheight = RowHeight(fontinfo);
+  tbar->visible = kept;
+  tbar->nitems = kept;
+  XSetWindowAttributes under{};
+  under.save_under = True;
+  tbar->window = MakeChildWindow(parent, x, y, tbar->width, tbar->height, lgrey.pixel,
+                                 ExposureMask | ButtonPressMask | ButtonReleaseMask |
+                                     Button1MotionMask | KeyPressMask | KeyReleaseMask,
+                                 CWSaveUnder, under);
+  tbar->gc = MakeWindowGC(tbar->window, fontinfo->fid);
+  tbar->wobj = AllocWindowObj(tbar->window, tbar);
+  On<Expose, DrawTabBar>(tbar);
+  On<ButtonPress, TabBarButtonPress>(tbar);
+  On<ButtonRelease, TabBarButtonRelease>(tbar);
+  On<MotionNotify, TabBarMotionNotify>(tbar);
+  return tbar;
+}
+
+void XDrawTabBevel(int up, Window win, GC gc, int x, int y, int w, int h, int fullw) {
+  const unsigned long light = up == kRaised   ? white.pixel
+                              : up == kSunken ? dgrey.pixel
+                                              : lgrey.pixel;
+  const unsigned long dark = up == kRaised   ? dgrey.pixel
+                             : up == kSunken ? white.pixel
+                                             : lgrey.pixel;
+  const int r = x + w - 1;
+  const int b = y + h - 1;
+  XSegment right[] = {Segment(r, y + 1, r, b), Segment(r - 1, y + 2, r - 1, b)};
+  // The light lines come second and take the corner at the top right; the edge right of the tab
+  // begins one pixel further left in its second row, on the tab's dark side.
+  XSegment rest[] = {Segment(x, y, r, y),
+                     Segment(x, y, x, b),
+                     Segment(x + 1, y + 1, r - 1, y + 1),
+                     Segment(x + 1, y, x + 1, b),
+                     Segment(0, b - 1, x, b - 1),
+                     Segment(0, b, x, b),
+                     Segment(x + w, b - 1, fullw, b - 1),
+                     Segment(r, b, fullw - 1, b)};
+  const bool edgeright = fullw - (x + w) > 1;
+  XSetForeground(dpy, gc, dark);
+  XDrawSegments(dpy, win, gc, right, 2);
+  XSetForeground(dpy, gc, light);
+  XDrawSegments(dpy, win, gc, rest, edgeright ? 8 : 6);
+}
+
+void DrawTabBar(XTabBar* tbar, XEvent*) {
+  const int ih = tbar->itemheight;
+  const int w = tbar->width;
+  const int h = tbar->height;
+  XSegment light[] = {Segment(0, ih + 2, 0, h - 1), Segment(1, ih + 2, 1, h - 1)};
+  XSegment dark[] = {Segment(w - 1, ih + 2, w - 1, h - 1), Segment(w - 2, ih + 3, w - 2, h - 1),
+                     Segment(2, h - 2, w - 1, h - 2), Segment(1, h - 1, w - 1, h - 1)};
+  XClearWindow(dpy, tbar->window);
+  XSetForeground(dpy, tbar->gc, white.pixel);
+  XDrawSegments(dpy, tbar->window, tbar->gc, light, 2);
+  XSetForeground(dpy, tbar->gc, dgrey.pixel);
+  XDrawSegments(dpy, tbar->window, tbar->gc, dark, 4);
+  XSetForeground(dpy, tbar->gc, black.pixel);
+  for (int i = 0; i < std::min(tbar->visible, tbar->nitems); i++) {
+    DrawText(tbar->window, tbar->gc, tbar->itemx[i], ih - 3, tbar->items[i]->label);
+  }
+  if (!HasSelected(tbar)) return;
+  DrawSelected(tbar, kRaised);
+  CallBack(tbar, kTabRedrawn);
+}
+
+void TabBarButtonPress(XTabBar* tbar, XEvent* event) {
+  TabBarTrackMouse(tbar, event);
+}
+
+void TabBarButtonRelease(XTabBar*, XEvent*) {}
+
+void TabBarMotionNotify(XTabBar* tbar, XEvent* event) {
+  XMotionEvent& e = event->xmotion;
+  if (HasSelected(tbar) && e.y > tbar->height) {
+    // Below the panel: translated as for a page there, and dropped.
+    e.y -= tbar->height;
+    e.x -= tbar->itemx[tbar->selected];
+    return;
+  }
+  if (e.y < tbar->height) TabBarTrackMouse(tbar, event);
+}
+
+void TabBarTrackMouse(XTabBar* tbar, XEvent* event) {
+  const XButtonEvent& e = event->xbutton;
+  if (e.y > tbar->itemheight) return;
+  const int i = TitleAt(tbar->itemx, tbar->itemwidth, tbar->nitems, e.x);
+  if (i < 0 || i == tbar->selected) return;
+  if (HasSelected(tbar)) DrawSelected(tbar, kFlat);
+  tbar->selected = i;
+  DrawSelected(tbar, kRaised);
+  CallBack(tbar, kTabSelected);
+}
+
+}  // namespace gromlit
