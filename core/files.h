@@ -14,21 +14,33 @@ namespace gromlit {
 // regular file.
 int OpenRegular(const char* path);
 
-// Reads up to `limit` bytes of a regular file. False with errno set when it cannot be read.
+// Reads up to `limit` bytes of a regular file into out, which is emptied first. Memory grows with
+// what is really there, not with a size that somebody claims. False with errno set when it cannot
+// be opened or read.
 bool ReadFile(const char* path, size_t limit, std::vector<std::byte>* out);
 
+// How a failed save ended: `wrote` is the number of image bytes that were written before a write
+// failed, kNoWrite when the save failed at something else.
+inline constexpr size_t kNoWrite = static_cast<size_t>(-1);
+
 // Replaces the file at `path` by `image`, or creates it, so that at every moment the path holds the
-// whole old or the whole new contents.
+// whole old or the whole new contents (INV-SAVE-1).
 //
 // The target is first opened O_RDWR without truncation, so that what may not be written fails as
 // it would when written in place. The image goes to a temporary below GromlitPath, outside the data
 // directories (they are read without a filter on names); fsync, the old permission bits, rename,
-// fsync of the directory. Where the target is no regular file, or the temporary cannot be made or
-// renamed across file systems, it is written in place.
-// Returns true; false with errno set, the old contents still there.
-bool SaveFile(const char* path, std::span<const std::byte> image);
+// fsync of the directory. A symbolic link stays a link: the file that it leads to is the target.
+//
+// Where the target is no regular file, or the temporary cannot be made or renamed (installation
+// directory not writable, another file system), the target is written in place. INV-SAVE-1 then
+// fails only for a program that is killed half-way; a write that fails still leaves the old
+// contents, because what is new is written behind them first.
+//
+// Returns true; false with errno set, the old contents still there. `wrote` may be null.
+bool SaveFile(const char* path, std::span<const std::byte> image, size_t* wrote = nullptr);
 
-// Removes temporaries that an interrupted save left below GromlitPath.
+// Removes temporaries that an interrupted save left below GromlitPath; those of a save that another
+// process is busy with stay.
 void RemoveStaleTemporaries();
 
 // GromlitPath + "/" + directory + "/" + name.

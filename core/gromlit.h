@@ -5,8 +5,9 @@
 // of fixed size. The files store them byte by byte (core/record_codec.h); nothing here may be
 // copied to a file as it lies in memory.
 //
-// Every record lives on the heap until the program ends and is reachable from one of the globals
-// below, from another record, or from an editor's working copy.
+// Every record lives on the heap (records: new; strings: malloc, like StrDup) until the program
+// ends and is reachable from one of the globals below, from another record, or from an editor's
+// working copy. A record that leaves its list is not released: somebody may still look at it.
 #pragma once
 
 #include <cstdint>
@@ -92,10 +93,11 @@ struct GromlitPlugin {
   char chars6[kTextSize];
   char chars7[kTextSize];
   char chars8[kTextSize];
-  uint8_t nactions;                     // 0..kMaxActions; meaningless until the actions are loaded
+  uint8_t nactions;                     // 0..kMaxActions; 0 until the actions are loaded
   GromlitAction* actions[kMaxActions];  // in match order, owned by the plug-in
-  // Memory only: file name (heap, below the plug-in directory) whose contents were found damaged
-  // while reading and have not been set aside yet; null when sound.
+  // Memory only: file name (heap, below the plug-in directory) that holds more than this record
+  // does, because reading its actions failed half-way, and has not been set aside yet; else null.
+  // INV-PLUGIN-1: no save overwrites such a file before a copy of it lies in damaged/.
   char* damagedfile;
 };
 
@@ -118,14 +120,16 @@ struct GromlitUserOptions {
 
 // Both lists end with a node whose record is null; walkers stop at the first such node.
 struct GromlitSymbolList {
-  char* filename;  // heap
+  char* filename;  // heap; with its extension when found at start, without when saved in this run
   GromlitSymbol* sym;
   GromlitSymbolList* next;
 };
 
 struct GromlitPluginList {
-  char* filename;  // heap; name in the plug-in directory, extension included
-  int loaded;      // 0: only the plug-in record was read; 1: actions and commands too
+  // Heap. As found in the plug-in directory, extension included; for a plug-in made in this run its
+  // class name (it is never read again).
+  char* filename;
+  int loaded;  // 0: only the plug-in record was read; 1: actions and commands too
   GromlitPlugin* plugin;
   GromlitPluginList* next;
 };

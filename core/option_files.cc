@@ -1,3 +1,67 @@
 #include "core/option_files.h"
 
-namespace gromlit {}
+#include <array>
+#include <cstdio>
+#include <vector>
+
+#include "core/files.h"
+#include "core/record_codec.h"
+#include "core/retired.h"
+#include "core/strings.h"
+
+namespace gromlit {
+namespace {
+
+constexpr size_t kFileSize = kHeaderSize + kOptionsImageSize;
+constexpr int kFirstButton = 1;
+constexpr int kLastButton = 5;
+constexpr int kDefaultButton = 3;
+
+static_assert(std::string_view(GromlitOptionFileHeaderString).size() == kHeaderSize);
+static_assert(kFileSize == 305);
+
+}  // namespace
+
+GromlitUserOptions* LoadUserOptions(const char* fname) {
+  std::vector<std::byte> file;
+  if (!ReadFile(DataPath(optionDirectory, fname).c_str(), kFileSize, &file)) return nullptr;
+  if (file.size() < kFileSize || !HasHeader(file, GromlitOptionFileHeaderString)) return nullptr;
+  auto* options = new GromlitUserOptions();
+  DecodeOptions(std::span(file).subspan(kHeaderSize), options);
+  return options;
+}
+
+int SaveUserOptions(const GromlitUserOptions* usr, const char* fname) {
+  std::array<std::byte, kFileSize> file;
+  PutHeader(file, GromlitOptionFileHeaderString);
+  EncodeOptions(*usr, std::span(file).subspan(kHeaderSize));
+  if (SaveFile(DataPath(optionDirectory, fname).c_str(), file)) return 1;
+  std::perror("Save Options");
+  return 0;
+}
+
+void DefaultUserOptions(GromlitUserOptions* usr) {
+  usr->button = kDefaultButton;
+  usr->sensitivity = 4;
+  usr->tolerance = 3;
+  usr->splash = 1;
+  usr->showactions = 1;
+  CopyText(usr->urlcmd, defaultURLcmd);
+  CopyText(usr->sndcmd, defaultSoundcmd);
+}
+
+GromlitUserOptions* GetUserOptions() {
+  Retire(user);
+  user = LoadUserOptions(defaultOptionFile);
+  if (user == nullptr) {
+    user = new GromlitUserOptions();
+    DefaultUserOptions(user);
+  }
+  return user;
+}
+
+int EffectiveButton(const GromlitUserOptions* usr) {
+  return usr->button >= kFirstButton && usr->button <= kLastButton ? usr->button : kDefaultButton;
+}
+
+}  // namespace gromlit

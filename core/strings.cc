@@ -39,7 +39,9 @@ char* MaxStrCopy(const char* s, int size) {
 
 void CopyText(std::span<char> dst, std::string_view src) {
   const size_t n = std::min(src.size(), dst.size() - 1);
-  std::fill(std::copy_n(src.data(), n, dst.begin()), dst.end(), '\0');
+  // The text may lie in dst itself, as when a field is cut in place.
+  if (n != 0) std::memmove(dst.data(), src.data(), n);
+  std::fill(dst.begin() + static_cast<std::ptrdiff_t>(n), dst.end(), '\0');
 }
 
 std::string_view FieldText(std::span<const char> field) {

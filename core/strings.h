@@ -28,10 +28,11 @@ char* StrDup(const char* s);
 char* MaxStrCopy(const char* s, int size);
 
 // Bounded copy: as much of src as fits, always NUL-terminated; the rest of dst is zeroed.
-// REQUIRES: dst is not empty.
+// src may lie in dst. REQUIRES: dst is not empty.
 void CopyText(std::span<char> dst, std::string_view src);
 
 // The text in a fixed field: up to its first NUL, or the whole field but its last byte.
+// REQUIRES: field is not empty.
 std::string_view FieldText(std::span<const char> field);
 
 // qsort comparison of two text pointers (const char* const*), bytewise ascending.
