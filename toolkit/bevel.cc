@@ -39,6 +39,12 @@ void FillRectangle(Window win, GC gc, unsigned long pixel, int x, int y, int w, 
   XFillRectangle(dpy, win, gc, x, y, static_cast<unsigned>(w), static_cast<unsigned>(h));
 }
 
+void DrawOutline(Window win, GC gc, unsigned long pixel, int x, int y, int w, int h) {
+  XSetForeground(dpy, gc, pixel);
+  if (w <= 0 || h <= 0) return;
+  XDrawRectangle(dpy, win, gc, x, y, static_cast<unsigned>(w), static_cast<unsigned>(h));
+}
+
 Inverting::Inverting(GC gc) : gc_(gc) {
   XSetFunction(dpy, gc_, GXinvert);
 }

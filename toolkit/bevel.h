@@ -20,6 +20,10 @@ void XDrawBevel(int up, Window win, GC gc, int x, int y, int w, int h);
 // not positive.
 void FillRectangle(Window win, GC gc, unsigned long pixel, int x, int y, int w, int h);
 
+// Draws the outline of a rectangle, w + 1 x h + 1 pixels as XDrawRectangle draws it, and leaves
+// `pixel` as the foreground of gc. Nothing is drawn when w or h is not positive.
+void DrawOutline(Window win, GC gc, unsigned long pixel, int x, int y, int w, int h);
+
 // While it lives, everything drawn with gc inverts what is there; drawn twice it is gone again.
 class Inverting {
  public:

@@ -1,0 +1,162 @@
+#include "toolkit/scrollbar.h"
+
+#include <sys/select.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstdint>
+#include <cstdlib>
+
+#include "display/display.h"
+#include "toolkit/bevel.h"
+#include "toolkit/child_window.h"
+#include "toolkit/image.h"
+
+namespace gromlit {
+namespace {
+
+constexpr int kArrowEnd = 12;      // where an arrow ends and the trough begins, from both ends
+constexpr int kTrackStart = 13;    // and the track of the thumb, likewise
+constexpr int kTroughX = 2;        // left edge of arrows, trough and thumb
+constexpr int kTroughWidth = 11;   // their width
+constexpr int kFirstWaits = 25;    // waits before a held button repeats
+constexpr int kFirstWait = 10000;  // microseconds of each
+constexpr int kRepeatWait = 30;    // microseconds; shrinks by one with every repeat
+
+int Track(const XScrollbar* sb) {
+  return std::max(sb->height - 2 * kTrackStart, 0);
+}
+
+// Pixels of track per unit of content. Never above 1, so that short content has a thumb that fills
+// the track, and never 0 or less.
+double Ratio(const XScrollbar* sb) {
+  const int track = Track(sb);
+  if (sb->range <= track || track == 0) return 1.0;
+  return static_cast<double>(track) / sb->range;
+}
+
+// Content offset of the thumb's place.
+int Offset(const XScrollbar* sb, double ratio) {
+  const double offset = 1.0 / ratio * sb->pos;
+  return offset < INT_MAX ? static_cast<int>(offset) : INT_MAX;
+}
+
+// Adds to pos. The owner may have set pos and page to anything.
+void MoveThumb(XScrollbar* sb, int64_t by) {
+  sb->pos = static_cast<int>(std::clamp<int64_t>(sb->pos + by, 0, Track(sb)));
+  UpdateScrollbar(sb);
+}
+
+// Whether button 1 is down, and where the pointer is in the window. False also when the server does
+// not tell: a window that is gone would otherwise never see its release.
+bool Held(const XScrollbar* sb, int* y) {
+  Window rootwin;
+  Window childwin;
+  int rootx;
+  int rooty;
+  int x;
+  unsigned state;
+  if (XQueryPointer(dpy, sb->window, &rootwin, &childwin, &rootx, &rooty, &x, y, &state) == 0) {
+    return false;
+  }
+  return (state & Button1Mask) != 0;
+}
+
+void Repeat(XScrollbar* sb, int64_t step) {
+  int y;
+  MoveThumb(sb, step);
+  for (int i = 0; i < kFirstWaits; i++) {
+    if (!Held(sb, &y)) return;
+    ScrollWait(kFirstWait);
+  }
+  int wait = kRepeatWait;
+  while (Held(sb, &y)) {
+    MoveThumb(sb, step);
+    ScrollWait(wait);
+    if (wait > 0) wait--;
+  }
+}
+
+void Drag(XScrollbar* sb, int pressed) {
+  int last = pressed;
+  const int upper = pressed - sb->pos;
+  const int lower = sb->height - sb->pos - sb->size + pressed - kTrackStart;
+  int y;
+  while (Held(sb, &y)) {
+    if (y == last) continue;
+    if (y < upper) {
+      sb->pos = 0;
+      UpdateScrollbar(sb);
+    } else {
+      MoveThumb(sb, y <= lower ? y - last : y - lower);
+    }
+    last = y;
+  }
+}
+
+}  // namespace
+
+XScrollbar* MakeScrollbar(Window parent, int x, int y, int height) {
+  auto* sb = new XScrollbar{};
+  sb->height = std::clamp(height, 0, SHRT_MAX);
+  sb->range = 4 * sb->height;
+  sb->page = sb->range > 0 ? sb->height * sb->height / sb->range : 0;
+  sb->window =
+      MakeChildWindow(parent, x, y, kScrollbarWidth, sb->height, grey.pixel,
+                      ExposureMask | ButtonPressMask | ButtonReleaseMask | PointerMotionMask);
+  sb->gc = MakeWindowGC(sb->window);
+  sb->wobj = AllocWindowObj(sb->window, sb);
+  On<Expose, DrawScrollbar>(sb);
+  On<ButtonPress, ScrollButtonPress>(sb);
+  return sb;
+}
+
+void DrawScrollbar(XScrollbar* sb, XEvent*) {
+  XClearWindow(dpy, sb->window);
+  XDrawBevel(kSunken, sb->window, sb->gc, 0, 0, kScrollbarWidth, sb->height);
+  PutImage(sb->window, sb->gc, upscrollImage, kTroughX, 2);
+  PutImage(sb->window, sb->gc, downscrollImage, kTroughX, sb->height - kTrackStart);
+  UpdateScrollbar(sb);
+}
+
+void UpdateScrollbar(XScrollbar* sb) {
+  FillRectangle(sb->window, sb->gc, grey.pixel, kTroughX, kArrowEnd, kTroughWidth,
+                sb->height - 2 * kArrowEnd);
+  const int track = Track(sb);
+  const double ratio = Ratio(sb);
+  sb->size = static_cast<int>(track * ratio);
+  sb->pos = std::clamp(sb->pos, 0, track - sb->size);
+  FillRectangle(sb->window, sb->gc, lgrey.pixel, kTroughX, sb->pos + kTrackStart, kTroughWidth,
+                sb->size);
+  XDrawBevel(kRaised, sb->window, sb->gc, kTroughX, sb->pos + kTrackStart, kTroughWidth, sb->size);
+  if (sb->scroll != nullptr) sb->scroll(sb->scrollarg, Offset(sb, ratio));
+}
+
+void UpdateScrollbarRange(XScrollbar* sb, int rng) {
+  sb->range = rng;
+  DrawScrollbar(sb);
+}
+
+void ScrollButtonPress(XScrollbar* sb, XEvent* event) {
+  const int y = event->xbutton.y;
+  const int thumb = sb->pos + kTrackStart;
+  if (y < kArrowEnd) {
+    Repeat(sb, -1);
+  } else if (y > sb->height - kArrowEnd) {
+    Repeat(sb, 1);
+  } else if (y < thumb) {
+    Repeat(sb, -static_cast<int64_t>(sb->page));
+  } else if (y > thumb + sb->size) {
+    Repeat(sb, sb->page);
+  } else {
+    Drag(sb, y);
+  }
+}
+
+void ScrollWait(int usec) {
+  if (usec <= 0) return;
+  timeval time{usec / 1000000, usec % 1000000};
+  select(0, nullptr, nullptr, nullptr, &time);
+}
+
+}  // namespace gromlit

@@ -1,0 +1,257 @@
+#include "toolkit/text_editor.h"
+
+#include <X11/Xutil.h>
+#include <X11/keysym.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "display/display.h"
+#include "toolkit/bevel.h"
+#include "toolkit/child_window.h"
+#include "toolkit/focus.h"
+
+namespace gromlit {
+namespace {
+
+constexpr int kTextX = 4;
+constexpr int kBaseline = 16;
+constexpr int kCaretY = 4;
+constexpr int kCaretWidth = 7;
+constexpr int kCaretHeight = 16;
+
+enum ControlKey {
+  kCtrlA = 1,
+  kCtrlB = 2,
+  kCtrlD = 4,
+  kCtrlE = 5,
+  kCtrlF = 6,
+  kCtrlK = 11,
+};
+
+// Owners with a key handler of their own write to len and index.
+void KeepBounds(TextEditor* txt) {
+  txt->len = std::clamp(txt->len, 0, kEditorBuffer - 1);
+  txt->index = std::clamp(txt->index, 0, txt->len);
+}
+
+int CaretX(const TextEditor* txt) {
+  return XTextWidth(txtFontinfo, txt->buffer, txt->index) + 3;
+}
+
+// Turns a hollow caret solid, and the other way round: an outline and a filled rectangle, both
+// inverted, take the one away and leave the other.
+void ToggleCaret(TextEditor* txt) {
+  const Inverting inverting(txt->gc);
+  XDrawRectangle(dpy, txt->window, txt->gc, txt->caretx, kCaretY, kCaretWidth, kCaretHeight);
+  XFillRectangle(dpy, txt->window, txt->gc, txt->caretx, kCaretY, kCaretWidth, kCaretHeight);
+  txt->caret = txt->caret == kHollowCaret ? kSolidCaret : kHollowCaret;
+}
+
+void SetCaret(TextEditor* txt, EditorCaret caret) {
+  if (txt->caret != caret) ToggleCaret(txt);
+}
+
+void DrawFrame(TextEditor* txt, unsigned long pixel) {
+  DrawOutline(txt->window, txt->gc, pixel, 0, 0, txt->width, kEditorHeight - 1);
+}
+
+void SetText(TextEditor* txt, const char* name) {
+  // The text may be the field's own.
+  const size_t length = name != nullptr ? strnlen(name, kEditorBuffer - 1) : 0;
+  if (length > 0) std::memmove(txt->buffer, name, length);
+  std::memset(txt->buffer + length, 0, kEditorBuffer - length);
+  txt->len = static_cast<int>(length);
+  txt->index = txt->len;
+}
+
+// Takes the byte at `at` out. REQUIRES: 0 <= at < len.
+void Remove(TextEditor* txt, int at) {
+  std::memmove(txt->buffer + at, txt->buffer + at + 1, static_cast<size_t>(txt->len - at - 1));
+  txt->len--;
+}
+
+void Insert(TextEditor* txt, char c) {
+  if (txt->len >= kEditorTyped) return;
+  char* caret = txt->buffer + txt->index;
+  std::memmove(caret + 1, caret, static_cast<size_t>(txt->len - txt->index));
+  *caret = c;
+  txt->len++;
+  txt->index++;
+  txt->buffer[txt->len] = '\0';
+}
+
+// The keys that have a name. Returns false for any other.
+bool EditByKeysym(TextEditor* txt, KeySym key) {
+  switch (key) {
+    case XK_BackSpace:
+      if (txt->index < 1) return true;
+      txt->index--;
+      Remove(txt, txt->index);
+      txt->buffer[txt->len] = '\0';
+      return true;
+    case XK_Clear:
+      txt->index = 0;
+      txt->len = 0;
+      return true;
+    case XK_Return:
+    case XK_End:
+      txt->buffer[txt->len] = '\0';
+      txt->complete(txt);
+      KeepBounds(txt);
+      return true;
+    case XK_Left:
+      if (txt->index > 0) txt->index--;
+      return true;
+    case XK_Right:
+      if (txt->index < txt->len) txt->index++;
+      return true;
+    case XK_Delete:
+      if (txt->index >= txt->len) return true;
+      Remove(txt, txt->index);
+      txt->buffer[txt->len] = '\0';
+      return true;
+    default:
+      return false;
+  }
+}
+
+// Control keys and characters. Returns false for a byte that means nothing; the eighth bit makes it
+// negative, so that those bytes are among them.
+bool EditByByte(TextEditor* txt, signed char c) {
+  switch (c) {
+    case kCtrlA:
+      txt->index = 0;
+      return true;
+    case kCtrlB:
+      if (txt->index > 0) txt->index--;
+      return true;
+    case kCtrlD:
+      if (txt->index < txt->len) Remove(txt, txt->index);
+      return true;
+    case kCtrlE:
+      txt->index = txt->len;
+      return true;
+    case kCtrlF:
+      if (txt->index < txt->len) txt->index++;
+      return true;
+    case kCtrlK:
+      txt->len = txt->index;
+      return true;
+    default:
+      if (c < ' ') return false;
+      Insert(txt, static_cast<char>(c));
+      return true;
+  }
+}
+
+}  // namespace
+
+TextEditor* MakeTextEditor(Window parent, int x, int y, int width, int height) {
+  auto* txt = new TextEditor{};
+  txt->width = width;
+  txt->complete = txtNoComplete;
+  txt->caretx = CaretX(txt);
+  XSetWindowAttributes more{};
+  more.cursor = txtCursor;
+  // FocusChange tells of the focus that is lost because a window was unmapped (see focus.h).
+  txt->window = MakeChildWindow(parent, x, y, width, height, white.pixel,
+                                ExposureMask | EnterWindowMask | LeaveWindowMask | ButtonPressMask |
+                                    KeyPressMask | FocusChangeMask,
+                                CWCursor, more);
+  txt->gc = MakeWindowGC(txt->window, txtFont);
+  txt->wobj = AllocWindowObj(txt->window, txt);
+  On<Expose, DrawTextEditor>(txt);
+  On<EnterNotify, TextEditorEnter>(txt);
+  On<LeaveNotify, TextEditorLeave>(txt);
+  On<KeyPress, TextEditorKeyPress>(txt);
+  On<FocusOut, TextEditorFocusOut>(txt);
+  return txt;
+}
+
+void TextEditorInit(TextEditor* txt, const char* name) {
+  SetText(txt, name);
+  txt->keystate = 0;
+  txt->keycode = 0;
+}
+
+void TextEditorUpdate(TextEditor* txt, const char* name) {
+  SetText(txt, name);
+  DrawTextEditor(txt);
+}
+
+const char* TextEditorText(TextEditor* txt) {
+  KeepBounds(txt);
+  txt->buffer[txt->len] = '\0';
+  return txt->buffer;
+}
+
+void RedrawTextEditorLine(TextEditor* txt) {
+  KeepBounds(txt);
+  FillRectangle(txt->window, txt->gc, white.pixel, 3, 3, txt->width, kEditorHeight - 4);
+  XSetForeground(dpy, txt->gc, black.pixel);
+  XDrawImageString(dpy, txt->window, txt->gc, kTextX, kBaseline, txt->buffer, txt->len);
+  txt->caretx = CaretX(txt);
+  InvertRectangle(txt->window, txt->gc, txt->caretx, kCaretY, kCaretWidth, kCaretHeight);
+  txt->caret = kSolidCaret;
+}
+
+void DrawTextEditor(TextEditor* txt, XEvent*) {
+  KeepBounds(txt);
+  XClearWindow(dpy, txt->window);
+  DrawOutline(txt->window, txt->gc, lgrey.pixel, 0, 0, txt->width - 1, kEditorHeight - 1);
+  XDrawBevel(kSunken, txt->window, txt->gc, 1, 1, txt->width - 1, kEditorHeight - 1);
+  XSetForeground(dpy, txt->gc, black.pixel);
+  XDrawImageString(dpy, txt->window, txt->gc, kTextX, kBaseline, txt->buffer, txt->len);
+  txt->caretx = CaretX(txt);
+  InvertOutline(txt->window, txt->gc, txt->caretx, kCaretY, kCaretWidth, kCaretHeight);
+  txt->caret = kHollowCaret;
+  if (txt->inside == 0) return;
+  // Something that lay over the field went away, or the text was replaced, under the pointer.
+  DrawFrame(txt, black.pixel);
+  SetCaret(txt, kSolidCaret);
+}
+
+void TextEditorEnter(TextEditor* txt, XEvent*) {
+  TakeFocus(txt->window);
+  txt->inside = 1;
+  DrawFrame(txt, black.pixel);
+  SetCaret(txt, kSolidCaret);
+}
+
+void TextEditorLeave(TextEditor* txt, XEvent*) {
+  txt->inside = 0;
+  DrawFrame(txt, lgrey.pixel);
+  XSetForeground(dpy, txt->gc, black.pixel);
+  SetCaret(txt, kHollowCaret);
+}
+
+void TextEditorKeyPress(TextEditor* txt, XEvent* event) {
+  KeepBounds(txt);
+  char bytes[32];
+  KeySym key = NoSymbol;
+  const int count = LookupKey(&event->xkey, bytes, sizeof bytes, &key);
+  if (!EditByKeysym(txt, key)) {
+    if (count < 1) return;
+    if (!EditByByte(txt, static_cast<signed char>(bytes[0]))) return;
+  }
+  RedrawTextEditorLine(txt);
+}
+
+void TextEditorFocusOut(TextEditor*, XEvent* event) {
+  FocusLost(event->xfocus);
+}
+
+void txtNoComplete(TextEditor*) {}
+
+int LookupKey(XKeyEvent* event, char* bytes, int size, KeySym* key) {
+  int lowest;
+  int highest;
+  XDisplayKeycodes(dpy, &lowest, &highest);
+  *key = NoSymbol;
+  const auto keycode = static_cast<int>(event->keycode);
+  if (keycode < lowest || keycode > highest) return 0;
+  return XLookupString(event, bytes, size, key, nullptr);
+}
+
+}  // namespace gromlit
