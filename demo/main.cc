@@ -1,0 +1,445 @@
+// Gromlit's main job, shown on a virtual display: strokes are drawn over other clients' windows,
+// and what the actions did is looked at from outside.
+//
+//   gromlit-demo BUILD SOURCE OUT
+//
+// BUILD holds the programs and the starter library, SOURCE the demo's own files; pictures go to
+// OUT. One line per stroke. Status 0 when every action was seen, 1 when one was not, 2 when the
+// stage could not be set.
+#include <X11/keysym.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+
+#include "demo/desk.h"
+#include "tests/support/temp_install.h"
+
+namespace gromlit::demo {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::Player;
+using testing::Process;
+using testing::ReadText;
+using testing::WaitFor;
+using testing::XServer;
+
+[[noreturn]] void GiveUp(const std::string& why) {
+  std::fprintf(stderr, "gromlit-demo: %s\n", why.c_str());
+  std::exit(2);
+}
+
+// A directory that goes with the object.
+class Scratch {
+ public:
+  Scratch() {
+    std::string name = (fs::temp_directory_path() / "gromlit-demo-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr) GiveUp("no temporary directory");
+    path_ = name;
+  }
+  ~Scratch() {
+    std::error_code ignored;
+    fs::remove_all(path_, ignored);
+  }
+  Scratch(const Scratch&) = delete;
+  Scratch& operator=(const Scratch&) = delete;
+
+  std::string operator/(const std::string& name) const { return (path_ / name).string(); }
+
+ private:
+  fs::path path_;
+};
+
+int RunTool(const std::vector<std::string>& words, const std::string& output) {
+  Process tool(words, output);
+  return tool.Wait();
+}
+
+// The starter library, with the demo's plug-ins and options in the place of its own.
+void MakeInstallation(const std::string& build, const std::string& source,
+                      const std::string& install) {
+  const std::string skeleton = build + "/share/gromlit";
+  if (!fs::is_directory(skeleton)) GiveUp("no starter library in " + skeleton);
+  fs::copy(skeleton, install, fs::copy_options::recursive);
+  const std::string tool = build + "/gromlit-tool";
+  const std::string messages = install + "/messages";
+  const auto pack = [&](const std::string& json, const std::string& file) {
+    if (RunTool({tool, "pack", json, "-o", file}, messages) != 0) {
+      GiveUp("cannot pack " + json + ": " + ReadText(messages));
+    }
+  };
+  for (const auto& json : fs::directory_iterator(source + "/plugins")) {
+    pack(json.path().string(), install + "/plugins/" + json.path().stem().string() + ".sla");
+  }
+  pack(source + "/options.json", install + "/options/default.user");
+  fs::copy(source + "/record", install + "/record");
+  testing::WriteText(install + "/letter.txt", "From a file, letter by letter.");
+  // Two plug-ins of one class, or an action that can never run, would make the demo tell a story
+  // other than the one in its files.
+  if (RunTool({tool, "check", install}, messages) != 0) {
+    GiveUp("the installation directory is not sound: " + ReadText(messages));
+  }
+}
+
+// What an action should do, and how to see whether it did.
+struct Expectation {
+  std::string expected;
+  // True when it happened; writes what is seen now into *seen either way.
+  std::function<bool(std::string* seen)> look;
+};
+
+Expectation FileHolds(const std::string& path, const std::string& text, const std::string& what) {
+  return {what + " holds \"" + text + "\"", [path, text](std::string* seen) {
+            std::string now = testing::Exists(path) ? ReadText(path) : "";
+            while (!now.empty() && now.back() == '\n') now.pop_back();
+            *seen = testing::Exists(path) ? "\"" + now + "\"" : "no such file";
+            return now == text;
+          }};
+}
+
+class Demo {
+ public:
+  Demo(std::string build, std::string source, std::string out)
+      : build_(std::move(build)), source_(std::move(source)), out_(std::move(out)) {}
+
+  int Run();
+
+ private:
+  void SetTheStage();
+  void StartClients();
+  void CheckKeys();
+  Display* display() { return player_->display(); }
+
+  // Draws through the points with the right button, and judges the outcome.
+  void Stroke(const std::string& what, const std::vector<Point>& corners,
+              const Expectation& expectation, bool picture = false);
+  bool TrailIsMapped();
+  void PictureOfTheTrail(const std::vector<Point>& drawn);
+  void Judge(const std::string& what, const Expectation& expectation);
+  Expectation ProbeGets(const std::vector<std::string>& lines, const std::string& what);
+  void HideMainWindow();
+  void Picture(const std::string& name) { testing::SaveScreen(display(), out_ + "/" + name); }
+
+  void EditorStrokes();
+  void ProbeStrokes();
+  void TerminalStrokes();
+  void DesktopStrokes();
+  void StrangerStrokes();
+
+  std::string build_;
+  std::string source_;
+  std::string out_;
+  Scratch scratch_;
+  std::unique_ptr<XServer> server_;
+  std::unique_ptr<Player> player_;
+  std::vector<std::unique_ptr<Process>> clients_;
+  Window gromlit_ = None;
+  Window editor_ = None;
+  Window probe_ = None;
+  Window terminal_ = None;
+  Window stranger_ = None;
+  size_t probe_read_ = 0;  // bytes of the probe's lines that earlier strokes account for
+  int strokes_ = 0;
+  int failures_ = 0;
+};
+
+// The demo's plug-ins name keys by their codes.
+void Demo::CheckKeys() {
+  const std::pair<KeySym, int> codes[] = {{XK_s, 39}, {XK_a, 38}, {XK_f, 41}, {XK_Return, 36}};
+  for (const auto& [keysym, code] : codes) {
+    if (XKeysymToKeycode(display(), keysym) != code) GiveUp("the server has another keyboard map");
+  }
+}
+
+void Demo::StartClients() {
+  const std::string home = scratch_ / "home";
+  fs::create_directories(home + "/run");
+  fs::permissions(home + "/run", fs::perms::owner_all);
+  const std::vector<std::string> environment = {"HOME=" + home,
+                                                "XDG_RUNTIME_DIR=" + home + "/run",
+                                                "XDG_CONFIG_HOME=" + home + "/config",
+                                                "XDG_CACHE_HOME=" + home + "/cache",
+                                                "XDG_DATA_HOME=" + home + "/data",
+                                                "PS1=$ ",
+                                                "QT_QPA_PLATFORM=xcb"};
+  const auto start = [&](const std::vector<std::string>& words, const std::string& directory) {
+    clients_.push_back(
+        std::make_unique<Process>(words, scratch_ / "messages", environment, directory));
+  };
+  start({"openbox"}, home);
+  // Windows that come before the window manager would be placed twice.
+  const Atom check = XInternAtom(display(), "_NET_SUPPORTING_WM_CHECK", False);
+  const bool managed = WaitFor([&] {
+    Atom type;
+    int format;
+    unsigned long count = 0;
+    unsigned long left;
+    unsigned char* data = nullptr;
+    XGetWindowProperty(display(), player_->root(), check, 0, 1, False, AnyPropertyType, &type,
+                       &format, &count, &left, &data);
+    if (data != nullptr) XFree(data);
+    return count == 1;
+  });
+  if (!managed) GiveUp("openbox did not start");
+
+  testing::WriteText(scratch_ / "note.txt", "");
+  start({"featherpad", "--standalone", scratch_ / "note.txt"}, home);
+  start({"xterm", "-xrm", "XTerm*allowSendEvents: true", "-geometry", "76x18+20+560", "-e", "sh"},
+        home);
+  start({build_ + "/tests/probe", "--class", "Probe", "probe", "--title", "Probe", "--geometry",
+         "560x260+680+40", "--output", scratch_ / "probe.events"},
+        home);
+  start({build_ + "/tests/probe", "--class", "Stranger", "stranger", "--title",
+         "An application without a plug-in", "--geometry", "380x220+680+360", "--output",
+         scratch_ / "stranger.events"},
+        home);
+  start({build_ + "/gromlit", "-path", scratch_ / "gromlit"}, scratch_ / "gromlit");
+}
+
+void Demo::SetTheStage() {
+  fs::create_directories(out_);
+  MakeInstallation(build_, source_, scratch_ / "gromlit");
+  server_ = std::make_unique<XServer>();
+  if (server_->name().empty()) GiveUp("no virtual display");
+  player_ = std::make_unique<Player>(server_->name());
+  if (display() == nullptr) GiveUp("the virtual display does not answer");
+  CheckKeys();
+  StartClients();
+  const auto find = [&](const char* classpart, const char* namepart) {
+    const Window window = WaitForClient(display(), classpart, namepart);
+    if (window == None) {
+      GiveUp(std::string("no window of ") + classpart + "." + namepart +
+             " appeared: " + ReadText(scratch_ / "messages"));
+    }
+    return window;
+  };
+  editor_ = find("FeatherPad", "featherpad");
+  terminal_ = find("XTerm", "xterm");
+  probe_ = find("Probe", "probe");
+  stranger_ = find("Stranger", "stranger");
+  gromlit_ = find("Gromlit", "Application");
+  Place(display(), editor_, {20, 40, 620, 440});
+  Area own = AreaOf(display(), gromlit_);
+  own.x = 600;
+  own.y = 650;
+  Place(display(), gromlit_, own);
+}
+
+// Whether one of the program's trail windows is on the screen: a big window without a frame of the
+// client that owns the main window. It is taken away when the action is through.
+bool Demo::TrailIsMapped() {
+  // The server hands each client the resource numbers that share their upper bits.
+  constexpr int kClientShift = 21;
+  Window root;
+  Window parent;
+  Window* list = nullptr;
+  unsigned count = 0;
+  if (XQueryTree(display(), player_->root(), &root, &parent, &list, &count) == 0) return false;
+  bool mapped = false;
+  for (unsigned i = 0; i < count && !mapped; i++) {
+    if (list[i] >> kClientShift != gromlit_ >> kClientShift) continue;
+    XWindowAttributes attributes{};
+    mapped = XGetWindowAttributes(display(), list[i], &attributes) != 0 &&
+             attributes.override_redirect != False && attributes.map_state == IsViewable &&
+             attributes.width >= 500 && attributes.height >= 500;
+  }
+  if (list != nullptr) XFree(list);
+  return mapped;
+}
+
+void Demo::Judge(const std::string& what, const Expectation& expectation) {
+  strokes_++;
+  std::string seen;
+  const bool good =
+      WaitFor([&] { return expectation.look(&seen); }) && WaitFor([&] { return !TrailIsMapped(); });
+  if (!good) failures_++;
+  std::printf("%-6s %2d  %s: expected %s; saw %s\n", good ? "ok" : "FAILED", strokes_, what.c_str(),
+              expectation.expected.c_str(), seen.c_str());
+  std::fflush(stdout);
+}
+
+void Demo::Stroke(const std::string& what, const std::vector<Point>& corners,
+                  const Expectation& expectation, bool picture) {
+  const Point first = corners.front();
+  player_->MoveTo(first.x, first.y);
+  std::vector<Point> path = corners;
+  std::vector<unsigned long> before;
+  if (picture) {
+    for (const Point& corner : corners) before.push_back(player_->Pixel(corner.x, corner.y));
+  }
+  player_->Press(3);
+  if (picture) {
+    // All but the last leg, then a look, then the rest.
+    const std::vector<Point> drawn(corners.begin(), corners.end() - 1);
+    Trace(*player_, drawn);
+    const Point middle{(drawn[0].x + drawn[1].x) / 2, (drawn[0].y + drawn[1].y) / 2};
+    strokes_++;
+    const bool inverted =
+        WaitFor([&] { return player_->Pixel(middle.x, middle.y) != before.front(); });
+    if (!inverted) failures_++;
+    std::printf("%-6s %2d  half of the next stroke: expected a trail on the screen; saw %s\n",
+                inverted ? "ok" : "FAILED", strokes_, inverted ? "it (trail.png)" : "none");
+    Picture("trail.png");
+    path = {drawn.back(), corners.back()};
+  }
+  Trace(*player_, path);
+  player_->Release(3);
+  Judge(what, expectation);
+}
+
+// The probe's lines since the last stroke, without what the window manager makes it see.
+Expectation Demo::ProbeGets(const std::vector<std::string>& lines, const std::string& what) {
+  return {what, [this, lines](std::string* seen) {
+            const std::string all = ReadText(scratch_ / "probe.events");
+            std::vector<std::string> got;
+            size_t at = probe_read_;
+            for (size_t end; (end = all.find('\n', at)) != std::string::npos; at = end + 1) {
+              const std::string line = all.substr(at, end - at);
+              if (line.starts_with("Key") || line.starts_with("Button")) got.push_back(line);
+            }
+            *seen = got.empty() ? "nothing" : "";
+            for (const std::string& line : got) *seen += (seen->empty() ? "" : " | ") + line;
+            if (got != lines) return false;
+            probe_read_ = at;
+            return true;
+          }};
+}
+
+void Demo::EditorStrokes() {
+  if (!TakeFocus(*player_, editor_)) GiveUp("the editor does not take the focus");
+  const Area area = AreaOf(display(), editor_);
+  Stroke("an L over FeatherPad (types, then Control-s)",
+         {area.At(0.3, 0.35), area.At(0.3, 0.8), area.At(0.7, 0.8)},
+         FileHolds(scratch_ / "note.txt", "Drawn, not typed.", "the editor's file"), true);
+  Picture("editor.png");
+  Stroke("a line to the right over FeatherPad (types a file's text, then Control-s)",
+         {area.At(0.3, 0.6), area.At(0.7, 0.6)},
+         FileHolds(scratch_ / "note.txt", "From a file, letter by letter.", "the editor's file"));
+}
+
+void Demo::ProbeStrokes() {
+  if (!TakeFocus(*player_, probe_)) GiveUp("the probe does not take the focus");
+  // The click for the focus is no stroke's doing.
+  const std::string events = scratch_ / "probe.events";
+  WaitFor([&] { return ReadText(events).find("ButtonRelease") != std::string::npos; });
+  probe_read_ = ReadText(events).size();
+  const Area area = AreaOf(display(), probe_);
+  const auto where = [&](const Point& at) {
+    const auto number = [](int value) { return std::to_string(value); };
+    return " x=" + number(at.x - area.x) + " y=" + number(at.y - area.y) +
+           " x_root=" + number(at.x) + " y_root=" + number(at.y) + " send_event=1";
+  };
+
+  Point start = area.At(0.2, 0.5);
+  Stroke("a line to the right over the probe (hot key)", {start, area.At(0.8, 0.5)},
+         ProbeGets({"KeyPress window=main keycode=38 state=5" + where(start),
+                    "KeyRelease window=main keycode=38 state=5" + where(start)},
+                   "Control-Shift-a, pressed and released"));
+  start = area.At(0.5, 0.15);
+  Stroke("a line down over the probe (menu letter)", {start, area.At(0.5, 0.9)},
+         ProbeGets({"KeyPress window=main keycode=41 state=8" + where(start),
+                    "KeyRelease window=main keycode=41 state=8" + where(start)},
+                   "Alt-f, pressed and released"));
+  start = area.At(0.4, 0.4);
+  Stroke("no stroke, a click of the draw button over the probe", {start},
+         ProbeGets({"ButtonPress window=main button=3 state=0" + where(start),
+                    "ButtonRelease window=main button=3 state=0" + where(start)},
+                   "the click handed on, once"));
+  const std::string made = scratch_ / "gromlit/made-by-a-gesture";
+  Stroke("a hook over the probe (runs touch)",
+         {area.At(0.3, 0.2), area.At(0.7, 0.2), area.At(0.7, 0.8)},
+         {"a file made-by-a-gesture", [made](std::string* seen) {
+            *seen = testing::Exists(made) ? "it" : "no such file";
+            return testing::Exists(made);
+          }});
+}
+
+void Demo::TerminalStrokes() {
+  if (!TakeFocus(*player_, terminal_)) GiveUp("the terminal does not take the focus");
+  const Area area = AreaOf(display(), terminal_);
+  std::printf(
+      "          (this xterm was started with allowSendEvents; without it, it ignores keys"
+      " that another program sends)\n");
+  Stroke("an L over xterm (types a command, then Return)",
+         {area.At(0.3, 0.3), area.At(0.3, 0.8), area.At(0.6, 0.8)},
+         FileHolds(scratch_ / "home/typed-in-xterm", "typed by a gesture",
+                   "the file that the shell wrote"));
+}
+
+void Demo::DesktopStrokes() {
+  // Nothing is there but the root window.
+  const Area bare{1110, 400, 150, 200};
+  Stroke("a line to the right over the desktop (opens a page)",
+         {bare.At(0.1, 0.3), bare.At(0.9, 0.3)},
+         {"the browser asked for the redirection to www.example.org",
+          [path = scratch_ / "gromlit/opened"](std::string* seen) {
+            *seen = testing::Exists(path) ? ReadText(path) : "no browser";
+            while (!seen->empty() && seen->back() == '\n') seen->pop_back();
+            return seen->starts_with("http://") && seen->ends_with("&web=www.example.org");
+          }});
+  Stroke("a line to the left over the desktop (plays a sound)",
+         {bare.At(0.9, 0.6), bare.At(0.1, 0.6)},
+         FileHolds(scratch_ / "gromlit/played", "chime.wav", "the sound player's command line"));
+}
+
+// Asks the main window to close, as a window manager does.
+void Demo::HideMainWindow() {
+  XEvent event{};
+  event.xclient.type = ClientMessage;
+  event.xclient.window = gromlit_;
+  event.xclient.message_type = XInternAtom(display(), "WM_PROTOCOLS", False);
+  event.xclient.format = 32;
+  event.xclient.data.l[0] = static_cast<long>(XInternAtom(display(), "WM_DELETE_WINDOW", False));
+  XSendEvent(display(), gromlit_, False, NoEventMask, &event);
+  XSync(display(), False);
+  if (!WaitFor([&] { return FindClient(display(), "Gromlit", "Application") == None; })) {
+    GiveUp("the main window does not close");
+  }
+}
+
+void Demo::StrangerStrokes() {
+  HideMainWindow();
+  const Area area = AreaOf(display(), stranger_);
+  const auto shown = [this](std::string* seen) {
+    const bool there = FindClient(display(), "Gromlit", "Application") != None;
+    *seen = there ? "the main window" : "no main window";
+    return there;
+  };
+  // The first stroke over an application without a plug-in is at most answered with an offer to
+  // make one, where the stroke ends; later ones, drawn beside that offer, use the default plug-in.
+  Stroke("a first line up over an application without a plug-in",
+         {area.At(0.9, 0.9), area.At(0.9, 0.2)},
+         {"no action", [this, shown](std::string* seen) {
+            // The trail goes when the stroke is through; a window would come soon after.
+            if (TrailIsMapped()) return false;
+            return !WaitFor([&] { return shown(seen); }, std::chrono::milliseconds(500));
+          }});
+  Stroke("a second line up over the same application (shows Gromlit's window)",
+         {area.At(0.15, 0.9), area.At(0.15, 0.2)}, {"the main window on the screen", shown});
+}
+
+int Demo::Run() {
+  SetTheStage();
+  Picture("start.png");
+  EditorStrokes();
+  ProbeStrokes();
+  TerminalStrokes();
+  DesktopStrokes();
+  StrangerStrokes();
+  Picture("end.png");
+  std::printf("%d of %d as expected; pictures are in %s\n", strokes_ - failures_, strokes_,
+              out_.c_str());
+  return failures_ == 0 ? 0 : 1;
+}
+
+}  // namespace
+}  // namespace gromlit::demo
+
+int main(int argc, char** argv) {
+  if (argc != 4) {
+    std::fprintf(stderr, "usage: gromlit-demo BUILD SOURCE OUT\n");
+    return 2;
+  }
+  return gromlit::demo::Demo(argv[1], argv[2], argv[3]).Run();
+}
