@@ -19,27 +19,27 @@ inline std::ostream& operator<<(std::ostream& out, const Cost& cost) {
 
 // Runs `op` and counts. Xlib keeps changes of a graphics context back until something is drawn
 // with it, so that an operation may send one change that an earlier one left behind: draw once
-// before counting. An error or event that is read on the way does not count as a round trip.
+// before counting. Of round trips with nothing sent between them only the first counts. REQUIRES:
+// the operation reads no events.
 template <typename Operation>
 Cost CostOf(Operation op) {
   static unsigned long roundtrips;
   static unsigned long seen;
-  XSync(dpy, False);
-  roundtrips = 0;
-  seen = NextRequest(dpy);
-  const unsigned long first = NextRequest(dpy);
-  // Called by Xlib at the end of each of its functions. When the request just sent is known to be
-  // processed, the function has waited for its reply.
-  XSetAfterFunction(dpy, [](Display* display) {
-    if (NextRequest(display) != seen &&
-        LastKnownRequestProcessed(display) == NextRequest(display) - 1) {
-      roundtrips++;
-    }
+  // When a request that was sent since the last look is known to be processed, something has
+  // waited for the server.
+  static constexpr auto kLook = [](Display* display) {
+    if (LastKnownRequestProcessed(display) >= seen) roundtrips++;
     seen = NextRequest(display);
     return 0;
-  });
+  };
+  XSync(dpy, False);
+  const unsigned long first = NextRequest(dpy);
+  roundtrips = 0;
+  seen = first;
+  XSetAfterFunction(dpy, kLook);  // Xlib calls it at the end of most of its functions
   op();
   XSetAfterFunction(dpy, nullptr);
+  kLook(dpy);
   return {NextRequest(dpy) - first, roundtrips};
 }
 
