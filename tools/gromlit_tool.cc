@@ -1,0 +1,262 @@
+// gromlit-tool: the data files and the recognition from the command line, without a display.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "core/strings.h"
+#include "recognition/signature_match.h"
+#include "recognition/stroke_signature.h"
+#include "tools/check.h"
+#include "tools/data_file.h"
+#include "tools/output_file.h"
+#include "tools/record_json.h"
+#include "tools/stroke_input.h"
+
+namespace gromlit {
+namespace {
+
+// Exit statuses.
+constexpr int kSuccess = 0;
+constexpr int kNegative = 1;  // no action matches; problems were found
+constexpr int kTrouble = 2;   // wrong usage, input that cannot be read, output that fails
+
+// More than the document of any plug-in file: an escaped byte of a text takes six characters.
+constexpr size_t kMaxTextInput = size_t{512} << 20;
+
+int Complain(const std::string& name, const std::string& what) {
+  std::fprintf(stderr, "gromlit-tool: %s: %s\n", name.c_str(), what.c_str());
+  return kTrouble;
+}
+
+// How messages call an input.
+std::string InputName(const std::string& path) {
+  return path == "-" ? "standard input" : path;
+}
+
+// Reads a text; "-" is standard input. Pipes are welcome here. False with *error set.
+bool ReadTextInput(const std::string& path, std::string* text, std::string* error) {
+  const int fd = path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  ssize_t n = fd < 0 ? -1 : 1;
+  char block[1 << 16];
+  while (n > 0 && text->size() <= kMaxTextInput) {
+    do n = read(fd, block, sizeof block);
+    while (n < 0 && errno == EINTR);
+    if (n > 0) text->append(block, static_cast<size_t>(n));
+  }
+  if (n < 0) *error = std::strerror(errno);
+  if (n > 0) *error = "larger than 512 MB";
+  if (fd > STDIN_FILENO) close(fd);
+  return n == 0;
+}
+
+void Write(const std::string& text) {
+  std::fwrite(text.data(), 1, text.size(), stdout);
+}
+
+// --- The calls ----------------------------------------------------------------------------------
+
+int WarnOfDamage(const std::string& path, const DataFile& file) {
+  for (const std::string& damage : file.damage) Complain(path, damage);
+  return file.damage.empty() ? kSuccess : kTrouble;
+}
+
+int Show(const std::vector<std::string>& paths) {
+  int status = kSuccess;
+  for (const std::string& path : paths) {
+    DataFile file;
+    std::string error;
+    if (!ReadDataFile(path.c_str(), &file, &error)) {
+      status = Complain(path, error);
+      continue;
+    }
+    switch (file.kind) {
+      case Kind::kSymbol:
+        Write(PrintJson(SymbolDocument(file.symbol)));
+        break;
+      case Kind::kPlugin:
+        Write(PrintJson(PluginDocument(file.plugin)));
+        break;
+      case Kind::kOptions:
+        Write(PrintJson(OptionsDocument(file.options)));
+        break;
+    }
+    if (WarnOfDamage(path, file) != kSuccess) status = kTrouble;
+  }
+  return status;
+}
+
+void ReadDocument(const Json& document, DataFile* file) {
+  const auto kind = document.is_object() ? document.find("kind") : document.end();
+  if (kind == document.end()) throw JsonError("an object with a \"kind\" is expected");
+  if (*kind == "symbol") {
+    file->kind = Kind::kSymbol;
+    ReadSymbolDocument(document, &file->symbol);
+  } else if (*kind == "plugin") {
+    file->kind = Kind::kPlugin;
+    ReadPluginDocument(document, &file->plugin);
+  } else if (*kind == "options") {
+    file->kind = Kind::kOptions;
+    ReadOptionsDocument(document, &file->options);
+  } else {
+    throw JsonError("kind: \"symbol\", \"plugin\" or \"options\" is expected");
+  }
+}
+
+int Pack(const std::string& input, const std::string& output) {
+  const std::string name = InputName(input);
+  std::string text;
+  std::string error;
+  if (!ReadTextInput(input, &text, &error)) return Complain(name, error);
+  DataFile file;
+  try {
+    ReadDocument(ParseJson(text), &file);
+  } catch (const JsonError& e) {
+    return Complain(name, e.what());
+  }
+  const std::vector<std::byte> image = FileImage(file);
+  if (image.empty()) return Complain(name, "the file would be larger than 64 MB");
+  if (!WriteOutputFile(output, image)) return Complain(output, std::strerror(errno));
+  return kSuccess;
+}
+
+// Signature of a stroke; false after a message.
+bool StrokeInputSignature(const std::string& path, std::string* signature) {
+  std::string text;
+  std::string error;
+  Stroke stroke;
+  if (!ReadTextInput(path, &text, &error) || !ParseStroke(text, &stroke, &error)) {
+    Complain(InputName(path), error);
+    return false;
+  }
+  char letters[kDrawnSignatureSize];
+  StrokeSignature(letters, stroke.npoints, stroke.x, stroke.y);
+  *signature = letters;
+  return true;
+}
+
+// Reads a file that the program would have to be able to use; false after a message.
+bool ReadUsable(const std::string& path, Kind kind, const char* what, DataFile* file) {
+  std::string error;
+  if (!ReadDataFile(path.c_str(), file, &error)) {
+    Complain(path, error);
+    return false;
+  }
+  if (file->kind != kind) {
+    Complain(path, what);
+    return false;
+  }
+  WarnOfDamage(path, *file);
+  return !file->unusable;
+}
+
+int SignatureOfSymbol(const std::string& path) {
+  DataFile file;
+  if (!ReadUsable(path, Kind::kSymbol, "no symbol file", &file)) return kTrouble;
+  Write(std::string(SymbolSignature(&file.symbol)) + "\n");
+  return file.damage.empty() ? kSuccess : kTrouble;
+}
+
+int SignatureOfStroke(const std::string& path) {
+  std::string signature;
+  if (!StrokeInputSignature(path, &signature)) return kTrouble;
+  Write(signature + "\n");
+  return kSuccess;
+}
+
+int Match(const std::string& plugin, const std::string& stroke) {
+  DataFile file;
+  if (!ReadUsable(plugin, Kind::kPlugin, "no plug-in file", &file)) return kTrouble;
+  std::string signature;
+  if (!StrokeInputSignature(stroke, &signature)) return kTrouble;
+  const int index = FindAction(&file.plugin, signature.c_str());
+  if (index >= 0) {
+    const std::string_view name = FieldText(file.plugin.actions[index]->name);
+    Write(std::to_string(index) + "\t" + std::string(name) + "\n");
+  }
+  if (!file.damage.empty()) return kTrouble;
+  return index >= 0 ? kSuccess : kNegative;
+}
+
+int Check(const std::string& dir) {
+  struct stat info;
+  if (stat(dir.c_str(), &info) != 0) return Complain(dir, std::strerror(errno));
+  if (!S_ISDIR(info.st_mode)) return Complain(dir, std::strerror(ENOTDIR));
+  const std::vector<std::string> problems = CheckInstallation(dir);
+  for (const std::string& line : problems) Write(line + "\n");
+  return problems.empty() ? kSuccess : kNegative;
+}
+
+int Main(int argc, char** argv) {
+  CLI::App app{"The data files and the stroke recognition of Gromlit from the command line.",
+               "gromlit-tool"};
+  app.require_subcommand(1);
+  app.set_version_flag("--version", "gromlit-tool " GROMLIT_VERSION);
+  app.footer(
+      "Status: 0 success; 1 no action matches, or problems were found;\n"
+      "2 wrong usage, unreadable or damaged input.");
+  int status = kSuccess;
+
+  std::vector<std::string> files;
+  CLI::App* show = app.add_subcommand("show", "Print symbol, plug-in or options files as JSON");
+  show->add_option("FILE", files, "Files to print")->required();
+  show->callback([&] { status = Show(files); });
+
+  std::string document;
+  std::string output;
+  CLI::App* pack = app.add_subcommand("pack", "Make a data file from a JSON document");
+  pack->add_option("JSON", document, "The document; - reads standard input")->required();
+  pack->add_option("-o,--output", output, "File to write")->required();
+  pack->callback([&] { status = Pack(document, output); });
+
+  std::string symbol;
+  std::string stroke = "-";
+  CLI::App* signature = app.add_subcommand("signature", "Print the signature of a stroke");
+  CLI::Option* stroke_option = signature->add_option(
+      "STROKE", stroke, "One \"x y\" pair per line; standard input when absent or -");
+  signature->add_option("--symbol", symbol, "Print the signature of this symbol file instead")
+      ->excludes(stroke_option);
+  signature->callback([&] {
+    status =
+        signature->count("--symbol") != 0 ? SignatureOfSymbol(symbol) : SignatureOfStroke(stroke);
+  });
+
+  std::string plugin;
+  CLI::App* match = app.add_subcommand("match", "Print which action of a plug-in a stroke runs");
+  match->add_option("PLUGIN", plugin, "The plug-in file")->required();
+  match->add_option("STROKE", stroke, "One \"x y\" pair per line; standard input when absent or -");
+  match->callback([&] { status = Match(plugin, stroke); });
+
+  std::string dir;
+  CLI::App* check = app.add_subcommand("check", "List the problems of an installation directory");
+  check->add_option("DIR", dir, "The installation directory")->required();
+  check->callback([&] { status = Check(dir); });
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& e) {
+    // Its own statuses tell the kinds of wrong usage apart; here they are one. Help is no error.
+    if (app.exit(e) != 0) return kTrouble;
+  }
+  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)
+    return Complain("standard output", std::strerror(errno));
+  return status;
+}
+
+}  // namespace
+}  // namespace gromlit
+
+int main(int argc, char** argv) {
+  try {
+    return gromlit::Main(argc, argv);
+  } catch (const std::bad_alloc&) {
+    std::fputs("gromlit-tool: out of memory\n", stderr);
+    return 2;
+  }
+}

@@ -1,0 +1,380 @@
+#include "tools/record_json.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
+#include <limits>
+#include <span>
+#include <type_traits>
+
+#include "core/strings.h"
+#include "recognition/symbol_icon.h"
+
+namespace gromlit {
+namespace {
+
+// Names of the command types, by value; the same words label the tabs of the action editor.
+constexpr const char* kTypeNames[] = {"HotKey", "Menu", "Text", "Sound", "Run", "Internet"};
+
+// The reserved text fields chars1..chars8 of a plug-in, in order.
+template <typename Plugin>
+auto CharsFields(Plugin* p) {
+  using Chars = std::conditional_t<std::is_const_v<Plugin>, const char, char>;
+  using Span = std::span<Chars, kTextSize>;
+  return std::array<Span, 8>{Span(p->chars1), Span(p->chars2), Span(p->chars3), Span(p->chars4),
+                             Span(p->chars5), Span(p->chars6), Span(p->chars7), Span(p->chars8)};
+}
+
+[[noreturn]] void Fail(const std::string& where, const std::string& what) {
+  throw JsonError(where.empty() ? what : where + ": " + what);
+}
+
+// --- Writing ------------------------------------------------------------------------------------
+
+std::string NameText(std::span<const char> field) {
+  return BytesToText(FieldText(field));
+}
+
+// A reserved field keeps all its bytes; only trailing NULs are left out.
+std::string RawText(std::span<const char> field) {
+  size_t n = field.size();
+  while (n > 0 && field[n - 1] == '\0') n--;
+  return BytesToText({field.data(), n});
+}
+
+void PutSymbol(const GromlitSymbol& sym, Json* out) {
+  (*out)["name"] = NameText(sym.name);
+  Json& points = (*out)["points"] = Json::array();
+  for (int k = 1; k <= std::min<int>(sym.npoints, kMaxPoints); k++)
+    points.push_back(Json::array({sym.x[k], sym.y[k]}));
+  Json& icon = (*out)["icon"] = Json::array();
+  for (const uint32_t bits : sym.icon) {
+    std::string row(kIconSize, '.');
+    for (unsigned column = 0; column < kIconSize; column++)
+      if ((bits >> column & 1) != 0) row[column] = '#';
+    icon.push_back(row);
+  }
+  (*out)["spare"] = sym.spare;
+}
+
+Json CommandObject(const GromlitCmd& cmd) {
+  Json out = Json::object();
+  if (cmd.type < std::size(kTypeNames)) {
+    out["type"] = kTypeNames[cmd.type];
+  } else {
+    out["type"] = cmd.type;
+  }
+  out["nkeys"] = cmd.nkeys;
+  int used = kMaxKeys;
+  while (used > 0 && cmd.keycode[used - 1] == 0 && cmd.keystate[used - 1] == 0) used--;
+  Json& keys = out["keys"] = Json::array();
+  for (int i = 0; i < used; i++) keys.push_back(Json::array({cmd.keycode[i], cmd.keystate[i]}));
+  out["text"] = cmd.text == nullptr ? "" : BytesToText({cmd.text, cmd.ntext});
+  out["checked"] = cmd.checked;
+  out["buttons"] = cmd.buttons;
+  out["flag"] = cmd.flag;
+  out["spare"] = cmd.spare;
+  return out;
+}
+
+Json ActionObject(const GromlitAction& action) {
+  Json out = Json::object();
+  out["name"] = NameText(action.name);
+  out["spare"] = action.spare;
+  PutSymbol(action.sym, &(out["symbol"] = Json::object()));
+  Json& commands = out["commands"] = Json::array();
+  for (uint32_t j = 0; j < action.ncmds; j++) commands.push_back(CommandObject(*action.cmds[j]));
+  return out;
+}
+
+// --- Reading ------------------------------------------------------------------------------------
+
+// One object of a document; remembers which of its keys were asked for.
+class ObjectReader {
+ public:
+  ObjectReader(const Json& object, std::string where) : object_(object), where_(std::move(where)) {
+    if (!object.is_object()) Fail(where_, "an object is expected");
+  }
+
+  const Json* Find(const char* key) {
+    asked_.emplace_back(key);
+    const auto found = object_.find(key);
+    return found == object_.end() ? nullptr : &*found;
+  }
+
+  std::string Where(const char* key) const { return where_.empty() ? key : where_ + "." + key; }
+
+  template <typename Int>
+  void Number(const char* key, Int* out) {
+    if (const Json* value = Find(key)) *out = ToNumber<Int>(*value, Where(key));
+  }
+
+  // Text of a NUL-terminated field: ends at its first NUL, must leave room for one.
+  void Name(const char* key, std::span<char> field) {
+    std::string bytes = Bytes(key);
+    bytes.resize(std::min(bytes.find('\0'), bytes.size()));
+    CheckLength(key, bytes, field.size() - 1);
+    CopyText(field, bytes);
+  }
+
+  // All bytes of a reserved field.
+  void Raw(const char* key, std::span<char> field) { ToRaw(Find(key), Where(key), field); }
+
+  std::string Bytes(const char* key) {
+    const Json* value = Find(key);
+    return value == nullptr ? "" : ToBytes(*value, Where(key));
+  }
+
+  // The list of that key, of at most limit items; null when absent.
+  const Json* List(const char* key, size_t limit) {
+    const Json* value = Find(key);
+    if (value == nullptr) return nullptr;
+    if (!value->is_array()) Fail(Where(key), "a list is expected");
+    if (value->size() > limit) {
+      Fail(Where(key), "has " + std::to_string(value->size()) + " items, at most " +
+                           std::to_string(limit) + " are possible");
+    }
+    return value;
+  }
+
+  void NoOtherKeys() const {
+    for (const auto& item : object_.items()) {
+      if (std::find(asked_.begin(), asked_.end(), item.key()) == asked_.end())
+        Fail(where_, "unknown key " + Json(item.key()).dump());
+    }
+  }
+
+  template <typename Int>
+  static Int ToNumber(const Json& value, const std::string& where) {
+    constexpr int64_t low = std::numeric_limits<Int>::min();
+    constexpr int64_t high = std::numeric_limits<Int>::max();
+    if (!value.is_number_integer()) Fail(where, "a whole number is expected");
+    const bool fits = value.is_number_unsigned()
+                          ? value.get<uint64_t>() <= static_cast<uint64_t>(high)
+                          : value.get<int64_t>() >= low && value.get<int64_t>() <= high;
+    if (!fits) {
+      Fail(where,
+           value.dump() + " lies outside " + std::to_string(low) + ".." + std::to_string(high));
+    }
+    return value.get<Int>();
+  }
+
+  static std::string ToBytes(const Json& value, const std::string& where) {
+    if (!value.is_string()) Fail(where, "a string is expected");
+    std::string bytes;
+    if (!TextToBytes(value.get_ref<const std::string&>(), &bytes))
+      Fail(where, "holds a character above U+00FF");
+    return bytes;
+  }
+
+  static void ToRaw(const Json* value, const std::string& where, std::span<char> field) {
+    if (value == nullptr) return;
+    const std::string bytes = ToBytes(*value, where);
+    if (bytes.size() > field.size())
+      Fail(where, "longer than " + std::to_string(field.size()) + " bytes");
+    std::copy(bytes.begin(), bytes.end(), field.begin());
+  }
+
+  static void ToPair(const Json& value, const std::string& where, uint16_t* first,
+                     uint16_t* second) {
+    if (!value.is_array() || value.size() != 2) Fail(where, "a pair of numbers is expected");
+    *first = ToNumber<uint16_t>(value[0], where);
+    *second = ToNumber<uint16_t>(value[1], where);
+  }
+
+ private:
+  void CheckLength(const char* key, const std::string& bytes, size_t limit) const {
+    if (bytes.size() > limit) Fail(Where(key), "longer than " + std::to_string(limit) + " bytes");
+  }
+
+  const Json& object_;
+  std::string where_;
+  std::vector<std::string> asked_;
+};
+
+std::string Item(const std::string& where, size_t index) {
+  return where + "[" + std::to_string(index) + "]";
+}
+
+void ReadIcon(const Json& icon, const std::string& where, GromlitSymbol* sym) {
+  if (!icon.is_array() || icon.size() != kIconSize) Fail(where, "\"auto\" or 32 rows are expected");
+  for (size_t r = 0; r < kIconSize; r++) {
+    const std::string row = ObjectReader::ToBytes(icon[r], Item(where, r));
+    if (row.size() != kIconSize || row.find_first_not_of("#.") != std::string::npos)
+      Fail(Item(where, r), "32 characters \"#\" or \".\" are expected");
+    for (unsigned column = 0; column < kIconSize; column++)
+      if (row[column] == '#') sym->icon[r] |= uint32_t{1} << column;
+  }
+}
+
+// The keys of a symbol, except those of the object around it.
+void ReadSymbol(ObjectReader* in, GromlitSymbol* sym) {
+  in->Name("name", sym->name);
+  in->Number("spare", &sym->spare);
+  if (const Json* points = in->List("points", kMaxPoints)) {
+    for (size_t k = 1; k <= points->size(); k++) {
+      ObjectReader::ToPair((*points)[k - 1], Item(in->Where("points"), k - 1), &sym->x[k],
+                           &sym->y[k]);
+    }
+    sym->npoints = static_cast<uint8_t>(points->size());
+  }
+  const Json* icon = in->Find("icon");
+  if (icon == nullptr || *icon == "auto") {
+    VectorToBitmap(sym);
+  } else {
+    ReadIcon(*icon, in->Where("icon"), sym);
+  }
+}
+
+uint8_t ReadType(const Json& type, const std::string& where) {
+  if (type.is_number()) return ObjectReader::ToNumber<uint8_t>(type, where);
+  const std::string name = ObjectReader::ToBytes(type, where);
+  const auto* found = std::find(std::begin(kTypeNames), std::end(kTypeNames), name);
+  if (found == std::end(kTypeNames))
+    Fail(where, Json(type).dump() + " is no command type and no number 0..255");
+  return static_cast<uint8_t>(found - std::begin(kTypeNames));
+}
+
+void ReadCommand(const Json& object, const std::string& where, GromlitCmd* cmd) {
+  ObjectReader in(object, where);
+  if (const Json* type = in.Find("type")) cmd->type = ReadType(*type, in.Where("type"));
+  if (const Json* keys = in.List("keys", kMaxKeys)) {
+    for (size_t i = 0; i < keys->size(); i++) {
+      ObjectReader::ToPair((*keys)[i], Item(in.Where("keys"), i), &cmd->keycode[i],
+                           &cmd->keystate[i]);
+    }
+    cmd->nkeys = static_cast<uint8_t>(keys->size());
+  }
+  in.Number("nkeys", &cmd->nkeys);
+  const std::string text = in.Bytes("text");
+  if (!text.empty()) {
+    // Not a string function: the text may hold NULs.
+    cmd->text = static_cast<char*>(std::calloc(text.size() + 1, 1));
+    if (cmd->text == nullptr) throw std::bad_alloc();
+    std::copy(text.begin(), text.end(), cmd->text);
+    cmd->ntext = static_cast<uint32_t>(text.size());
+  }
+  in.Number("checked", &cmd->checked);
+  if (const Json* buttons = in.List("buttons", std::size(cmd->buttons))) {
+    for (size_t i = 0; i < buttons->size(); i++)
+      cmd->buttons[i] =
+          ObjectReader::ToNumber<uint8_t>((*buttons)[i], Item(in.Where("buttons"), i));
+  }
+  in.Number("flag", &cmd->flag);
+  in.Number("spare", &cmd->spare);
+  in.NoOtherKeys();
+}
+
+void ReadAction(const Json& object, const std::string& where, GromlitAction* action) {
+  ObjectReader in(object, where);
+  in.Name("name", action->name);
+  in.Number("spare", &action->spare);
+  if (const Json* symbol = in.Find("symbol")) {
+    ObjectReader sym(*symbol, in.Where("symbol"));
+    ReadSymbol(&sym, &action->sym);
+    sym.NoOtherKeys();
+  }
+  if (const Json* commands = in.List("commands", kMaxCommands)) {
+    for (size_t j = 0; j < commands->size(); j++) {
+      action->cmds[j] = new GromlitCmd{};
+      action->ncmds = static_cast<uint32_t>(j + 1);
+      ReadCommand((*commands)[j], Item(in.Where("commands"), j), action->cmds[j]);
+    }
+  }
+  in.NoOtherKeys();
+}
+
+}  // namespace
+
+Json SymbolDocument(const GromlitSymbol& sym) {
+  Json out = Json::object();
+  out["kind"] = "symbol";
+  PutSymbol(sym, &out);
+  return out;
+}
+
+Json PluginDocument(const GromlitPlugin& plugin) {
+  Json out = Json::object();
+  out["kind"] = "plugin";
+  out["appname"] = NameText(plugin.appname);
+  out["classname"] = NameText(plugin.classname);
+  out["spare1"] = plugin.spare1;
+  out["spare2"] = plugin.spare2;
+  out["spare3"] = plugin.spare3;
+  out["spare4"] = plugin.spare4;
+  Json& chars = out["chars"] = Json::array();
+  for (const auto field : CharsFields(&plugin)) chars.push_back(RawText(field));
+  Json& actions = out["actions"] = Json::array();
+  for (int i = 0; i < plugin.nactions; i++) actions.push_back(ActionObject(*plugin.actions[i]));
+  return out;
+}
+
+Json OptionsDocument(const GromlitUserOptions& options) {
+  Json out = Json::object();
+  out["kind"] = "options";
+  out["button"] = options.button;
+  out["sensitivity"] = options.sensitivity;
+  out["tolerance"] = options.tolerance;
+  out["splash"] = options.splash;
+  out["showactions"] = options.showactions;
+  out["temp1"] = options.temp1;
+  out["temp2"] = options.temp2;
+  out["temp3"] = options.temp3;
+  out["temp4"] = options.temp4;
+  out["urlcmd"] = NameText(options.urlcmd);
+  out["sndcmd"] = NameText(options.sndcmd);
+  out["charspare2"] = RawText(options.charspare2);
+  return out;
+}
+
+void ReadSymbolDocument(const Json& document, GromlitSymbol* sym) {
+  ObjectReader in(document, "");
+  in.Find("kind");
+  ReadSymbol(&in, sym);
+  in.NoOtherKeys();
+}
+
+void ReadPluginDocument(const Json& document, GromlitPlugin* plugin) {
+  ObjectReader in(document, "");
+  in.Find("kind");
+  in.Name("appname", plugin->appname);
+  in.Name("classname", plugin->classname);
+  in.Number("spare1", &plugin->spare1);
+  in.Number("spare2", &plugin->spare2);
+  in.Number("spare3", &plugin->spare3);
+  in.Number("spare4", &plugin->spare4);
+  const auto fields = CharsFields(plugin);
+  if (const Json* chars = in.List("chars", fields.size())) {
+    for (size_t i = 0; i < chars->size(); i++)
+      ObjectReader::ToRaw(&(*chars)[i], Item("chars", i), fields[i]);
+  }
+  if (const Json* actions = in.List("actions", kMaxActions)) {
+    for (size_t i = 0; i < actions->size(); i++) {
+      plugin->actions[i] = new GromlitAction{};
+      plugin->nactions = static_cast<uint8_t>(i + 1);
+      ReadAction((*actions)[i], Item("actions", i), plugin->actions[i]);
+    }
+  }
+  in.NoOtherKeys();
+}
+
+void ReadOptionsDocument(const Json& document, GromlitUserOptions* options) {
+  ObjectReader in(document, "");
+  in.Find("kind");
+  in.Number("button", &options->button);
+  in.Number("sensitivity", &options->sensitivity);
+  in.Number("tolerance", &options->tolerance);
+  in.Number("splash", &options->splash);
+  in.Number("showactions", &options->showactions);
+  in.Number("temp1", &options->temp1);
+  in.Number("temp2", &options->temp2);
+  in.Number("temp3", &options->temp3);
+  in.Number("temp4", &options->temp4);
+  in.Name("urlcmd", options->urlcmd);
+  in.Name("sndcmd", options->sndcmd);
+  in.Raw("charspare2", options->charspare2);
+  in.NoOtherKeys();
+}
+
+}  // namespace gromlit

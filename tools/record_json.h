@@ -1,0 +1,58 @@
+// The records as JSON documents and back.
+//
+// Fields carry the names of the records' fields. Absent keys are zero or empty, unknown and
+// repeated keys are errors. A byte of a string is the code point of the same number
+// (U+0000..U+00FF), so that any byte survives.
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "core/gromlit.h"
+
+namespace gromlit {
+
+using Json = nlohmann::ordered_json;
+
+// What is wrong with a document, beginning with the place ("actions[2].symbol.points: ...").
+struct JsonError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+// Largest depth of arrays and objects that a document may have; the records need seven levels.
+inline constexpr int kMaxJsonDepth = 16;
+
+// Most values that a document may have. A plug-in of 128 actions with 128 commands each has less
+// than a million; without a limit, a small file of many empty lists would take a lot of memory.
+inline constexpr size_t kMaxJsonValues = 2'000'000;
+
+// Bytes as UTF-8 text, one code point for each byte.
+std::string BytesToText(std::string_view bytes);
+
+// The reverse; false when a code point lies above U+00FF. REQUIRES: text is valid UTF-8.
+bool TextToBytes(std::string_view text, std::string* bytes);
+
+// Parses one document. Throws JsonError for malformed text, repeated keys, too many levels or
+// values.
+Json ParseJson(std::string_view text);
+
+// The document as text for people and for line-by-line comparison, a newline at its end: one key
+// per line, lists of numbers on one line.
+std::string PrintJson(const Json& document);
+
+// Whole documents, "kind" included.
+Json SymbolDocument(const GromlitSymbol& sym);
+Json PluginDocument(const GromlitPlugin& plugin);
+Json OptionsDocument(const GromlitUserOptions& options);
+
+// Fill a zeroed record from a document, whose "kind" has been looked at. All throw JsonError; a
+// record that was being filled then is incomplete. The actions, commands and texts of a plug-in are
+// new heap records, owned by it.
+void ReadSymbolDocument(const Json& document, GromlitSymbol* sym);
+void ReadPluginDocument(const Json& document, GromlitPlugin* plugin);
+void ReadOptionsDocument(const Json& document, GromlitUserOptions* options);
+
+}  // namespace gromlit

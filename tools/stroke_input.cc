@@ -1,0 +1,73 @@
+#include "tools/stroke_input.h"
+
+#include <charconv>
+#include <limits>
+
+namespace gromlit {
+namespace {
+
+constexpr std::string_view kBlanks = " \t\r\v\f";
+
+// Takes the next word from the front of the line; empty at its end.
+std::string_view NextWord(std::string_view* line) {
+  line->remove_prefix(std::min(line->find_first_not_of(kBlanks), line->size()));
+  const std::string_view word = line->substr(0, line->find_first_of(kBlanks));
+  line->remove_prefix(word.size());
+  return word;
+}
+
+// Text from a stranger's file in a message: short, and without control characters.
+std::string Quote(std::string_view text) {
+  std::string quoted = "\"";
+  for (const char c : text.substr(0, 40)) quoted += c >= ' ' && c <= '~' ? c : '?';
+  return quoted + (text.size() > 40 ? "...\"" : "\"");
+}
+
+bool ParseCoordinate(std::string_view word, int16_t* out, std::string* error) {
+  int value = 0;
+  const auto [end, status] = std::from_chars(word.data(), word.data() + word.size(), value);
+  const bool number = status != std::errc::invalid_argument && end == word.data() + word.size();
+  if (word.empty() || !number) {
+    *error = word.empty() ? "two numbers are expected" : Quote(word) + " is no whole number";
+    return false;
+  }
+  constexpr int low = std::numeric_limits<int16_t>::min();
+  constexpr int high = std::numeric_limits<int16_t>::max();
+  if (status == std::errc::result_out_of_range || value < low || value > high) {
+    *error = Quote(word) + " lies outside -32768..32767";
+    return false;
+  }
+  *out = static_cast<int16_t>(value);
+  return true;
+}
+
+}  // namespace
+
+bool ParseStroke(std::string_view text, Stroke* stroke, std::string* error) {
+  stroke->npoints = 0;
+  for (size_t number = 1; !text.empty(); number++) {
+    std::string_view line = text.substr(0, text.find('\n'));
+    text.remove_prefix(std::min(line.size() + 1, text.size()));
+    const std::string_view first = NextWord(&line);
+    if (first.empty()) continue;
+    int16_t x = 0;
+    int16_t y = 0;
+    bool good = ParseCoordinate(first, &x, error) && ParseCoordinate(NextWord(&line), &y, error);
+    if (good) {
+      const std::string_view rest = NextWord(&line);
+      good = rest.empty();
+      if (!good) *error = "only two numbers are expected, not " + Quote(rest);
+    }
+    if (!good) {
+      *error = "line " + std::to_string(number) + ": " + *error;
+      return false;
+    }
+    if (stroke->npoints == kMaxStrokePoints) continue;
+    stroke->x[stroke->npoints] = x;
+    stroke->y[stroke->npoints] = y;
+    stroke->npoints++;
+  }
+  return true;
+}
+
+}  // namespace gromlit
