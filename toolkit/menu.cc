@@ -152,8 +152,13 @@ void PopUpMenu(int x, int y, XMenu* menu) {
   menu->x = x;
   menu->y = y;
   menu->open = 1;
-  XMoveWindow(dpy, menu->window, x, y);
-  XMapRaised(dpy, menu->window);
+  // Moved and raised in one request.
+  XWindowChanges place{};
+  place.x = x;
+  place.y = y;
+  place.stack_mode = Above;
+  XConfigureWindow(dpy, menu->window, CWX | CWY | CWStackMode, &place);
+  XMapWindow(dpy, menu->window);
 }
 
 void PullDownMenu(int x, int y, XMenu* menu) {
