@@ -2,7 +2,7 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <string_view>
 #include <vector>
 
 #include "display/display.h"
@@ -140,11 +140,12 @@ XImage* XpmToPixmap(std::span<const char* const> data) {
   if (image == nullptr) return nullptr;
   const auto rows = data.subspan(1 + static_cast<size_t>(header.ncolours));
   for (int y = 0; y < header.height; y++) {
-    const char* row = rows[static_cast<size_t>(y)];
-    const auto complete = static_cast<int>(std::strlen(row) / static_cast<size_t>(header.cpp));
-    for (int x = 0; x < header.width && x < complete; x++) {
-      const unsigned key = header.cpp == 2 ? KeyOf(row[2 * x], row[2 * x + 1]) : KeyOf(0, row[x]);
+    std::string_view row = rows[static_cast<size_t>(y)];
+    const auto cpp = static_cast<size_t>(header.cpp);
+    for (int x = 0; x < header.width && row.size() >= cpp; x++) {
+      const unsigned key = cpp == 2 ? KeyOf(row[0], row[1]) : KeyOf(0, row[0]);
       XPutPixel(image, x, y, key < pixels.size() ? pixels[key] : 0UL);
+      row.remove_prefix(cpp);
     }
   }
   return image;
