@@ -131,29 +131,32 @@ bool OverwriteRegular(int fd, std::span<const std::byte> image, size_t old_size,
   return false;
 }
 
+constexpr int kTargetFlags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+
+bool WriteNew(const char* path, std::span<const std::byte> image, size_t* wrote) {
+  const Descriptor fresh(open(path, O_RDWR | O_CREAT | O_EXCL | kTargetFlags, 0666));
+  if (!fresh.ok()) return false;
+  bool good = WriteAll(fresh.get(), image, 0, wrote);
+  if (good) {
+    *wrote = kNoWrite;
+    good = Sync(fresh.get());
+  }
+  if (!good) UnlinkKeepingErrno(path);
+  return good;
+}
+
 bool WriteInPlace(const char* path, std::span<const std::byte> image, size_t* wrote) {
-  constexpr int kFlags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-  const Descriptor existing(open(path, O_RDWR | kFlags));
-  if (existing.ok()) {
+  {
+    const Descriptor existing(open(path, O_RDWR | kTargetFlags));
+    if (!existing.ok()) return errno == ENOENT && WriteNew(path, image, wrote);
     struct stat st {};
     if (fstat(existing.get(), &st) != 0) return false;
     if (S_ISREG(st.st_mode))
       return OverwriteRegular(existing.get(), image, static_cast<size_t>(st.st_size), wrote);
-    // Opened for writing alone, a FIFO that nobody reads is refused instead of swallowing the data.
-    const Descriptor special(open(path, O_WRONLY | kFlags));
-    return special.ok() && WriteAll(special.get(), image, -1, wrote);
   }
-  if (errno != ENOENT) return false;
-  const Descriptor fresh(open(path, O_RDWR | O_CREAT | O_EXCL | kFlags, 0666));
-  if (!fresh.ok()) return false;
-  if (!WriteAll(fresh.get(), image, 0, wrote)) {
-    UnlinkKeepingErrno(path);
-    return false;
-  }
-  *wrote = kNoWrite;
-  if (Sync(fresh.get())) return true;
-  UnlinkKeepingErrno(path);
-  return false;
+  // Opened for writing alone, a FIFO that nobody reads is refused instead of swallowing the data.
+  const Descriptor special(open(path, O_WRONLY | kTargetFlags));
+  return special.ok() && WriteAll(special.get(), image, -1, wrote);
 }
 
 enum class Replaced { kYes, kFailed, kImpossible };
@@ -257,7 +260,7 @@ bool SaveFile(const char* path, std::span<const std::byte> image, size_t* wrote)
   struct stat old {};
   bool exists = false;
   {
-    const Descriptor probe(open(path, O_RDWR | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    const Descriptor probe(open(path, O_RDWR | kTargetFlags));
     if (probe.ok()) {
       if (fstat(probe.get(), &old) != 0) return false;
       exists = true;

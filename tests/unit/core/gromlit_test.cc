@@ -1,0 +1,79 @@
+#include "core/gromlit.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "core/strings.h"
+
+namespace gromlit {
+namespace {
+
+TEST(CopyGromlitSymbol, CopiesNamePointsAndIcon) {
+  GromlitSymbol src{}, dst{};
+  CopyText(src.name, "Source");
+  CopyText(dst.name, "Longer destination");
+  src.npoints = 63;
+  for (int k = 0; k <= kMaxPoints; k++) {
+    src.x[k] = static_cast<uint16_t>(1000 + k);
+    src.y[k] = static_cast<uint16_t>(2000 + k);
+  }
+  for (int r = 0; r < kIconSize; r++) {
+    src.icon[r] = 0x01010101u * static_cast<uint32_t>(r);
+    dst.icon[r] = 0xFFFFFFFFu;
+  }
+  CopyGromlitSymbol(&dst, &src);
+  EXPECT_EQ(std::string(dst.name, kNameSize), std::string("Source") + std::string(26, '\0'));
+  EXPECT_EQ(dst.npoints, 63);
+  for (int k = 1; k < kMaxPoints; k++) {
+    EXPECT_EQ(dst.x[k], 1000 + k);
+    EXPECT_EQ(dst.y[k], 2000 + k);
+  }
+  for (int r = 0; r < kIconSize; r++) EXPECT_EQ(dst.icon[r], src.icon[r]);
+}
+
+TEST(CopyGromlitSymbol, KeepsThe64thPointsXAndLeavesItsY) {
+  GromlitSymbol src{}, dst{};
+  src.npoints = 64;
+  src.x[64] = 72;
+  src.y[64] = 80;
+  dst.x[64] = 16;
+  dst.y[64] = 24;
+  CopyGromlitSymbol(&dst, &src);
+  EXPECT_EQ(dst.x[64], 72);
+  EXPECT_EQ(dst.y[64], 24);
+}
+
+TEST(CopyGromlitSymbol, LeavesSpareAndSignature) {
+  char ours[] = "ab", theirs[] = "cd";
+  GromlitSymbol src{}, dst{};
+  src.spare = 1;
+  src.signature = theirs;
+  dst.spare = 2;
+  dst.signature = ours;
+  CopyGromlitSymbol(&dst, &src);
+  EXPECT_EQ(dst.spare, 2u);
+  EXPECT_EQ(dst.signature, ours);
+}
+
+TEST(CopyGromlitSymbol, CopyOntoItselfChangesNothing) {
+  GromlitSymbol sym{};
+  CopyText(sym.name, "Self");
+  sym.npoints = 2;
+  sym.x[1] = 16;
+  CopyGromlitSymbol(&sym, &sym);
+  EXPECT_STREQ(sym.name, "Self");
+  EXPECT_EQ(sym.npoints, 2);
+  EXPECT_EQ(sym.x[1], 16);
+}
+
+TEST(CopyGromlitSymbol, CutsASourceNameWithoutNul) {
+  GromlitSymbol src{}, dst{};
+  std::memset(src.name, 'n', sizeof src.name);
+  CopyGromlitSymbol(&dst, &src);
+  EXPECT_EQ(std::string(dst.name), std::string(31, 'n'));
+}
+
+}  // namespace
+}  // namespace gromlit

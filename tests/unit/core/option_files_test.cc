@@ -1,0 +1,177 @@
+#include "core/option_files.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "core/strings.h"
+#include "tests/support/temp_install.h"
+#include "tests/unit/core/child.h"
+#include "tests/unit/core/golden.h"
+
+namespace gromlit {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::BecomeOrdinaryUser;
+using testing::Exists;
+using testing::Golden;
+using testing::LimitFileSize;
+using testing::ReadBytes;
+using testing::ReadText;
+using testing::RunInChild;
+using testing::TempInstall;
+using testing::WriteBytes;
+using testing::WriteText;
+
+Golden File() {
+  return Golden(305)
+      .Put(0, "GromlitOption")
+      .Put(13, {2, 0, 0, 0})
+      .Put(17, {7, 0, 0, 0})
+      .Put(21, {1, 0, 0, 0})
+      .Put(25, {0, 0, 0, 0})
+      .Put(29, {1, 0, 0, 0})
+      .Put(33, {1, 0, 0, 0, 2, 0, 0, 0, 3, 0, 0, 0, 4, 0, 0, 0})
+      .Put(49, "firefox %s")
+      .Put(177, "aplay %s")
+      .Put(241, {0, 'r', 'a', 'w'});
+}
+
+class OptionFiles : public ::testing::Test {
+ protected:
+  OptionFiles() : path_(install_ / "options/default.user") {}
+  TempInstall install_;
+  std::string path_;
+};
+
+TEST_F(OptionFiles, GoldenBytesLoadAndAreWrittenBack) {
+  WriteBytes(path_, File().bytes());
+  const std::unique_ptr<GromlitUserOptions> options(LoadUserOptions("default.user"));
+  ASSERT_NE(options, nullptr);
+  EXPECT_EQ(options->button, 2);
+  EXPECT_EQ(options->sensitivity, 7);
+  EXPECT_EQ(options->tolerance, 1);
+  EXPECT_EQ(options->splash, 0);
+  EXPECT_EQ(options->showactions, 1);
+  EXPECT_EQ(options->temp1, 1);
+  EXPECT_EQ(options->temp4, 4);
+  EXPECT_STREQ(options->urlcmd, "firefox %s");
+  EXPECT_STREQ(options->sndcmd, "aplay %s");
+  EXPECT_EQ(SaveUserOptions(options.get(), "copy.user"), 1);
+  EXPECT_EQ(ReadBytes(install_ / "options/copy.user"), File().bytes());
+}
+
+TEST_F(OptionFiles, EveryTruncationIsRefusedAndMoreIsIgnored) {
+  const auto whole = File().bytes();
+  ASSERT_EQ(whole.size(), 305u);
+  for (size_t length = 0; length < whole.size(); length++) {
+    WriteBytes(path_, std::span(whole).first(length));
+    EXPECT_EQ(LoadUserOptions("default.user"), nullptr) << length;
+  }
+  auto longer = whole;
+  longer.resize(400, std::byte{'x'});
+  WriteBytes(path_, longer);
+  const std::unique_ptr<GromlitUserOptions> options(LoadUserOptions("default.user"));
+  EXPECT_NE(options, nullptr);
+}
+
+TEST_F(OptionFiles, EveryWrongHeaderByteIsRefused) {
+  for (size_t i = 0; i < 13; i++) {
+    WriteBytes(path_, File().Put(i, {'?'}).bytes());
+    EXPECT_EQ(LoadUserOptions("default.user"), nullptr) << i;
+  }
+}
+
+TEST_F(OptionFiles, DefaultsLeaveReservedFieldsAlone) {
+  GromlitUserOptions options;
+  std::memset(&options, 0x5A, sizeof options);
+  DefaultUserOptions(&options);
+  EXPECT_EQ(options.button, 3);
+  EXPECT_EQ(options.sensitivity, 4);
+  EXPECT_EQ(options.tolerance, 3);
+  EXPECT_EQ(options.splash, 1);
+  EXPECT_EQ(options.showactions, 1);
+  EXPECT_STREQ(options.urlcmd, "netscape %s");
+  EXPECT_STREQ(options.sndcmd, "play %s");
+  EXPECT_EQ(options.temp1, 0x5A5A5A5A);
+  EXPECT_EQ(options.temp4, 0x5A5A5A5A);
+  EXPECT_EQ(options.charspare2[0], 0x5A);
+}
+
+TEST_F(OptionFiles, NoUsableFileGivesTheDefaultsAndIsLeftAsItIs) {
+  EXPECT_EQ(GetUserOptions(), user);
+  EXPECT_EQ(user->button, 3);
+  EXPECT_EQ(user->temp1, 0);
+  EXPECT_EQ(user->charspare2[0], 0);
+  EXPECT_FALSE(Exists(path_)) << "not created by reading";
+  WriteText(path_, "GromlitOption, damaged");
+  GetUserOptions();
+  EXPECT_EQ(user->sensitivity, 4);
+  EXPECT_EQ(ReadText(path_), "GromlitOption, damaged");
+}
+
+TEST_F(OptionFiles, UsableFileIsTaken) {
+  WriteBytes(path_, File().bytes());
+  EXPECT_EQ(GetUserOptions(), user);
+  EXPECT_EQ(user->button, 2);
+}
+
+TEST_F(OptionFiles, DamageIsSilent) {
+  WriteText(path_, "damaged");
+  const auto result = RunInChild([] { return GetUserOptions()->button; });
+  EXPECT_EQ(result.status, 3);
+  EXPECT_EQ(result.out + result.err, "");
+}
+
+int TrySave() {
+  GromlitUserOptions options{};
+  DefaultUserOptions(&options);
+  return SaveUserOptions(&options, "default.user");
+}
+
+TEST_F(OptionFiles, SaveWithoutADirectoryPrintsTheReasonAndMemoryStays) {
+  fs::remove(install_ / "options");
+  const auto result = RunInChild([] {
+    GetUserOptions()->sensitivity = 9;
+    if (SaveUserOptions(user, "default.user") != 0) return 1;
+    return user->sensitivity == 9 && user->button == 3 ? 0 : 2;
+  });
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.err, "Save Options: No such file or directory\n");
+  EXPECT_FALSE(Exists(install_ / "options"));
+}
+
+TEST_F(OptionFiles, SaveOverADirectoryPrintsTheReason) {
+  fs::create_directory(path_);
+  const auto result = RunInChild(TrySave);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.err, "Save Options: Is a directory\n");
+}
+
+TEST_F(OptionFiles, SaveOverAReadOnlyFilePrintsTheReason) {
+  WriteText(path_, "old");
+  ASSERT_EQ(chmod(path_.c_str(), 0444), 0);
+  ASSERT_EQ(chmod(install_.path().c_str(), 0777), 0);
+  ASSERT_EQ(chmod((install_ / "options").c_str(), 0777), 0);
+  const auto result = RunInChild([] { return BecomeOrdinaryUser() ? TrySave() : 2; });
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.err, "Save Options: Permission denied\n");
+  EXPECT_EQ(ReadText(path_), "old");
+}
+
+TEST_F(OptionFiles, SaveBeyondTheFileSizeLimitPrintsTheReason) {
+  WriteText(path_, "old");
+  const auto result = RunInChild([] { return LimitFileSize(300) ? TrySave() : 2; });
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.err, "Save Options: File too large\n");
+  EXPECT_EQ(ReadText(path_), "old");
+}
+
+}  // namespace
+}  // namespace gromlit
