@@ -103,6 +103,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   std::vector<std::string> words;
+  words.reserve(static_cast<size_t>(argc));
   for (int i = 0; i < argc; i++) words.push_back(Quoted(argv[i]));
   std::string line = "{\"argv\":" + List(words);
   if (std::getenv("RECORDER_STATE") != nullptr) {

@@ -12,7 +12,9 @@
 
 namespace gromlit::testing {
 
-Recording::Recording(bool state) : file_(directory_ / "record"), formerpath_(std::getenv("PATH")) {
+Recording::Recording(bool state) : file_(directory_ / "record") {
+  const char* const path = std::getenv("PATH");
+  if (path != nullptr) formerpath_ = path;
   // The recorder is built next to the test programs.
   const std::string here = std::filesystem::read_symlink("/proc/self/exe").parent_path();
   setenv("PATH", (here + ":" + formerpath_).c_str(), 1);
