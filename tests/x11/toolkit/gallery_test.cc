@@ -1,0 +1,209 @@
+// The whole toolkit in one window: every widget answers the mouse, and no storm of input breaks it.
+
+// First: the test library's headers cannot bear Xlib's macros.
+#include "tests/x11/toolkit/widget_fixture.h"
+
+#include <X11/keysym.h>
+
+#include <atomic>
+#include <random>
+#include <set>
+#include <thread>
+
+#include "toolkit/button.h"
+#include "toolkit/dialog.h"
+#include "toolkit/gallery/gallery.h"
+#include "toolkit/menu.h"
+#include "toolkit/menu_bar.h"
+#include "toolkit/text_editor.h"
+
+namespace gromlit {
+namespace {
+
+class GalleryTest : public testing::XFixture {
+ protected:
+  void SetUp() override {
+    XFixture::SetUp();
+    if (HasFatalFailure()) return;
+    user = nullptr;  // no splash: it would hold everything up for two seconds
+    gallery = MakeGallery();
+    XMapWindow(dpy, gallery->window);
+    Pump();
+    PoseGallery(gallery);
+    Pump();
+  }
+
+  bool Viewable(Window window) {
+    XWindowAttributes is;
+    return XGetWindowAttributes(dpy, window, &is) && is.map_state == IsViewable;
+  }
+
+  std::string ClickAt(int x, int y, int button = 1) {
+    player->MoveTo(x, y);
+    player->Press(button);
+    Pump();
+    player->Release(button);
+    Pump();
+    return gallery->status;
+  }
+
+  Gallery* gallery = nullptr;
+};
+
+TEST_F(GalleryTest, PosesWhatOnlyAHandBringsAbout) {
+  EXPECT_TRUE(Viewable(gallery->menu->window));
+  EXPECT_TRUE(Viewable(gallery->submenu->window));
+  EXPECT_EQ(gallery->menu->selected, 3);
+  EXPECT_EQ(gallery->menu->submenu, gallery->submenu);
+  EXPECT_EQ(gallery->submenu->selected, 1);
+  EXPECT_EQ(gallery->bar->selected, 1);
+  EXPECT_EQ(gallery->focused->caret, kSolidCaret);
+  EXPECT_TRUE(Viewable(gallery->question->window));
+  EXPECT_TRUE(Viewable(gallery->message->window));
+  EXPECT_FALSE(Viewable(gallery->popup->window));
+}
+
+TEST_F(GalleryTest, TheWidgetsAnswerTheMouse) {
+  EXPECT_EQ(ClickAt(40, 74), "Button: Active");
+  EXPECT_EQ(ClickAt(110, 74), "Button: Active");  // the inactive one says nothing
+  EXPECT_EQ(ClickAt(20, 152), "Check box: unchecked");
+  EXPECT_EQ(ClickAt(36, 224), "Tile: L");
+  EXPECT_EQ(ClickAt(156, 224), "Tile: L");  // a passive one says nothing
+  EXPECT_EQ(ClickAt(340, 294), "Tab: Hot key");
+  // Button 1 would keep the scrollbar's handler busy until its release.
+  EXPECT_EQ(ClickAt(323, 564, 3), "Scrollbar: offset 3") << "one step of the down arrow";
+}
+
+TEST_F(GalleryTest, AMenuOfTheBarIsChosenFromWithTheButtonHeld) {
+  player->MoveTo(20, 14);
+  player->Press(1);
+  Pump();
+  player->MoveTo(30, 38);
+  Pump();
+  player->Release(1);
+  Pump();
+  EXPECT_STREQ(gallery->status, "Menu: New");
+}
+
+TEST_F(GalleryTest, ADialogPopsUpAndIsAnswered) {
+  ClickAt(176, 104);
+  ASSERT_TRUE(Viewable(gallery->popup->window));
+  int x = 0;
+  int y = 0;
+  Window child;
+  XTranslateCoordinates(dpy, gallery->popup->yes->window, root, 10, 10, &x, &y, &child);
+  EXPECT_EQ(ClickAt(x, y), "Dialog: yes");
+  EXPECT_FALSE(Viewable(gallery->popup->window));
+}
+
+TEST_F(GalleryTest, TheWindowManagersCloseClosesIt) {
+  XEvent event{};
+  event.xclient.type = ClientMessage;
+  event.xclient.window = gallery->window;
+  event.xclient.message_type = wm_protocols;
+  event.xclient.format = 32;
+  event.xclient.data.l[0] = static_cast<long>(wm_delete);
+  XSendEvent(player->display(), gallery->window, False, NoEventMask, &event);
+  XSync(player->display(), False);
+  EXPECT_TRUE(PumpUntil([this] { return gallery->closed != 0; }));
+}
+
+// The user's hand on a connection and thread of its own: some widgets do not return before the
+// button is up.
+void Storm(testing::Player* hand, unsigned seed, int nevents, std::atomic<int>* sent) {
+  constexpr KeySym kKeys[] = {XK_a,      XK_Z,    XK_1,     XK_space, XK_Return, XK_BackSpace,
+                              XK_Delete, XK_Left, XK_Right, XK_End,   XK_Home,   XK_Tab,
+                              XK_Up,     XK_Down, XK_k,     XK_d,     XK_Escape, XK_F1};
+  constexpr KeySym kModifiers[] = {XK_Shift_L, XK_Control_L, XK_Alt_L};
+  std::mt19937 random(seed);
+  const auto below = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
+  std::set<int> buttons;
+  std::set<KeySym> modifiers;
+  int x = 100;
+  int y = 100;
+  for (int i = 0; i < nevents; i++, ++*sent) {
+    switch (below(10)) {
+      case 0:
+      case 1:  // anywhere, mostly in the gallery
+        x = below(kGalleryWidth + 40);
+        y = below(kGalleryHeight + 40);
+        hand->MoveTo(x, y);
+        break;
+      case 2:
+      case 3:
+      case 4:  // nearby, as in a drag
+        x += below(41) - 20;
+        y += below(41) - 20;
+        hand->MoveTo(x, y);
+        break;
+      case 5:
+      case 6:
+      case 7: {
+        const int button = below(3) == 0 ? 1 + below(5) : 1;
+        if (buttons.insert(button).second) {
+          hand->Press(button);
+        } else {
+          buttons.erase(button);
+          hand->Release(button);
+        }
+        break;
+      }
+      case 8: {
+        const KeySym key = kKeys[below(static_cast<int>(std::size(kKeys)))];
+        hand->Type(key);
+        break;
+      }
+      default: {
+        const KeySym key = kModifiers[below(static_cast<int>(std::size(kModifiers)))];
+        if (modifiers.insert(key).second) {
+          hand->KeyDown(key);
+        } else {
+          modifiers.erase(key);
+          hand->KeyUp(key);
+        }
+      }
+    }
+  }
+  for (const int button : buttons) hand->Release(button);
+  for (const KeySym key : modifiers) hand->KeyUp(key);
+}
+
+TEST_F(GalleryTest, AStormOfInputLeavesNoErrorAndNoGrab) {
+  constexpr int kEvents = 20000;
+  testing::Player hand(server->name());
+  std::atomic<int> sent = 0;
+  std::atomic<bool> done = false;
+  std::thread storm([&] {
+    Storm(&hand, 20261120, kEvents, &sent);
+    done = true;
+  });
+  // Dialogs that were answered come back, so that the storm goes on with everything.
+  int before = 0;
+  while (!done) {
+    Pump();
+    if (sent - before > 500) {
+      before = sent;
+      PopUpDialog(gallery->question, "Again", 740, 340);
+      PopUpDialog(gallery->message, "Again", 740, 500);
+    }
+  }
+  storm.join();
+  Pump();
+  EXPECT_EQ(sent, kEvents);
+  EXPECT_EQ(errors, 0);
+  player->MoveTo(5, kGalleryHeight - 5);
+  Pump();
+  EXPECT_EQ(player->Where().state & (Button1Mask | Button2Mask | Button3Mask), 0U);
+  EXPECT_TRUE(player->CanGrabPointer()) << "a grab is stuck";
+  Window focus = 0;
+  int revert;
+  XGetInputFocus(dpy, &focus, &revert);
+  EXPECT_NE(focus, 0U) << "nobody has the keyboard";
+  // It still works.
+  XUnmapWindow(dpy, gallery->popup->window);
+  Pump();
+  EXPECT_EQ(ClickAt(40, 74), "Button: Active");
+}
+
+}  // namespace
+}  // namespace gromlit
