@@ -124,8 +124,9 @@ TEST_F(SymbolFiles, SixtyFourthPointRoundTrips) {
 
 TEST_F(SymbolFiles, EveryTruncationIsRefusedAndMoreIsIgnored) {
   const auto whole = File("Hook").bytes();
-  for (size_t length = 0; length < whole.size(); length++) {
-    WriteBytes(PathOf("cut.sls"), std::span(whole).first(length));
+  WriteBytes(PathOf("cut.sls"), whole);
+  for (size_t length = whole.size(); length-- > 0;) {
+    fs::resize_file(PathOf("cut.sls"), length);
     EXPECT_EQ(LoadSymbol("cut", ".sls"), nullptr) << length;
   }
   auto longer = whole;
