@@ -177,13 +177,13 @@ class RandomPairs {
 
   size_t Below(size_t n) { return static_cast<size_t>(random_() % n); }
 
-  // Lengths: of 100 pairs 88 have 0 to 12 letters, 9 have 13 to 40, and 3 have 41 to 300. The
+  // Lengths: of 100 pairs 91 have 0 to 12 letters, 7 have 13 to 40, and 2 have 41 to 300. The
   // exhaustive search needs 1024 variants for nearly all of the longer ones, which is what the test
   // spends its time on.
   size_t Length() {
     const size_t kind = Below(100);
-    if (kind < 88) return Below(13);
-    return kind < 97 ? 13 + Below(28) : 41 + Below(260);
+    if (kind < 91) return Below(13);
+    return kind < 98 ? 13 + Below(28) : 41 + Below(260);
   }
 
   // Letters: of all five alike, only a and c (everything transposable), or runs of a and b or of c
@@ -257,7 +257,7 @@ class RandomPairs {
 TEST(SignatureMatch, AgreesWithTheExhaustiveSearchOnAMillionRandomPairs) {
   const uint64_t seed = TestSeed();
   RandomPairs random(seed);
-  const int pairs = kSanitized ? 60000 : 1200000;
+  const int pairs = kSanitized ? 60000 : 1000000;
   int made = 0;
   int moved = 0;  // of these, other texts than the drawn one
   int matches = 0;
@@ -265,12 +265,19 @@ TEST(SignatureMatch, AgreesWithTheExhaustiveSearchOnAMillionRandomPairs) {
   int nearMisses = 0;  // same letters, different order
   int longest = 0;
   for (int i = 0; i < pairs; ++i) {
-    const size_t length = random.Length();
-    const std::string drawn = random.Drawn(length);
+    std::string drawn = random.Drawn(random.Length());
+    std::string sym;
     const bool permuted = i % 3 == 0;
-    const std::string sym = permuted      ? random.Permuted(drawn)
-                            : i % 24 == 1 ? random.Drawn(length)
-                                          : random.Damaged(drawn);
+    if (permuted) {
+      // Short ones often have nothing to transpose: then another one.
+      sym = random.Permuted(drawn);
+      for (int attempt = 0; attempt < 8 && sym == drawn; ++attempt) {
+        drawn = random.Drawn(random.Length());
+        sym = random.Permuted(drawn);
+      }
+    } else {
+      sym = i % 24 == 1 ? random.Drawn(drawn.size()) : random.Damaged(drawn);
+    }
     const bool expected = literal::SignatureMatch(sym, drawn);
     ASSERT_EQ(SignatureMatch(sym.c_str(), drawn.c_str()), expected ? 1 : 0)
         << "pair " << i << " of seed " << seed << "\nsymbol " << sym << "\ndrawn  " << drawn;
@@ -283,13 +290,13 @@ TEST(SignatureMatch, AgreesWithTheExhaustiveSearchOnAMillionRandomPairs) {
     if (!expected && std::is_permutation(sym.begin(), sym.end(), drawn.begin(), drawn.end())) {
       ++nearMisses;
     }
-    longest = std::max(longest, static_cast<int>(length));
+    longest = std::max(longest, static_cast<int>(drawn.size()));
   }
   std::printf("%d pairs: %d matches (%d made by permuting, %d of them moved a letter), ", pairs,
               matches, made, moved);
   std::printf("%d misses (%d of the same letters)\n", misses, nearMisses);
   EXPECT_GE(made, pairs / 3);
-  EXPECT_GT(moved, made / 2);
+  EXPECT_GT(moved, made - made / 100);
   EXPECT_GT(matches, made + pairs / 100);
   EXPECT_GT(misses, pairs / 4);
   EXPECT_GT(nearMisses, pairs / 20);
@@ -449,7 +456,7 @@ TEST(FindAction, FindsEveryStrokeAmongTheStrokesOfItsOwnSignature) {
   const std::vector<RecordedStroke> strokes = ReadRecordedStrokes(&missing);
   if (strokes.empty()) GTEST_SKIP() << missing;
   // Strokes themselves as templates, 128 at a time: each finds itself or an earlier action.
-  for (size_t base = 0; base < strokes.size(); base += kMaxActions * (kSanitized ? 6 : 1)) {
+  for (size_t base = 0; base < strokes.size(); base += size_t{kMaxActions} * (kSanitized ? 6 : 1)) {
     std::vector<std::string> signatures;
     for (size_t i = base; i < std::min(base + kMaxActions, strokes.size()); ++i) {
       signatures.push_back(LiveSignature(strokes[i]));
