@@ -67,6 +67,7 @@ void DrawStatus(Gallery* gallery) {
 }
 
 void Report(const char* what, const char* detail) {
+  shown->ncalls++;
   std::snprintf(shown->status, sizeof shown->status, "%s: %s", what, detail);
   DrawStatus(shown);
 }

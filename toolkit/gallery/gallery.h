@@ -21,6 +21,7 @@ struct Gallery {
   Window window;
   GC gc;
   char status[128];       // what called back last, NUL-terminated
+  int ncalls;             // callbacks so far
   int closed;             // non-zero once the window manager has asked to close
   GromlitSymbol syms[4];  // shown by the tiles
   XMenu* menu;            // shown open, with a highlight and a submenu

@@ -115,6 +115,12 @@ void Storm(testing::Player* hand, unsigned seed, int nevents, std::atomic<int>* 
                               XK_Delete, XK_Left, XK_Right, XK_End,   XK_Home,   XK_Tab,
                               XK_Up,     XK_Down, XK_k,     XK_d,     XK_Escape, XK_F1};
   constexpr KeySym kModifiers[] = {XK_Shift_L, XK_Control_L, XK_Alt_L};
+  constexpr int kSpots[][2] = {{48, 74},   {120, 74},  {192, 74},  {84, 104},  {176, 104},
+                               {22, 153},  {122, 153}, {36, 224},  {84, 224},  {150, 306},
+                               {150, 338}, {340, 76},  {360, 205}, {450, 163}, {340, 294},
+                               {440, 294}, {323, 437}, {323, 520}, {389, 500}, {447, 553},
+                               {740, 78},  {740, 140}, {875, 150}, {774, 404}, {846, 404},
+                               {852, 551}, {28, 14},   {86, 14},   {138, 14},  {80, 650}};
   std::mt19937 random(seed);
   const auto below = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
   std::set<int> buttons;
@@ -123,7 +129,14 @@ void Storm(testing::Player* hand, unsigned seed, int nevents, std::atomic<int>* 
   int y = 100;
   for (int i = 0; i < nevents; i++, ++*sent) {
     switch (below(10)) {
-      case 0:
+      case 0: {  // a click on a widget
+        const auto& spot = kSpots[below(static_cast<int>(std::size(kSpots)))];
+        x = spot[0] + below(9) - 4;
+        y = spot[1] + below(9) - 4;
+        hand->MoveTo(x, y);
+        if (!buttons.contains(1)) hand->Click(1);
+        break;
+      }
       case 1:  // anywhere, mostly in the gallery
         x = below(kGalleryWidth + 40);
         y = below(kGalleryHeight + 40);
@@ -190,6 +203,7 @@ TEST_F(GalleryTest, AStormOfInputLeavesNoErrorAndNoGrab) {
   storm.join();
   Pump();
   EXPECT_EQ(sent, kEvents);
+  EXPECT_GT(gallery->ncalls, kEvents / 40) << "the storm has not reached the widgets";
   EXPECT_EQ(errors, 0);
   player->MoveTo(5, kGalleryHeight - 5);
   Pump();
