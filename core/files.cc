@@ -87,8 +87,10 @@ std::string FollowLinks(std::string path) {
     char target[PATH_MAX];
     const ssize_t n = readlink(path.c_str(), target, sizeof target);
     if (n <= 0) break;
-    const std::string next(target, static_cast<size_t>(n));
-    path = next[0] == '/' ? next : ParentOf(path) + "/" + next;
+    // A relative target starts from the directory of its link.
+    std::string next = target[0] == '/' ? "" : ParentOf(path) + "/";
+    next.append(target, static_cast<size_t>(n));
+    path = next;
   }
   return path;
 }

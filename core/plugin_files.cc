@@ -104,7 +104,7 @@ std::string StoredName(const GromlitPlugin& pin, const char* fname) {
   std::string unowned;
   for (int n = 1; n <= kNameVariations; n++) {
     const std::string number = n == 1 ? "" : "_" + std::to_string(n);
-    const std::string name = base + number + GromlitPluginFileExt;
+    std::string name = base + number + GromlitPluginFileExt;
     const Owner owner = OwnerOf(name, classname);
     if (owner == Owner::kThisClass) return name;
     if (owner == Owner::kNone && unowned.empty()) unowned = name;

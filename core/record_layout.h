@@ -12,6 +12,8 @@
 //   options    "GromlitOption"     one options image; what follows it is ignored
 #pragma once
 
+#include <cstddef>
+
 #include "core/bytes.h"
 #include "core/gromlit.h"
 #include "core/record_codec.h"
@@ -23,13 +25,13 @@ inline constexpr Field kName{0, kNameSize};
 inline constexpr Field kNpoints{32, 1};
 inline constexpr Field kGap{33, 1};
 // x and y are arrays of 64 u16 each, indexed by the point's number, which starts at 1.
-inline constexpr Field kX{34, 2 * kMaxPoints};
-inline constexpr Field kY{kX.end(), 2 * kMaxPoints};
+inline constexpr Field kX{34, size_t{2} * kMaxPoints};
+inline constexpr Field kY{kX.end(), size_t{2} * kMaxPoints};
 // The arrays have no element 64. Point 64 lies behind each of them: its x on the unused y[0], its y
 // on the gap, and there only while the symbol has 64 points.
 inline constexpr Field kX64{kX.end(), 2};
 inline constexpr Field kY64{kY.end(), 2};
-inline constexpr Field kIcon{292, 4 * kIconSize};
+inline constexpr Field kIcon{292, size_t{4} * kIconSize};
 inline constexpr Field kSpare{420, 4};
 inline constexpr Field kSignatureSlot{424, 4};
 
@@ -46,8 +48,8 @@ static_assert(kSignatureSlot.end() == kSymbolImageSize);
 namespace cmd_layout {
 inline constexpr Field kType{0, 1};
 inline constexpr Field kNkeys{1, 1};
-inline constexpr Field kKeycode{2, 2 * kMaxKeys};
-inline constexpr Field kKeystate{18, 2 * kMaxKeys};
+inline constexpr Field kKeycode{2, size_t{2} * kMaxKeys};
+inline constexpr Field kKeystate{18, size_t{2} * kMaxKeys};
 inline constexpr Field kButtons{34, 6};
 inline constexpr Field kFlag{40, 1};
 inline constexpr Field kChecked{41, 1};
@@ -69,7 +71,7 @@ inline constexpr Field kSym{0, kSymbolImageSize};
 inline constexpr Field kName{428, kTextSize};
 inline constexpr Field kSpare{492, 4};
 inline constexpr Field kNcmds{496, 4};
-inline constexpr Field kCmdSlots{500, 4 * kMaxCommands};
+inline constexpr Field kCmdSlots{500, size_t{4} * kMaxCommands};
 
 static_assert(kSym.end() == kName.offset && kName.end() == kSpare.offset);
 static_assert(kSpare.end() == kNcmds.offset && kNcmds.end() == kCmdSlots.offset);
@@ -93,7 +95,7 @@ inline constexpr Field kChars7{522, kTextSize};
 inline constexpr Field kChars8{586, kTextSize};
 inline constexpr Field kNactions{650, 1};
 inline constexpr Field kGap{651, 1};
-inline constexpr Field kActionSlots{652, 4 * kMaxActions};
+inline constexpr Field kActionSlots{652, size_t{4} * kMaxActions};
 
 static_assert(kAppname.end() == kClassname.offset && kClassname.end() == kSpare3.offset);
 static_assert(kSpare3.end() == kSpare4.offset && kSpare4.end() == kSpare1.offset);

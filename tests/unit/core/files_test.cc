@@ -330,7 +330,7 @@ TEST_F(Files, WriteInPlaceThatFailsKeepsTheOldContents) {
   ASSERT_EQ(chmod((install_ / "symbols/a").c_str(), 0666), 0);
   MakeInstallationReadOnly();
   // The limit falls behind the old end, into the old contents, and on a file that does not exist.
-  for (const rlim_t limit : {60, 50, 20, 0}) {
+  for (const rlim_t limit : {60u, 50u, 20u, 0u}) {
     const auto result = RunInChild([&] {
       if (!BecomeOrdinaryUser() || !LimitFileSize(limit)) return 2;
       size_t wrote = 0;
