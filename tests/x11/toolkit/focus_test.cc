@@ -200,6 +200,26 @@ TEST_F(FocusTest, FieldEnteredBecauseAnotherWasHiddenRemembersTheSameWindow) {
   EXPECT_EQ(FocusInTheEnd(), other);
 }
 
+TEST_F(FocusTest, TakenForAnotherFieldBeforeTheLossIsKnownRemembersTheSameWindow) {
+  TextEditor* second = MakeField(20, 100);
+  Enter();
+  XUnmapWindow(dpy, txt->window);
+  TakeFocus(second->window);  // the keyboard is with nobody, and that event is still to come
+  ASSERT_EQ(FocusInTheEnd(), second->window);
+  XUnmapWindow(dpy, top);
+  EXPECT_EQ(FocusInTheEnd(), other);
+}
+
+TEST_F(FocusTest, FocusThatCameBackBeforeItsLossIsKnownIsStillTheFields) {
+  Enter();
+  XSetInputFocus(player->display(), other, RevertToParent, CurrentTime);
+  XSetInputFocus(player->display(), txt->window, RevertToNone, CurrentTime);
+  XSync(player->display(), False);
+  EXPECT_EQ(FocusInTheEnd(), txt->window);
+  XUnmapWindow(dpy, top);
+  EXPECT_EQ(FocusInTheEnd(), other);
+}
+
 TEST_F(FocusTest, EnteringAWindowThatIsHiddenMeanwhileIsNoError) {
   MoveTo(40, 40);
   XSync(dpy, False);  // the enter event waits in the queue
@@ -293,6 +313,22 @@ TEST_F(FocusTest, LosingTheFocusOfNoFieldCostsNothing) {
   event.window = txt->window;
   event.detail = NotifyNonlinear;
   EXPECT_EQ(CostOf([&] { FocusLost(event); }), (Cost{0, 0}));
+}
+
+TEST_F(FocusTest, GrabsAndForgedEventsCostNothing) {
+  Enter();
+  XFocusChangeEvent event{};
+  event.type = FocusOut;
+  event.window = txt->window;
+  event.detail = NotifyNonlinear;
+  event.mode = NotifyGrab;
+  EXPECT_EQ(CostOf([&] { FocusLost(event); }), (Cost{0, 0}));
+  event.mode = NotifyNormal;
+  event.send_event = True;
+  EXPECT_EQ(CostOf([&] { FocusLost(event); }), (Cost{0, 0}));
+  // The real one looks who has the focus, with the server grabbed.
+  event.send_event = False;
+  EXPECT_EQ(CostOf([&] { FocusLost(event); }), (Cost{3, 1}));
 }
 
 }  // namespace

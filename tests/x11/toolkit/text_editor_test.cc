@@ -430,7 +430,7 @@ TEST_F(TextEditorTest, SynthesizedKeyCodesOutOfRangeAreIgnored) {
   XEvent wild{};
   wild.xkey.type = KeyPress;
   wild.xkey.display = dpy;
-  for (unsigned keycode : {256u, 100000u, ~0u}) {
+  for (unsigned keycode : {256u + XKeysymToKeycode(dpy, XK_a), 100000u, ~0u}) {
     wild.xkey.keycode = keycode;
     TextEditorKeyPress(txt, &wild);
   }
