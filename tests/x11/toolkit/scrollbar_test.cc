@@ -365,6 +365,32 @@ TEST_F(ScrollbarTest, DraggingBackFromAboveStartsAtTheUpperLimit) {
   EXPECT_EQ(calls.offsets, (std::vector<int>{0, 24}));
 }
 
+TEST_F(ScrollbarTest, MovingAboveTheUpperLimitKeepsItAtTheTop) {
+  PutThumb(30);
+  MoveTo(kX + 7, kY + 50);  // the upper limit is 20
+  player->Press(1);
+  MoveTo(kX + 7, kY - 35);
+  calls.act = [this](size_t n) {
+    if (n == 1) MoveTo(kX + 7, kY + 10);
+    if (n == 2) player->Release(1);
+  };
+  Pump();
+  EXPECT_EQ(calls.offsets, (std::vector<int>{0, 0}));
+}
+
+TEST_F(ScrollbarTest, MovingBelowTheLowerLimitKeepsItAtTheBottom) {
+  PutThumb(30);
+  MoveTo(kX + 7, kY + 50);  // the lower limit is 108
+  player->Press(1);
+  MoveTo(kX + 7, kY + 250);
+  calls.act = [this](size_t n) {
+    if (n == 1) MoveTo(kX + 7, kY + 200);
+    if (n == 2) player->Release(1);
+  };
+  Pump();
+  EXPECT_EQ(calls.offsets, (std::vector<int>{300, 300}));
+}
+
 TEST_F(ScrollbarTest, NothingElseRunsWhileTheButtonIsHeld) {
   const Window window = XCreateSimpleWindow(dpy, top, 200, 200, 20, 20, 0, 0, 0);
   XSelectInput(dpy, window, KeyPressMask);
@@ -447,6 +473,37 @@ TEST_F(ScrollbarTest, WaitsAtLeastAsLongAsAsked) {
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(20));
   ScrollWait(0);
   ScrollWait(INT_MIN);
+}
+
+// A query before each of the 25 waits, one before each step of the repeat.
+TEST_F(ScrollbarTest, EachWaitAndEachRepeatAsksOnce) {
+  XEvent event{};
+  event.xbutton.y = kHeight - 5;
+  MoveTo(kX + 7, kY + kHeight - 5);
+  for (const auto& [releaseafter, roundtrips] : {std::pair{1, 1}, {2, 27}, {6, 31}}) {
+    PutThumb(0);
+    ReleaseAfter(static_cast<size_t>(releaseafter));
+    player->Press(1);
+    const Cost cost = CostOf([&] { ScrollButtonPress(sb, &event); });
+    EXPECT_EQ(cost.roundtrips, static_cast<unsigned long>(roundtrips));
+    EXPECT_EQ(sb->pos, releaseafter);
+  }
+}
+
+TEST_F(ScrollbarTest, DraggingAsksOnceForEachStep) {
+  PutThumb(10);
+  MoveTo(kX + 7, kY + 30);
+  player->Press(1);
+  MoveTo(kX + 7, kY + 37);
+  calls.act = [this](size_t n) {
+    if (n < 5) MoveTo(kX + 7, kY + 37 + static_cast<int>(n));
+    if (n == 5) player->Release(1);
+  };
+  XEvent event{};
+  event.xbutton.y = 30;
+  // Five updates, and the query that finds the button up.
+  EXPECT_EQ(CostOf([&] { ScrollButtonPress(sb, &event); }), (Cost{5 * 9 + 1, 6}));
+  EXPECT_EQ(sb->pos, 21);
 }
 
 TEST_F(ScrollbarTest, DrawingCostsNoRoundTripAndAStepCostsOne) {
