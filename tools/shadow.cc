@@ -48,7 +48,6 @@ constexpr unsigned kAnyBand = kFirst | kMiddle | kLast;
 struct Pen {
   unsigned rows = kAnyBand;     // divided by a and b
   unsigned columns = kAnyBand;  // divided by c and d
-  auto operator<=>(const Pen&) const = default;
 };
 
 // Takes one more letter a..d; false when no pen can write it here.
@@ -103,7 +102,8 @@ struct State {
   unsigned earlier = kNoHold;
   unsigned later = kNoHold;
   Pen pen;
-  auto operator<=>(const State&) const = default;
+  auto Key() const { return std::tie(i, last, swaps, earlier, later, pen.rows, pen.columns); }
+  bool operator<(const State& other) const { return Key() < other.Key(); }
 };
 
 // Adds a letter; false when the result can no longer become a drawable match of `later`.
