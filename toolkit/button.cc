@@ -5,6 +5,7 @@
 #include "display/display.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
+#include "toolkit/menu.h"
 
 namespace gromlit {
 namespace {
@@ -61,6 +62,8 @@ void DrawButton(XButton* button, XEvent*) {
 
 void ButtonDown(XButton* button, XEvent*) {
   if (button->state != kButtonActive) return;
+  // Taken away from a menu, the pointer would leave it open on the screen.
+  if (MenuHoldsPointer()) return;
   if (XGrabPointer(dpy, button->window, False, ButtonReleaseMask | ButtonMotionMask, GrabModeAsync,
                    GrabModeAsync, None, None, CurrentTime) != GrabSuccess) {
     // Without the grab the release might never come back here.

@@ -179,6 +179,10 @@ bool PopUpMenuGrabbed(int x, int y, XMenu* menu) {
   return true;
 }
 
+bool MenuHoldsPointer() {
+  return grabbed != nullptr;
+}
+
 void PullUpMenu(XMenu* menu) {
   menu->selected = -1;
   CloseMenu(menu);

@@ -118,6 +118,10 @@ void PullDownMenu(int x, int y, XMenu* menu);
 // would reach somebody else and the menu would stay.
 bool PopUpMenuGrabbed(int x, int y, XMenu* menu);
 
+// Whether an open menu has the pointer. The release that ends a press which is read only now will
+// go to that menu, so that nothing may begin with it.
+bool MenuHoldsPointer();
+
 // Closes a menu alone; its submenus stay as they are.
 void PullUpMenu(XMenu* menu);
 

@@ -43,6 +43,15 @@ XMenu* MenuBelow(const XMenuBar* bar, int y) {
   return bar->selected >= 0 && y > bar->height ? bar->items[bar->selected]->menu : nullptr;
 }
 
+// Whether buttons besides the one released are down.
+bool OthersDown(const XButtonEvent& release) {
+  constexpr unsigned kButtons = Button1Mask | Button2Mask | Button3Mask | Button4Mask | Button5Mask;
+  const unsigned own = release.button >= Button1 && release.button <= Button5
+                           ? Button1Mask << (release.button - 1)
+                           : 0U;
+  return (release.state & kButtons & ~own) != 0;
+}
+
 }  // namespace
 
 XPulldown** MakePulldownArray(int n) {
@@ -109,10 +118,14 @@ void DrawMenuBar(XMenuBar* bar, XEvent*) {
 }
 
 void MenuBarButtonPress(XMenuBar* bar, XEvent* event) {
+  // The bar would stay open: it would not see the release.
+  if (MenuHoldsPointer()) return;
+  bar->held = 1;
   MenuBarTrackMouse(bar, event);
 }
 
 void MenuBarMotionNotify(XMenuBar* bar, XEvent* event) {
+  if (bar->held == 0) return;
   XMotionEvent& e = event->xmotion;
   if (XMenu* menu = MenuBelow(bar, e.y); menu != nullptr) {
     // The menu begins 8 pixels further left and 2 higher than this says; submenus are found by
@@ -131,6 +144,7 @@ void MenuBarButtonRelease(XMenuBar* bar, XEvent* event) {
     e.y -= bar->height;
     MenuButtonRelease(menu, event);
   }
+  if (!OthersDown(e)) bar->held = 0;
   e.x = -1;  // on no title: closes the one that is open
   MenuBarTrackMouse(bar, event);
 }

@@ -2,6 +2,8 @@
 //
 //   state    event                                next     function
 //   shut     press or motion on a title           open     MenuBarTrackMouse
+//   shut     press, another menu has the pointer  shut     MenuBarButtonPress
+//   shut     motion, the press was elsewhere      shut     MenuBarMotionNotify
 //   shut     motion elsewhere                     shut     MenuBarTrackMouse
 //   open     pointer on the same title            open     MenuBarTrackMouse, nothing to do
 //   open     pointer on another title             open     MenuBarTrackMouse, the menus change
@@ -11,7 +13,8 @@
 //   open     release in the bar                   shut     MenuBarButtonRelease, nothing is run
 //
 // The press itself makes the server send all motion and the release to the bar (an implicit grab),
-// and the server ends that when the last button goes up: there is no grab to give back.
+// and the server ends that when the last button goes up: there is no grab to give back. Motion that
+// a press elsewhere brings along is dropped: its release may never come here.
 #pragma once
 
 #include <X11/Xlib.h>
@@ -43,6 +46,7 @@ struct XMenuBar {
   int itemwidth[kMaxTitles];     // pixels of a title's text
   int itemx[kMaxTitles];         // x of a title's text
   XPulldown* items[kMaxTitles];  // owned by the bar
+  int held;                      // non-zero from a press here until all buttons are up
 };
 
 // An array of n null pointers, to be filled and handed to MakeMenuBar; released with delete[].

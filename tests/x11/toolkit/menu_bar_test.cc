@@ -242,6 +242,22 @@ TEST_F(MenuBarTest, MotionWithoutAButtonOpensNothing) {
   EXPECT_FALSE(Mapped(edit));
 }
 
+// The press outside belongs to nobody, so that the motion reaches the bar, but the release may not.
+TEST_F(MenuBarTest, ButtonPressedElsewhereOpensNothing) {
+  player->MoveTo(5, 5);
+  player->Press(1);
+  Pump();
+  MoveToTitle(0);
+  MoveToTitle(1);
+  EXPECT_EQ(bar->selected, -1);
+  EXPECT_FALSE(Mapped(edit));
+  ReleaseButton();
+  EXPECT_EQ(bar->selected, -1);
+  PressTitle(1);
+  EXPECT_TRUE(Mapped(edit));
+  ReleaseButton();
+}
+
 TEST_F(MenuBarTest, TitlesReachEightPixelsBeyondTheirText) {
   const int second = bar->itemx[1] - 8;
   const int end = bar->itemx[2] + bar->itemwidth[2] + 8;
@@ -265,9 +281,11 @@ TEST_F(MenuBarTest, OnlyXIsTestedAboveTheBarAndNothingAtItsFoot) {
   PressTitle(0);
   MoveInBar(bar->itemx[1], -20);
   EXPECT_EQ(bar->selected, 1);
+  MoveInBar(bar->itemx[1], bar->height + 10);
+  ASSERT_EQ(edit->selected, 0);
   MoveInBar(bar->itemx[0], bar->height);
   EXPECT_EQ(bar->selected, 1);
-  EXPECT_EQ(edit->selected, -1);
+  EXPECT_EQ(edit->selected, 0);
   MoveInBar(bar->itemx[0], bar->height - 1);
   EXPECT_EQ(bar->selected, 0);
   ReleaseButton();
@@ -379,6 +397,21 @@ TEST_F(MenuBarTest, ButtonThatIsStillDownMayOpenAndShutsAgain) {
   ReleaseButton(1);
   EXPECT_FALSE(Mapped(edit));
   EXPECT_EQ(bar->selected, -1);
+}
+
+// A press that waited in the queue while another menu opened: the release goes to that menu.
+TEST_F(MenuBarTest, PressWhileAnotherMenuHasThePointerOpensNothing) {
+  XMenu* other = Menu({Item("Other")});
+  MoveToTitle(0);
+  player->Press(1);
+  MoveTo(kBarX + bar->itemx[1], kBarY + 5);
+  ASSERT_TRUE(PopUpMenuGrabbed(900, 500, other));
+  Pump();
+  EXPECT_EQ(bar->selected, -1);
+  EXPECT_FALSE(Mapped(file));
+  EXPECT_FALSE(Mapped(edit));
+  ReleaseButton();
+  EXPECT_FALSE(Mapped(other));
 }
 
 TEST_F(MenuBarTest, ActionMayRebuildTheOpenTitlesMenu) {

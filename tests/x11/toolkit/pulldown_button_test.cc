@@ -164,6 +164,21 @@ TEST_F(PulldownButtonTest, ClickBesideTheMenuThatWasLeftOpenClosesIt) {
   EXPECT_EQ(calls, Names());
 }
 
+// Both presses were read late: the release of the second goes to the menu of the first.
+TEST_F(PulldownButtonTest, PlainButtonLeavesThePointerToTheMenu) {
+  XButton* plain = MakeButton(nullptr, top, "Plain", nullptr, kX + 300, kY);
+  Pump();
+  MoveTo(kX + 5, kY + 5);
+  player->Click(1);
+  MoveTo(kX + 305, kY + 5);
+  player->Press(1);
+  Pump();
+  EXPECT_EQ(plain->state, kButtonActive);
+  EXPECT_TRUE(Mapped(menu));
+  ReleaseButton();
+  EXPECT_FALSE(Mapped(menu));
+}
+
 TEST_F(PulldownButtonTest, WithoutAMenuNothingOpens) {
   SetPulldownMenu(button, nullptr);
   EXPECT_EQ(menu->pulldown, nullptr);
