@@ -47,7 +47,7 @@ XMenu* MenuBelow(const XMenuBar* bar, int y) {
 bool OthersDown(const XButtonEvent& release) {
   constexpr unsigned kButtons = Button1Mask | Button2Mask | Button3Mask | Button4Mask | Button5Mask;
   const unsigned own = release.button >= Button1 && release.button <= Button5
-                           ? Button1Mask << (release.button - 1)
+                           ? unsigned{Button1Mask} << (release.button - 1)
                            : 0U;
   return (release.state & kButtons & ~own) != 0;
 }
