@@ -77,7 +77,8 @@ void ButtonDown(XButton* button, XEvent*) {
 void ButtonUp(XButton* button, XEvent* event) {
   if (holder == button) {
     holder = nullptr;
-    XUngrabPointer(dpy, CurrentTime);
+    // A press that was read late may have opened a menu meanwhile, which has the pointer now.
+    if (!MenuHoldsPointer()) XUngrabPointer(dpy, CurrentTime);
   }
   if (button->state != kButtonPressed) return;
   const int x = event->xbutton.x;

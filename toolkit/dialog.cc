@@ -8,6 +8,7 @@
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/image.h"
+#include "toolkit/menu.h"
 
 namespace gromlit {
 namespace {
@@ -172,6 +173,7 @@ void DrawDialog(XDialog* dlog, XEvent*) {
 }
 
 void DialogButtonUp(XDialog*, XEvent*) {
+  CloseGrabbedMenu();
   XUngrabPointer(dpy, CurrentTime);
 }
 

@@ -183,6 +183,10 @@ bool MenuHoldsPointer() {
   return grabbed != nullptr;
 }
 
+void CloseGrabbedMenu() {
+  if (grabbed != nullptr) PopDownMenu(grabbed);
+}
+
 void PullUpMenu(XMenu* menu) {
   menu->selected = -1;
   CloseMenu(menu);

@@ -122,6 +122,10 @@ bool PopUpMenuGrabbed(int x, int y, XMenu* menu);
 // go to that menu, so that nothing may begin with it.
 bool MenuHoldsPointer();
 
+// Closes the menu that has the pointer, if any. For whoever gives the pointer back without knowing
+// who has it: a menu that lost it unnoticed would stay open and hold everything up (INV-MENU-1).
+void CloseGrabbedMenu();
+
 // Closes a menu alone; its submenus stay as they are.
 void PullUpMenu(XMenu* menu);
 

@@ -108,9 +108,31 @@ TEST_F(GalleryTest, TheWindowManagersCloseClosesIt) {
   EXPECT_TRUE(PumpUntil([this] { return gallery->closed != 0; }));
 }
 
+// The release on a dialog gives everybody's pointer back, so the menu that had it closes with it:
+// an open menu without the pointer would keep every button from being pressed.
+TEST_F(GalleryTest, AReleaseOnADialogClosesTheMenuThatHeldThePointer) {
+  player->MoveTo(84, 104);
+  player->Press(1);
+  Pump();
+  ASSERT_TRUE(MenuHoldsPointer());
+  XEvent event{};
+  event.xbutton.type = ButtonRelease;
+  event.xbutton.window = gallery->question->window;
+  DispatchEvent(&event);
+  EXPECT_FALSE(MenuHoldsPointer());
+  player->Release(1);
+  Pump();
+  EXPECT_TRUE(player->CanGrabPointer());
+  EXPECT_EQ(ClickAt(40, 74), "Button: Active");
+}
+
 // The user's hand on a connection and thread of its own: some widgets do not return before the
 // button is up.
-void Storm(testing::Player* hand, unsigned seed, int nevents, std::atomic<int>* sent) {
+//
+// Now and then, with no button down, the hand waits until the program has caught up (`pumps` counts
+// how often it has): else most of the storm would be over before the first of it is read.
+void Storm(testing::Player* hand, unsigned seed, int nevents, std::atomic<int>* sent,
+           const std::atomic<int>* pumps) {
   constexpr KeySym kKeys[] = {XK_a,      XK_Z,    XK_1,     XK_space, XK_Return, XK_BackSpace,
                               XK_Delete, XK_Left, XK_Right, XK_End,   XK_Home,   XK_Tab,
                               XK_Up,     XK_Down, XK_k,     XK_d,     XK_Escape, XK_F1};
@@ -128,6 +150,10 @@ void Storm(testing::Player* hand, unsigned seed, int nevents, std::atomic<int>* 
   int x = 100;
   int y = 100;
   for (int i = 0; i < nevents; i++, ++*sent) {
+    if (i % 20 == 0 && buttons.empty()) {
+      const int now = *pumps;
+      testing::WaitFor([&] { return *pumps > now + 1; }, std::chrono::seconds(2));
+    }
     switch (below(10)) {
       case 0: {  // a click on a widget
         const auto& spot = kSpots[below(static_cast<int>(std::size(kSpots)))];
@@ -185,15 +211,17 @@ TEST_F(GalleryTest, AStormOfInputLeavesNoErrorAndNoGrab) {
   constexpr int kEvents = 20000;
   testing::Player hand(server->name());
   std::atomic<int> sent = 0;
+  std::atomic<int> pumps = 0;
   std::atomic<bool> done = false;
   std::thread storm([&] {
-    Storm(&hand, 20261120, kEvents, &sent);
+    Storm(&hand, 20261120, kEvents, &sent, &pumps);
     done = true;
   });
   // Dialogs that were answered come back, so that the storm goes on with everything.
   int before = 0;
   while (!done) {
     Pump();
+    pumps++;
     if (sent - before > 500) {
       before = sent;
       PopUpDialog(gallery->question, "Again", 740, 340);
