@@ -5,20 +5,25 @@
 #include "display/display.h"
 
 namespace gromlit {
-namespace {
+
+BevelColours ColoursOfBevel(int up) {
+  switch (up) {
+    case kRaised:
+      return {white.pixel, dgrey.pixel};
+    case kSunken:
+      return {dgrey.pixel, white.pixel};
+    default:
+      return {lgrey.pixel, lgrey.pixel};
+  }
+}
 
 XSegment Segment(int x1, int y1, int x2, int y2) {
   return {static_cast<short>(x1), static_cast<short>(y1), static_cast<short>(x2),
           static_cast<short>(y2)};
 }
 
-}  // namespace
-
 void XDrawBevel(int up, Window win, GC gc, int x, int y, int w, int h) {
-  const unsigned long top = up == kRaised ? white.pixel : up == kSunken ? dgrey.pixel : lgrey.pixel;
-  const unsigned long bottom = up == kRaised   ? dgrey.pixel
-                               : up == kSunken ? white.pixel
-                                               : lgrey.pixel;
+  const BevelColours colours = ColoursOfBevel(up);
   const int r = x + w - 1;
   const int b = y + h - 1;
   // The lines overlap on purpose: the inner left line begins at the top, and the lower lines are
@@ -27,9 +32,9 @@ void XDrawBevel(int up, Window win, GC gc, int x, int y, int w, int h) {
                       Segment(x + 1, y, x + 1, b)};
   XSegment lower[] = {Segment(x + 1, b, r, b), Segment(r, y + 1, r, b),
                       Segment(x + 2, b - 1, r, b - 1), Segment(r - 1, y + 2, r - 1, b - 1)};
-  XSetForeground(dpy, gc, top);
+  XSetForeground(dpy, gc, colours.upper);
   XDrawSegments(dpy, win, gc, upper, 4);
-  XSetForeground(dpy, gc, bottom);
+  XSetForeground(dpy, gc, colours.lower);
   XDrawSegments(dpy, win, gc, lower, 4);
 }
 

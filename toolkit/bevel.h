@@ -12,6 +12,16 @@ inline constexpr int kSunken = 0;
 inline constexpr int kRaised = 1;
 inline constexpr int kFlat = 2;  // erases a bevel on the light grey ground
 
+// Pixels of a bevel's lines: the upper and left ones, and the lower and right ones.
+struct BevelColours {
+  unsigned long upper;
+  unsigned long lower;
+};
+BevelColours ColoursOfBevel(int up);
+
+// A line from (x1, y1) to (x2, y2), both ends included, for XDrawSegments.
+XSegment Segment(int x1, int y1, int x2, int y2);
+
 // Draws a bevel two pixels wide just inside the rectangle. The foreground of gc is afterwards that
 // of the bottom and right lines.
 void XDrawBevel(int up, Window win, GC gc, int x, int y, int w, int h);

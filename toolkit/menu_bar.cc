@@ -65,23 +65,12 @@ XPulldown* MakePulldown(const char* label, XMenu* menu) {
 XMenuBar* MakeMenuBar(Window parent, int x, int y, int width, XFontStruct* fontinfo,
                       XPulldown** items, int nitems) {
   auto* bar = new XMenuBar{};
-  const int kept = std::clamp(nitems, 0, kMaxTitles);
-  for (int i = kept; i < nitems; i++) delete items[i];
-  const char* labels[kMaxTitles] = {};
-  for (int i = 0; i < kept; i++) {
-    bar->items[i] = items[i];
-    labels[i] = items[i]->label;
-  }
-  const int needed =
-      LayOutTitles(fontinfo, labels, kept, bar->itemx, bar->itemwidth) + kTitleMargin;
+  const int needed = TakeTitles(bar, fontinfo, items, nitems) + kTitleMargin;
   bar->x = x;
   bar->y = y;
   bar->width = width != 0 ? width : needed;
-  bar->itemheight = RowHeight(fontinfo);
   bar->height = bar->itemheight + 6;
   bar->selected = -1;
-  bar->visible = kept;
-  bar->nitems = kept;
   XSetWindowAttributes under{};
   under.save_under = True;
   bar->window = MakeChildWindow(parent, x, y, bar->width, bar->height, lgrey.pixel,
@@ -98,19 +87,17 @@ XMenuBar* MakeMenuBar(Window parent, int x, int y, int width, XFontStruct* fonti
 }
 
 void DrawMenuBar(XMenuBar* bar, XEvent*) {
-  const auto right = static_cast<short>(bar->width - 1);
-  const auto bottom = static_cast<short>(bar->height - 1);
-  XSegment light[] = {{0, 0, right, 0}, {0, 0, 0, bottom}};
-  XSegment dark[] = {{1, bottom, right, bottom}, {right, 1, right, bottom}};
+  const int right = bar->width - 1;
+  const int bottom = bar->height - 1;
+  XSegment light[] = {Segment(0, 0, right, 0), Segment(0, 0, 0, bottom)};
+  XSegment dark[] = {Segment(1, bottom, right, bottom), Segment(right, 1, right, bottom)};
   XClearWindow(dpy, bar->window);
   XSetForeground(dpy, bar->gc, white.pixel);
   XDrawSegments(dpy, bar->window, bar->gc, light, 2);
   XSetForeground(dpy, bar->gc, dgrey.pixel);
   XDrawSegments(dpy, bar->window, bar->gc, dark, 2);
   XSetForeground(dpy, bar->gc, black.pixel);
-  for (int i = 0; i < std::min(bar->visible, bar->nitems); i++) {
-    DrawText(bar->window, bar->gc, bar->itemx[i], bar->itemheight - 3, bar->items[i]->label);
-  }
+  DrawTitles(bar);
   if (bar->selected < 0) return;
   DrawTitleBevel(bar, kRaised, bar->selected);
   const XMenu* menu = bar->items[bar->selected]->menu;

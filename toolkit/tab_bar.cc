@@ -9,11 +9,6 @@
 namespace gromlit {
 namespace {
 
-XSegment Segment(int x1, int y1, int x2, int y2) {
-  return {static_cast<short>(x1), static_cast<short>(y1), static_cast<short>(x2),
-          static_cast<short>(y2)};
-}
-
 // Whether there is a selected tab: a bar without titles has none.
 bool HasSelected(const XTabBar* tbar) {
   return tbar->selected >= 0 && tbar->selected < tbar->nitems;
@@ -47,19 +42,9 @@ XTabItem* MakeTabItem(const char* label, TabAction action, void* arg) {
 XTabBar* MakeTabBar(Window parent, int x, int y, int width, int height, XFontStruct* fontinfo,
                     XTabItem** items, int nitems) {
   auto* tbar = new XTabBar{};
-  const int kept = std::clamp(nitems, 0, kMaxTitles);
-  for (int i = kept; i < nitems; i++) delete items[i];
-  const char* labels[kMaxTitles] = {};
-  for (int i = 0; i < kept; i++) {
-    tbar->items[i] = items[i];
-    labels[i] = items[i]->label;
-  }
-  const int needed = LayOutTitles(fontinfo, labels, kept, tbar->itemx, tbar->itemwidth);
+  const int needed = TakeTitles(tbar, fontinfo, items, nitems);
   tbar->width = width != 0 ? width : needed;
   tbar->height = height;
-  tbar->itemheight = RowHeight(fontinfo);
-  tbar->visible = kept;
-  tbar->nitems = kept;
   XSetWindowAttributes under{};
   under.save_under = True;
   tbar->window = MakeChildWindow(parent, x, y, tbar->width, tbar->height, lgrey.pixel,
@@ -76,12 +61,7 @@ XTabBar* MakeTabBar(Window parent, int x, int y, int width, int height, XFontStr
 }
 
 void XDrawTabBevel(int up, Window win, GC gc, int x, int y, int w, int h, int fullw) {
-  const unsigned long light = up == kRaised   ? white.pixel
-                              : up == kSunken ? dgrey.pixel
-                                              : lgrey.pixel;
-  const unsigned long dark = up == kRaised   ? dgrey.pixel
-                             : up == kSunken ? white.pixel
-                                             : lgrey.pixel;
+  const BevelColours colours = ColoursOfBevel(up);
   const int r = x + w - 1;
   const int b = y + h - 1;
   XSegment right[] = {Segment(r, y + 1, r, b), Segment(r - 1, y + 2, r - 1, b)};
@@ -96,9 +76,9 @@ void XDrawTabBevel(int up, Window win, GC gc, int x, int y, int w, int h, int fu
                      Segment(x + w, b - 1, fullw, b - 1),
                      Segment(r, b, fullw - 1, b)};
   const bool edgeright = fullw - (x + w) > 1;
-  XSetForeground(dpy, gc, dark);
+  XSetForeground(dpy, gc, colours.lower);
   XDrawSegments(dpy, win, gc, right, 2);
-  XSetForeground(dpy, gc, light);
+  XSetForeground(dpy, gc, colours.upper);
   XDrawSegments(dpy, win, gc, rest, edgeright ? 8 : 6);
 }
 
@@ -115,9 +95,7 @@ void DrawTabBar(XTabBar* tbar, XEvent*) {
   XSetForeground(dpy, tbar->gc, dgrey.pixel);
   XDrawSegments(dpy, tbar->window, tbar->gc, dark, 4);
   XSetForeground(dpy, tbar->gc, black.pixel);
-  for (int i = 0; i < std::min(tbar->visible, tbar->nitems); i++) {
-    DrawText(tbar->window, tbar->gc, tbar->itemx[i], ih - 3, tbar->items[i]->label);
-  }
+  DrawTitles(tbar);
   if (!HasSelected(tbar)) return;
   DrawSelected(tbar, kRaised);
   CallBack(tbar, kTabRedrawn);

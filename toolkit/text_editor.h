@@ -5,8 +5,8 @@
 //   hollow    pointer enters              solid    TextEditorEnter, which takes the focus
 //   solid     pointer leaves              hollow   TextEditorLeave; the focus stays
 //   any       a key that is acted upon    solid    TextEditorKeyPress
-//   any       exposed, updated            hollow   DrawTextEditor; solid while the pointer is
-//   inside
+//   any       exposed, updated            hollow   DrawTextEditor, the pointer is outside
+//   any       exposed, updated            solid    DrawTextEditor, the pointer is inside
 //
 // The focus frame is there while the pointer is inside.
 //

@@ -1,7 +1,5 @@
 #include "toolkit/title_row.h"
 
-#include "toolkit/bevel.h"
-
 namespace gromlit {
 
 int RowHeight(const XFontStruct* font) {

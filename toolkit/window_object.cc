@@ -82,6 +82,12 @@ WindowObj* FindWindowObj(Window window) {
 }
 
 void DispatchEvent(XEvent* event) {
+  // No window asks for these: Xlib keeps the key codes' meanings, and would go on with the old ones
+  // after the user has changed the layout. One that another client sent says nothing about the
+  // keyboard, and its numbers would reach the server unchecked.
+  if (event->type == MappingNotify && event->xmapping.send_event == False) {
+    XRefreshKeyboardMapping(&event->xmapping);
+  }
   // The handler is kept together with the owner that it was installed for: any client may send an
   // event of an unknown type to any window, and a handler must never see another kind's record.
   static EventHandler handler = NoHandler;

@@ -56,8 +56,9 @@ bool IsOwnWindow(Window window);
 // Entry that gets the events of the window: the last one made for it, else defaultWindowObj.
 WindowObj* FindWindowObj(Window window);
 
-// Hands an event to its entry's handler. An event of a type outside 2..34 prints "Unknown event
-// type N" on standard output and goes to the handler and owner of the event before it.
+// Hands an event to its entry's handler, and lets Xlib know of a changed keyboard mapping first
+// (one round trip). An event of a type outside 2..34 prints "Unknown event type N" on standard
+// output and goes to the handler and owner of the event before it.
 void DispatchEvent(XEvent* event);
 
 // The handler of every slot that was not set: nothing.

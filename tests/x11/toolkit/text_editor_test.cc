@@ -437,6 +437,31 @@ TEST_F(TextEditorTest, SynthesizedKeyCodesOutOfRangeAreIgnored) {
   EXPECT_EQ(Text(), "ab");
 }
 
+TEST_F(TextEditorTest, AKeyThatChangedItsMeaningTypesItsNewCharacter) {
+  const KeyCode keycode = XKeysymToKeycode(dpy, XK_a);
+  const auto mean = [&](KeySym lower, KeySym upper) {
+    KeySym meanings[] = {lower, upper};
+    XChangeKeyboardMapping(player->display(), keycode, 2, meanings, 1);
+    XSync(player->display(), False);
+    Pump();
+  };
+  const auto strike = [&] {
+    XTestFakeKeyEvent(player->display(), keycode, True, CurrentTime);
+    XTestFakeKeyEvent(player->display(), keycode, False, CurrentTime);
+    XSync(player->display(), False);
+    Pump();
+  };
+  Enter();
+  strike();
+  EXPECT_EQ(Text(), "a");
+  mean(XK_w, XK_W);
+  strike();
+  EXPECT_EQ(Text(), "aw");
+  mean(XK_7, XK_slash);
+  strike();
+  EXPECT_EQ(Text(), "aw7");
+}
+
 TEST_F(TextEditorTest, BoundsAnOwnerBrokeAreMended) {
   TextEditorUpdate(txt, "abc");
   txt->index = 900;

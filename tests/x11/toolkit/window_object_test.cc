@@ -3,9 +3,12 @@
 
 #include "toolkit/window_object.h"
 
+#include <X11/XKBlib.h>
+
 #include <set>
 #include <vector>
 
+#include "tests/x11/toolkit/request_cost.h"
 #include "toolkit/child_window.h"
 
 namespace gromlit {
@@ -32,6 +35,8 @@ void NoteOther(Probe* probe, XEvent*) {
 XEvent EventFor(Window window, int type) {
   XEvent event{};
   event.type = type;
+  event.xany.send_event =
+      True;  // such a MappingNotify does not touch the display, which is not open
   event.xany.window = window;
   return event;
 }
@@ -267,6 +272,33 @@ TEST_F(CloseTest, OtherMessagesAreIgnored) {
   Send(wm_protocols, wm_protocols);
   Send(wm_delete, wm_delete);
   EXPECT_EQ(MapState(), IsViewable);
+}
+
+using MappingTest = testing::XFixture;
+
+XEvent MappingEvent(Bool sent) {
+  XEvent event{};
+  event.xmapping.type = MappingNotify;
+  event.xmapping.display = dpy;
+  event.xmapping.send_event = sent;
+  event.xmapping.request = MappingKeyboard;
+  event.xmapping.first_keycode = 38;
+  event.xmapping.count = 1;
+  return event;
+}
+
+TEST_F(MappingTest, AChangedMappingCostsOneRoundTrip) {
+  XkbKeycodeToKeysym(dpy, 38, 0, 0);  // Xlib has the mapping
+  XEvent event = MappingEvent(False);
+  EXPECT_EQ(testing::CostOf([&] { DispatchEvent(&event); }), (testing::Cost{1, 1}));
+}
+
+TEST_F(MappingTest, AForgedOneIsNotPassedOn) {
+  XkbKeycodeToKeysym(dpy, 38, 0, 0);
+  XEvent event = MappingEvent(True);
+  event.xmapping.first_keycode = -70000;
+  event.xmapping.count = 1 << 30;
+  EXPECT_EQ(testing::CostOf([&] { DispatchEvent(&event); }), (testing::Cost{0, 0}));
 }
 
 }  // namespace
