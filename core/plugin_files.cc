@@ -163,8 +163,15 @@ void EnsureActions(GromlitPlugin* pin) {
   }
 }
 
+// Reports with the reason in errno, which stays for the caller.
+void Report(const char* prefix) {
+  const int reason = errno;
+  std::perror(prefix);
+  errno = reason;
+}
+
 GromlitPlugin* SaveFailed() {
-  std::perror("Save Plugin");
+  Report("Save Plugin");
   return nullptr;
 }
 
@@ -288,7 +295,7 @@ int DropPlugin(const GromlitPlugin* killpin, const char* fname) {
   const std::string name = StoredName(*killpin, fname);
   if (name.empty()) errno = ENOENT;
   if (name.empty() || unlink(PluginPath(name).c_str()) != 0) {
-    std::perror("Delete Plugin");
+    Report("Delete Plugin");
     return 0;
   }
   EnsureList();

@@ -40,8 +40,9 @@ GromlitPlugin* ReadPluginActions(const char* fname, GromlitPlugin* pin);
 // - A plug-in that was read damaged has its file copied to damaged/ before the first overwrite; if
 //   that copy fails, so does the save.
 // - Of a plug-in in the list whose actions have not been read yet, they are read first.
-// Returns pin; or null after reporting "Save Plugin" with the system error, the old file left as it
-// was. A write that ends early also prints on standard output which part it was.
+// Returns pin; or null after reporting "Save Plugin" with the system error, which is left in errno,
+// the old file left as it was. A write that ends early also prints on standard output which part it
+// was.
 GromlitPlugin* UnLoadPlugin(GromlitPlugin* pin, const char* fname);
 
 // The same under the name that the editors use.
@@ -67,7 +68,7 @@ GromlitPlugin* GetDefaultPlugin();
 // File-and-list half of deleting a plug-in: deletes the file that UnLoadPlugin would overwrite for
 // `fname` (never one of another class) and unlinks the first node of killpin's class, if there is
 // one. The record stays allocated. Returns 1; 0 after reporting "Delete Plugin" with the system
-// error, the list as it was.
+// error, which is left in errno, the list as it was.
 int DropPlugin(const GromlitPlugin* killpin, const char* fname);
 
 // One menu of the chain that lists all plug-ins. Every page but the last begins with an item that
