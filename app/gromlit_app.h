@@ -24,6 +24,7 @@ struct XLogo;
 struct XMenu;
 struct XMenuBar;
 struct XScrollbar;
+struct PluginMenus;
 
 // INV-APP-1: icontop is a multiple of ncols, 0 or more; selected is -1 or an action of `plugin`.
 // INV-APP-2: the records below `cut` belong to it alone: no plug-in and no editor points to them.
@@ -54,6 +55,7 @@ struct GromlitApp {
   GromlitAction cut;      // clipboard of Cut, Copy and Paste
   int validcut;           // non-zero when `cut` holds an action
   XMenu* popup;           // menu of button 3
+  PluginMenus* menus;     // windows of the plug-in menu; made and used by MakePluginsMenu
 };
 
 extern GromlitApp* app;
