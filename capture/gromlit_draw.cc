@@ -3,6 +3,7 @@
 #include <poll.h>
 
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <string_view>
 
@@ -21,8 +22,10 @@ namespace {
 // Class text of the program's own main window: strokes on it never ask for a plug-in.
 constexpr std::string_view kOwnClass = "Gromlit.Application";
 
-// How long to wait for the next event before asking whether the grab is still there, milliseconds.
-constexpr int kGrabCheck = 100;
+using Clock = std::chrono::steady_clock;
+
+// How long to wait for the next event before asking whether the grab is still there.
+constexpr auto kGrabCheck = std::chrono::milliseconds(100);
 
 int16_t Coordinate(int position) {
   return static_cast<int16_t>(position);
@@ -34,12 +37,13 @@ class Capture {
   Capture(GromlitDraw* draw, const XButtonEvent& press)
       : draw_(draw),
         press_(press),
+        mask_(ButtonToMotionMask(static_cast<int>(press.button)) | ButtonPressMask |
+              ButtonReleaseMask),
         trail_(StartTrail(&draw->trail)),
         lastroot_{press.x_root, press.y_root} {
     AddPoint(press.x_root, press.y_root);
   }
   ~Capture() {
-    Thaw();
     HideTrail(&trail_);
     XFlush(dpy);
   }
@@ -56,8 +60,6 @@ class Capture {
     bool operator==(const Position&) const = default;
   };
 
-  // Every call carries the press's time, so that one that comes late cannot act on a newer grab.
-  void Thaw() { XAllowEvents(dpy, AsyncPointer, press_.time); }
   bool NextEvent(XEvent* event);
   bool GrabIsGone();
   void AddPoint(int x, int y);
@@ -68,10 +70,11 @@ class Capture {
   void Recognise(GromlitPlugin* plugin);
 
   GromlitDraw* draw_;
-  const XButtonEvent press_;
-  Window mwin_ = None;  // click target
-  Window kwin_ = None;  // key target
-  int winx_ = 0;        // pointer in the target
+  const XButtonEvent press_;  // its time goes with every call, so that none acts on a newer grab
+  const long mask_;           // events of the widened grab
+  Window mwin_ = None;        // click target
+  Window kwin_ = None;        // key target
+  int winx_ = 0;              // pointer in the target
   int winy_ = 0;
   std::array<char, kClassBuffer> cname_{};
   GromlitPluginList* headplugin_ = nullptr;  // looked up on the first motion
@@ -107,43 +110,49 @@ void Capture::FindTargets() {
 void Capture::Run() {
   // The passive grab reports motion and release of the draw button only. Widened, it reports other
   // buttons too, which end the stroke. No cursor: the trail windows carry the hand.
-  XChangeActivePointerGrab(
-      dpy,
-      static_cast<unsigned>(ButtonToMotionMask(static_cast<int>(press_.button)) | ButtonPressMask |
-                            ButtonReleaseMask),
-      None, press_.time);
-  for (;;) {
-    XAllowEvents(dpy, SyncPointer, press_.time);
-    XEvent event;
-    if (!NextEvent(&event)) return;
-    switch (event.type) {
-      case ButtonPress:
-        return;
-      case MotionNotify:
-        Motion(event.xmotion);
-        break;
-      case ButtonRelease:
-        if (event.xbutton.button != press_.button) break;
-        Release(event.xbutton);
-        return;
+  XChangeActivePointerGrab(dpy, static_cast<unsigned>(mask_), None, press_.time);
+  // Lets events through up to the next press or release, with which the pointer freezes again.
+  // Never for a motion: a press may be frozen already behind the motions that are still to be read,
+  // and letting it through unread would leave the freeze to an event that nobody answers.
+  XAllowEvents(dpy, SyncPointer, press_.time);
+  XEvent event;
+  for (bool over = false; !over;) {
+    if (!NextEvent(&event)) {
+      // Nothing is frozen yet, and what is not frozen cannot be thawed in advance.
+      XUngrabPointer(dpy, press_.time);
+      return;
     }
+    if (event.type == MotionNotify) {
+      Motion(event.xmotion);
+      continue;
+    }
+    // The release of another button is that of one above the fifth, which may have been down all
+    // the time; anything else ends the stroke.
+    over = event.type == ButtonPress || event.xbutton.button == press_.button;
+    XAllowEvents(dpy, over ? AsyncPointer : SyncPointer, press_.time);
   }
+  if (event.type == ButtonRelease) Release(event.xbutton);
 }
 
 // The next event of the grab. False when the grab is gone and none will come: a handler that ran
 // before may have released it, and the button may be up already.
 bool Capture::NextEvent(XEvent* event) {
-  const long mask =
-      ButtonToMotionMask(static_cast<int>(press_.button)) | ButtonPressMask | ButtonReleaseMask;
+  auto check = Clock::now() + kGrabCheck;
   for (;;) {
-    while (XCheckWindowEvent(dpy, root, mask, event)) {
+    while (XCheckWindowEvent(dpy, root, mask_, event)) {
       // Anybody may send events to the root window; only the server's count.
       if (event->xany.send_event) continue;
       if (event->type == MotionNotify) lastroot_ = {event->xmotion.x_root, event->xmotion.y_root};
       return true;
     }
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(check - Clock::now());
+    if (left.count() <= 0) {
+      if (GrabIsGone()) return false;
+      check = Clock::now() + kGrabCheck;
+      continue;
+    }
     pollfd connection{ConnectionNumber(dpy), POLLIN, 0};
-    if (poll(&connection, 1, kGrabCheck) == 0 && GrabIsGone()) return false;
+    poll(&connection, 1, static_cast<int>(left.count()));
   }
 }
 
@@ -157,13 +166,11 @@ bool Capture::GrabIsGone() {
   if (!XQueryPointer(dpy, root, &rootwin, &child, &at.x, &at.y, &winx, &winy, &state)) return true;
   // With the answer everything has arrived that the server reported before it.
   XEvent event;
-  const long mask =
-      ButtonToMotionMask(static_cast<int>(press_.button)) | ButtonPressMask | ButtonReleaseMask;
-  if (XCheckWindowEvent(dpy, root, mask, &event)) {
+  if (XCheckWindowEvent(dpy, root, mask_, &event)) {
     XPutBackEvent(dpy, &event);
     return false;
   }
-  const bool up = (state & (Button1Mask << (press_.button - 1))) == 0;
+  const bool up = (state & (static_cast<unsigned>(Button1Mask) << (press_.button - 1))) == 0;
   return up || at != lastroot_;
 }
 
@@ -180,7 +187,6 @@ void Capture::Motion(const XMotionEvent& motion) {
 }
 
 void Capture::Release(const XButtonEvent& release) {
-  Thaw();
   if (trail_.drawmoved < user->sensitivity) {
     SendClick();
   } else if (headplugin_ != nullptr) {
@@ -217,6 +223,7 @@ void Capture::Recognise(GromlitPlugin* plugin) {
   if (plugin == nullptr) return;
   // An action may take seconds; a press in that time must not freeze the pointer until it is over.
   const DrawButtonLifted lifted;
+  LetPointerThrough(trail_);
   PluginMatch(plugin, npoints_, xbuffer_.data(), ybuffer_.data(), mwin_, kwin_, winx_, winy_,
               press_.x_root, press_.y_root);
 }

@@ -19,9 +19,9 @@
 //   pressed,   the grab is gone              idle       nothing is recognised or sent
 //   drawing
 //
-// INV-CAPTURE-1: the pointer is never left frozen: every way out of the two middle states leads
-// through ~Capture, which thaws it, and the actions run after it was thawed.
-// INV-CAPTURE-2: no trail window stays mapped in the idle state (~Capture as well).
+// INV-CAPTURE-1: the pointer is never left frozen: Capture::Run thaws it with the press or release
+// that ends the stroke, or gives up the grab; the actions run after that.
+// INV-CAPTURE-2: no trail window stays mapped in the idle state (~Capture).
 // INV-CAPTURE-3: at most kMaxStrokePoints points are kept, the press point included.
 #pragma once
 

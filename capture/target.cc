@@ -92,7 +92,7 @@ Window SearchDown(Window window, long mask, int* x, int* y, int depth, int* budg
       if (found != None) return found;
     }
   }
-  if (!Takes(attributes, mask)) return None;
+  if (*budget < 0 || !Takes(attributes, mask)) return None;
   Window rootwin = None;
   Window child;
   int rootx;

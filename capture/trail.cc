@@ -1,5 +1,7 @@
 #include "capture/trail.h"
 
+#include <X11/extensions/shape.h>
+
 #include <algorithm>
 #include <cstdlib>
 
@@ -29,6 +31,21 @@ Window MakeTrailWindow(int width, int height, long mask) {
   return window;
 }
 
+// Whether input regions can be set (version 1.1 of the shape extension).
+bool HasInputShapes() {
+  int event;
+  int error;
+  int major = 0;
+  int minor = 0;
+  return XShapeQueryExtension(dpy, &event, &error) != 0 &&
+         XShapeQueryVersion(dpy, &major, &minor) != 0 && (major > 1 || (major == 1 && minor >= 1));
+}
+
+// Makes a trail window take the pointer again, with the cursor that it carries.
+void TakePointer(const TrailWindows& windows, Window window) {
+  if (windows.shaped) XShapeCombineMask(dpy, window, ShapeInput, 0, 0, None, ShapeSet);
+}
+
 void SwitchToFull(Trail* trail, int x, int y) {
   trail->mapfull = true;
   trail->width = DisplayWidth(dpy, screen);
@@ -36,6 +53,7 @@ void SwitchToFull(Trail* trail, int x, int y) {
   trail->lastx = x;
   trail->lasty = y;
   trail->w = trail->windows->fullwindow;
+  TakePointer(*trail->windows, trail->w);
   XMapRaised(dpy, trail->w);
 }
 
@@ -54,6 +72,7 @@ TrailWindows MakeTrailWindows(long mask) {
   values.line_width = kTrailLineWidth;
   windows.gc = XCreateGC(dpy, windows.window,
                          GCFunction | GCForeground | GCBackground | GCLineWidth, &values);
+  windows.shaped = HasInputShapes();
   return windows;
 }
 
@@ -77,6 +96,7 @@ Trail StartTrail(const TrailWindows* windows) {
 void ShowTrail(Trail* trail, int x, int y) {
   trail->originx = x - trail->mid;
   trail->originy = y - trail->mid;
+  TakePointer(*trail->windows, trail->w);
   XResizeWindow(dpy, trail->w, Extent(trail->width), Extent(trail->height));
   XMoveWindow(dpy, trail->w, trail->originx, trail->originy);
   XMapRaised(dpy, trail->w);
@@ -113,6 +133,13 @@ void MoveTrail(Trail* trail, int x, int y) {
   // On the full window the screen position is still compared with the start in the small one.
   trail->drawmoved =
       std::max({trail->drawmoved, std::abs(xsym - trail->mid), std::abs(ysym - trail->mid)});
+}
+
+void LetPointerThrough(const Trail& trail) {
+  if (!trail.drawmapped || !trail.windows->shaped) return;
+  for (const Window window : {trail.windows->window, trail.windows->fullwindow}) {
+    XShapeCombineRectangles(dpy, window, ShapeInput, 0, 0, nullptr, 0, ShapeSet, Unsorted);
+  }
 }
 
 void HideTrail(Trail* trail) {

@@ -2,7 +2,9 @@
 //
 // Two override-redirect windows without a background are mapped over everything; because they have
 // no background they show what lies under them, and a line drawn with an inverting function on
-// them is all that is needed. Unmapping them brings the screen back. The small one is placed around
+// them is all that is needed. Unmapping them brings the screen back. They stay until the action has
+// run, but once the button is up the pointer goes through them: a click in that time belongs to the
+// application below. The small one is placed around
 // the pointer and grows to the right and downwards; near its left or top edge the one that covers
 // the screen takes over.
 //
@@ -25,6 +27,7 @@ struct TrailWindows {
   GC gc;              // inverting
   int initwidth;      // size of the small window at the start of each stroke, pixels
   int initheight;
+  bool shaped;  // the server can let the pointer through a window
 };
 
 // The trail of one stroke. Starts unmapped. Positions are root-window pixels unless noted.
@@ -58,6 +61,9 @@ void ShowTrail(Trail* trail, int x, int y);
 // Draws on to the position (x, y), growing or switching the window as needed, and updates
 // drawmoved. REQUIRES: ShowTrail was called.
 void MoveTrail(Trail* trail, int x, int y);
+
+// Lets the pointer through to the windows below; the trail stays in sight.
+void LetPointerThrough(const Trail& trail);
 
 // Unmaps what is mapped.
 void HideTrail(Trail* trail);

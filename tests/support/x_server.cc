@@ -80,7 +80,11 @@ XServer::~XServer() {
   unsetenv("DISPLAY");
   if (pid_ <= 0) return;
   kill(pid_, SIGTERM);
-  waitpid(pid_, nullptr, 0);
+  const auto gone = [this] { return waitpid(pid_, nullptr, WNOHANG) == pid_; };
+  if (!WaitFor(gone, std::chrono::seconds(5))) {
+    kill(pid_, SIGKILL);
+    waitpid(pid_, nullptr, 0);
+  }
 }
 
 Process::Process(std::vector<std::string> argv, const std::string& output,

@@ -1,0 +1,441 @@
+#include "tests/e2e/gromlit_run.h"
+
+#include <X11/Xatom.h>
+#include <X11/Xutil.h>
+
+#include <algorithm>
+
+namespace gromlit {
+namespace {
+
+using testing::Action;
+using testing::Command;
+using testing::kDown;
+using testing::kEll;
+using testing::kLeft;
+using testing::kRight;
+using testing::kUp;
+using testing::Point;
+using testing::ProbeClient;
+using testing::WaitFor;
+
+constexpr int kKeyA = 38;  // the "a" key of the usual keymap
+
+// Both with and without a window manager the probe's window covers this rectangle.
+constexpr Point kInProbe = {450, 400};
+
+class CaptureTest : public testing::GromlitRun, public ::testing::WithParamInterface<const char*> {
+ protected:
+  void SetUp() override {
+    GromlitRun::SetUp();
+    if (*GetParam() != '\0') StartWindowManager(GetParam());
+  }
+  // A probe of this class that covers (300, 250) to (900, 750), frame aside.
+  std::unique_ptr<ProbeClient> StartProbe(std::vector<std::string> more = {}) {
+    std::vector<std::string> options = {"--class", "Probe", "probe", "--geometry",
+                                        "600x500+300+250"};
+    options.insert(options.end(), more.begin(), more.end());
+    auto probe = std::make_unique<ProbeClient>(install->path(), options);
+    // The window manager may have put it elsewhere.
+    XMoveWindow(player->display(), probe->window(), 300, 250);
+    XSync(player->display(), False);
+    EXPECT_TRUE(WaitFor([&] { return std::abs(Origin(probe->window()).x - 300) < 30; }));
+    return probe;
+  }
+  Point Origin(Window window) {
+    Point origin{};
+    Window child;
+    XTranslateCoordinates(player->display(), window, player->root(), 0, 0, &origin.x, &origin.y,
+                          &child);
+    return origin;
+  }
+  std::string ButtonLine(const char* type, Point root, Window window, unsigned state, bool sent) {
+    const Point origin = Origin(window);
+    char line[200];
+    std::snprintf(line, sizeof line,
+                  "%s window=main button=3 state=%u x=%d y=%d x_root=%d y_root=%d send_event=%d",
+                  type, state, root.x - origin.x, root.y - origin.y, root.x, root.y, sent ? 1 : 0);
+    return line;
+  }
+};
+
+const std::vector<Point> kDrawRight = {{400, 400}, {600, 400}};
+const std::vector<Point> kDrawDown = {{500, 350}, {500, 600}};
+const std::vector<Point> kDrawEll = {{400, 350}, {400, 550}, {620, 550}};
+
+TEST_P(CaptureTest, StrokeRunsTheFirstMatchingAction) {
+  WritePlugin("Probe.probe", {{"down", kDown, {Touch("down")}},
+                              {"first", kRight, {Touch("first")}},
+                              {"second", kRight, {Touch("second")}}});
+  const auto probe = StartProbe();
+  StartGromlit();
+  Draw(kDrawRight);
+  EXPECT_TRUE(Appears("first"));
+  Draw(kDrawDown);
+  EXPECT_TRUE(Appears("down"));
+  EXPECT_FALSE(testing::Exists(MarkFile("second")));
+  EXPECT_TRUE(probe->Lines("Button").empty()) << "a stroke must not click";
+}
+
+TEST_P(CaptureTest, ClassWithoutAPluginIsOfferedOneFirstAndServedByDefaultThen) {
+  WritePlugin("Default", {{"right", kRight, {Touch("default")}}});
+  const auto probe = StartProbe();
+  StartGromlit();
+  Draw(kDrawRight);
+  EXPECT_TRUE(PointerBecomesFree());
+  // A stroke elsewhere that does act shows that the first one is over and did nothing.
+  WritePlugin("unused", {});
+  Draw(kDrawDown);
+  EXPECT_TRUE(PointerBecomesFree());
+  EXPECT_FALSE(testing::Exists(MarkFile("default")));
+  Draw(kDrawRight);
+  EXPECT_TRUE(Appears("default"));
+}
+
+TEST_P(CaptureTest, BareRootIsTheDesktop) {
+  WritePlugin("Desktop", {{"right", kRight, {Touch("desktop")}}});
+  WritePlugin("Default", {{"right", kRight, {Touch("default")}}});
+  StartGromlit();
+  Draw({{800, 900}, {1100, 900}});
+  EXPECT_TRUE(Appears("desktop"));
+  EXPECT_FALSE(testing::Exists(MarkFile("default")));
+}
+
+TEST_P(CaptureTest, ShortPressIsExactlyOneSyntheticClickAtThePress) {
+  const auto probe = StartProbe();
+  StartGromlit();
+  Go(kInProbe);
+  player->Press(3);
+  Go({kInProbe.x + 2, kInProbe.y + 3});
+  Go({kInProbe.x + 3, kInProbe.y + 1});
+  player->Release(3);
+  const auto lines = probe->Wait(2, "Button");
+  ASSERT_EQ(lines.size(), 2u);
+  EXPECT_EQ(lines[0], ButtonLine("ButtonPress", kInProbe, probe->window(), 0, true));
+  EXPECT_EQ(lines[1], ButtonLine("ButtonRelease", kInProbe, probe->window(), 0, true));
+}
+
+TEST_P(CaptureTest, PressWithoutMotionIsAClickToo) {
+  const auto probe = StartProbe();
+  StartGromlit();
+  Go(kInProbe);
+  player->Click(3);
+  EXPECT_EQ(probe->Wait(2, "Button").size(), 2u);
+}
+
+TEST_P(CaptureTest, PressWithShiftOrNumLockIsLeftAlone) {
+  const auto probe = StartProbe();
+  StartGromlit();
+  Go(kInProbe);
+  player->KeyDown(XK_Shift_L);
+  player->Click(3);
+  player->KeyUp(XK_Shift_L);
+  auto lines = probe->Wait(2, "Button");
+  ASSERT_EQ(lines.size(), 2u);
+  EXPECT_EQ(lines[0], ButtonLine("ButtonPress", kInProbe, probe->window(), ShiftMask, false));
+  player->Type(XK_Num_Lock);
+  player->Click(3);
+  lines = probe->Wait(4, "Button");
+  ASSERT_EQ(lines.size(), 4u);
+  EXPECT_EQ(lines[2], ButtonLine("ButtonPress", kInProbe, probe->window(), Mod2Mask, false));
+}
+
+TEST_P(CaptureTest, PressWhileAnotherButtonIsHeldIsReplayed) {
+  // The first press goes to nobody, so that no implicit grab keeps the second one away.
+  const auto probe = StartProbe({"--events", "0"});
+  const auto other = std::make_unique<ProbeClient>(
+      install->path(), std::vector<std::string>{"--class", "Other", "other", "--geometry",
+                                                "200x200+950+100", "--override-redirect"});
+  StartGromlit();
+  Go(kInProbe);
+  player->Press(1);
+  Go({1000, 150});
+  player->Press(3);
+  const auto lines = other->Wait(1, "ButtonPress");
+  ASSERT_FALSE(lines.empty());
+  EXPECT_NE(lines[0].find("button=3 state=256 "), std::string::npos) << lines[0];
+  EXPECT_NE(lines[0].find("send_event=0"), std::string::npos) << lines[0];
+  player->Release(3);
+  player->Release(1);
+  EXPECT_TRUE(PointerBecomesFree());
+}
+
+TEST_P(CaptureTest, SecondButtonAbandonsTheStroke) {
+  WritePlugin("Probe.probe",
+              {{"right", kRight, {Touch("right")}}, {"down", kDown, {Touch("down")}}});
+  const auto probe = StartProbe();
+  StartGromlit();
+  Go(kDrawRight[0]);
+  player->Press(3);
+  Trace(kDrawRight);
+  EXPECT_TRUE(WaitFor([this] { return !MappedOverlays().empty(); }));
+  player->Press(1);
+  EXPECT_TRUE(WaitFor([this] { return MappedOverlays().empty(); }));
+  Go({700, 700});  // not frozen
+  player->Release(3);
+  player->Release(1);
+  EXPECT_TRUE(PointerBecomesFree());
+  Draw(kDrawDown);
+  EXPECT_TRUE(Appears("down"));
+  EXPECT_FALSE(testing::Exists(MarkFile("right")));
+  EXPECT_TRUE(probe->Lines("Button").empty());
+}
+
+TEST_P(CaptureTest, PressesWhileAnActionWaitsFreezeNothing) {
+  WritePlugin("Probe.probe", {{"slow",
+                               kRight,
+                               {Touch("started"),
+                                {kRun, "system:wait"},
+                                {kRun, "system:wait"},
+                                {kRun, "system:wait"},
+                                {kRun, "system:wait"},
+                                {kRun, "system:wait"},
+                                {kRun, "system:wait"},
+                                {kRun, "system:wait"},
+                                {kRun, "system:wait"},
+                                Touch("ended")}}});
+  const auto probe = StartProbe();
+  StartGromlit();
+  Draw(kDrawRight);
+  ASSERT_TRUE(Appears("started"));
+  Go({500, 500});
+  player->Press(3);
+  const auto lines = probe->Wait(1, "ButtonPress");
+  ASSERT_FALSE(lines.empty());
+  EXPECT_NE(lines[0].find("send_event=0"), std::string::npos) << lines[0];
+  Go({700, 700});
+  player->Release(3);
+  EXPECT_TRUE(PointerBecomesFree());
+  EXPECT_FALSE(testing::Exists(MarkFile("ended"))) << "the action was over before the press";
+  EXPECT_TRUE(Appears("ended"));
+  // The draw button is captured again.
+  Draw(kDrawRight);
+  EXPECT_TRUE(PointerBecomesFree());
+  EXPECT_EQ(probe->Lines("ButtonPress").size(), 1u);
+}
+
+TEST_P(CaptureTest, LongStrokeKeepsItsFirst256Points) {
+  // To the right for 255 motions, then back to the start: with all points the stroke ends in its
+  // first third, with the first 256 it ends on the right.
+  WritePlugin("Probe.probe",
+              {{"there and back", {{16, 136}, {264, 136}, {16, 136}}, {Touch("all")}},
+               {"right", kRight, {Touch("kept")}}});
+  const auto probe = StartProbe();
+  StartGromlit();
+  Draw({{400, 400}, {655, 400}, {410, 400}}, 3, 1);
+  EXPECT_TRUE(Appears("kept"));
+  EXPECT_FALSE(testing::Exists(MarkFile("all")));
+}
+
+TEST_P(CaptureTest, StrokeOf255MotionsIsKeptWhole) {
+  WritePlugin("Probe.probe",
+              {{"there and back", {{16, 136}, {264, 136}, {16, 136}}, {Touch("all")}},
+               {"right", kRight, {Touch("kept")}}});
+  const auto probe = StartProbe();
+  StartGromlit();
+  Draw({{400, 400}, {527, 400}, {399, 400}}, 3, 1);
+  EXPECT_TRUE(Appears("all"));
+}
+
+TEST_P(CaptureTest, TrailIsInvertedAndGrowsWithThePointer) {
+  WritePlugin("Probe.probe", {{"ell", kEll, {Touch("ell")}}});
+  const auto probe = StartProbe();
+  StartGromlit();
+  Go({350, 400});
+  const unsigned long before = player->Pixel(400, 400);
+  player->Press(3);
+  Trace({{350, 400}, {450, 400}});
+  EXPECT_TRUE(WaitFor([&] { return player->Pixel(400, 400) == (~before & 0xffffff); }));
+  EXPECT_EQ(player->Pixel(400, 410), before);
+  std::vector<Window> overlays = MappedOverlays();
+  ASSERT_EQ(overlays.size(), 1u);
+  XWindowAttributes attributes{};
+  XGetWindowAttributes(player->display(), overlays[0], &attributes);
+  EXPECT_EQ(attributes.width, 500);
+  // The first motion lies at (375, 375) of the small window.
+  EXPECT_EQ(attributes.x, 358 - 375);
+  EXPECT_EQ(attributes.y, 400 - 375);
+  Trace({{450, 400}, {850, 400}});
+  EXPECT_TRUE(
+      WaitFor([&] { return player->Pixel(800, 400) == (~player->Pixel(800, 420) & 0xffffff); }));
+  XGetWindowAttributes(player->display(), overlays[0], &attributes);
+  EXPECT_GT(attributes.width, 850 - attributes.x);
+  EXPECT_EQ(attributes.height, 500);
+  Trace({{850, 400}, {850, 720}});
+  EXPECT_TRUE(WaitFor([&] {
+    XGetWindowAttributes(player->display(), overlays[0], &attributes);
+    return attributes.height > 500;
+  }));
+  EXPECT_EQ(MappedOverlays().size(), 1u);
+  player->Release(3);
+  EXPECT_TRUE(WaitFor([this] { return MappedOverlays().empty(); }));
+  EXPECT_EQ(player->Pixel(400, 400), before);
+}
+
+TEST_P(CaptureTest, TrailSwitchesToTheFullScreenNearItsLeftAndTopEdge) {
+  WritePlugin("Probe.probe", {{"left", kLeft, {Touch("left")}}, {"up", kUp, {Touch("up")}}});
+  const auto probe = StartProbe();
+  StartGromlit();
+  for (const bool up : {false, true}) {
+    const Point from = {850, 700};
+    const Point to = up ? Point{850, 310} : Point{440, 700};
+    Go(from);
+    player->Press(3);
+    Trace({from, to});
+    EXPECT_TRUE(WaitFor([this] { return MappedOverlays().size() == 2; }));
+    bool full = false;
+    for (const Window overlay : MappedOverlays()) {
+      XWindowAttributes attributes{};
+      XGetWindowAttributes(player->display(), overlay, &attributes);
+      full |= attributes.width == 1280 && attributes.height == 1024;
+    }
+    EXPECT_TRUE(full);
+    player->Release(3);
+    EXPECT_TRUE(Appears(up ? "up" : "left"));
+    EXPECT_TRUE(WaitFor([this] { return MappedOverlays().empty(); }));
+  }
+}
+
+TEST_P(CaptureTest, TrailStaysUntilTheActionHasRun) {
+  WritePlugin("Probe.probe", {{"slow",
+                               kRight,
+                               {Touch("started"),
+                                {kRun, "system:wait"},
+                                {kRun, "system:wait"},
+                                {kRun, "system:wait"},
+                                {kRun, "system:wait"},
+                                Touch("ended")}}});
+  const auto probe = StartProbe();
+  StartGromlit();
+  Draw(kDrawRight);
+  ASSERT_TRUE(Appears("started"));
+  const bool shown = !MappedOverlays().empty();
+  EXPECT_TRUE(shown || testing::Exists(MarkFile("ended")));
+  EXPECT_TRUE(Appears("ended"));
+  EXPECT_TRUE(WaitFor([this] { return MappedOverlays().empty(); }));
+}
+
+TEST_P(CaptureTest, TargetThatDiesInMidStrokeHarmsNothing) {
+  WritePlugin("Probe.probe", {{"keys", kRight, {{kHotKey, "a", kKeyA, 0}, Touch("ran")}}});
+  auto probe = StartProbe();
+  StartGromlit();
+  Go(kDrawRight[0]);
+  player->Press(3);
+  Trace({kDrawRight[0], {500, 400}});
+  probe->process().Kill(SIGKILL);
+  Trace({{500, 400}, kDrawRight[1]});
+  player->Release(3);
+  EXPECT_TRUE(Appears("ran"));
+  EXPECT_TRUE(gromlit->Running());
+  // A click whose target died is lost silently.
+  probe = StartProbe();
+  Go(kInProbe);
+  player->Press(3);
+  probe->process().Kill(SIGKILL);
+  player->Release(3);
+  EXPECT_TRUE(PointerBecomesFree());
+  EXPECT_TRUE(gromlit->Running());
+}
+
+TEST_P(CaptureTest, StrokeOnTheOwnMainWindowWithoutAPluginDoesNothing) {
+  WritePlugin("Default", {{"right", kRight, {Touch("default")}}});
+  StartGromlit();
+  const Window main = MainWindow();
+  ASSERT_NE(main, 0u);
+  const Point origin = Origin(main);
+  for (int i = 0; i < 3; i++) {
+    Draw({{origin.x + 40, origin.y + 100}, {origin.x + 300, origin.y + 100}});
+    EXPECT_TRUE(PointerBecomesFree());
+  }
+  EXPECT_FALSE(testing::Exists(MarkFile("default")));
+}
+
+TEST_P(CaptureTest, MotionOfExactlyTheSensitivityIsAStroke) {
+  WriteOptions(3, 10);
+  WritePlugin("Probe.probe", {{"right", kRight, {Touch("stroke")}}});
+  const auto probe = StartProbe();
+  StartGromlit();
+  // The distance is measured from the first motion.
+  Draw({{400, 400}, {401, 400}, {410, 400}}, 3, 1);
+  EXPECT_EQ(probe->Wait(2, "Button").size(), 2u);
+  Draw({{400, 400}, {401, 400}, {411, 400}}, 3, 1);
+  EXPECT_TRUE(Appears("stroke"));
+  EXPECT_EQ(probe->Lines("Button").size(), 2u);
+}
+
+TEST_P(CaptureTest, PressWithoutMotionIsAStrokeWhenTheSensitivityIsZero) {
+  WriteOptions(3, 0);
+  WritePlugin("Probe.probe", {{"dot", {{16, 16}, {16, 16}}, {Touch("own")}}});
+  WritePlugin("Default", {{"dot", {{16, 16}, {16, 16}}, {Touch("default")}}});
+  const auto probe = StartProbe();
+  StartGromlit();
+  Go(kInProbe);
+  player->Click(3);
+  EXPECT_TRUE(PointerBecomesFree());
+  player->Click(3);
+  EXPECT_TRUE(Appears("default"));
+  EXPECT_FALSE(testing::Exists(MarkFile("own")));
+  EXPECT_TRUE(probe->Lines("Button").empty());
+}
+
+TEST_P(CaptureTest, EveryDrawButtonWorks) {
+  for (const int button : {1, 2, 3, 4, 5}) {
+    WriteOptions(button);
+    const std::string mark = "button" + std::to_string(button);
+    WritePlugin("Probe.probe", {{"right", kRight, {Touch(mark)}}});
+    const auto probe = StartProbe();
+    StartGromlit();
+    Draw(kDrawRight, button);
+    EXPECT_TRUE(Appears(mark));
+    gromlit->Kill(SIGTERM);
+    gromlit->Wait();
+    probe->process().Kill(SIGTERM);
+    probe->process().Wait();
+    EXPECT_TRUE(WaitFor([this] { return !GromlitIsReady(); }));
+  }
+}
+
+TEST_P(CaptureTest, ButtonOutOfRangeIsTheRightOne) {
+  WriteOptions(0);
+  WritePlugin("Probe.probe", {{"right", kRight, {Touch("right")}}});
+  const auto probe = StartProbe();
+  StartGromlit();
+  Go(kInProbe);
+  player->Click(1);
+  const auto lines = probe->Wait(2, "Button");
+  ASSERT_EQ(lines.size(), 2u);
+  EXPECT_NE(lines[0].find("button=1"), std::string::npos);
+  EXPECT_NE(lines[0].find("send_event=0"), std::string::npos);
+  Draw(kDrawRight);
+  EXPECT_TRUE(Appears("right"));
+}
+
+TEST_P(CaptureTest, KeysGoToTheProbeWithThePositionOfTheStroke) {
+  WritePlugin("Probe.probe", {{"keys", kRight, {{kHotKey, "Control-a", kKeyA, ControlMask}}}});
+  const auto probe = StartProbe();
+  StartGromlit();
+  // After the start: a window manager may have given the focus to the new main window.
+  ASSERT_TRUE(WaitFor([&] {
+    XSetInputFocus(player->display(), probe->window(), RevertToPointerRoot, CurrentTime);
+    Window focus;
+    int revert;
+    XGetInputFocus(player->display(), &focus, &revert);
+    return focus == probe->window();
+  }));
+  Draw(kDrawRight);
+  const auto lines = probe->Wait(2, "Key");
+  const Point origin = Origin(probe->window());
+  char expected[200];
+  std::snprintf(expected, sizeof expected,
+                "KeyPress window=main keycode=38 state=4 x=%d y=%d x_root=400 y_root=400 "
+                "send_event=1",
+                400 - origin.x, 400 - origin.y);
+  ASSERT_EQ(lines.size(), 2u);
+  EXPECT_EQ(lines[0], expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Alone, CaptureTest, ::testing::Values(""));
+INSTANTIATE_TEST_SUITE_P(Openbox, CaptureTest, ::testing::Values("openbox"));
+
+}  // namespace
+}  // namespace gromlit

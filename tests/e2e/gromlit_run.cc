@@ -1,0 +1,275 @@
+#include "tests/e2e/gromlit_run.h"
+
+#include <X11/Xatom.h>
+#include <X11/Xutil.h>
+#include <signal.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+#include "core/option_files.h"
+#include "core/plugin_files.h"
+#include "core/strings.h"
+
+namespace gromlit::testing {
+namespace {
+
+int IgnoreError(Display*, XErrorEvent*) {
+  return 0;
+}
+
+std::vector<std::string> LinesOf(const std::string& path, const std::string& start) {
+  std::istringstream in(ReadText(path));
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(in, line);) {
+    if (line.starts_with(start)) lines.push_back(line);
+  }
+  return lines;
+}
+
+std::vector<Window> ChildrenOf(Display* display, Window window) {
+  Window root;
+  Window parent;
+  Window* list = nullptr;
+  unsigned count = 0;
+  if (XQueryTree(display, window, &root, &parent, &list, &count) == 0) return {};
+  std::vector<Window> children(list, list + count);
+  if (list != nullptr) XFree(list);
+  return children;
+}
+
+Window FindByClass(Display* display, Window window, const std::string& name) {
+  XClassHint hint{};
+  if (XGetClassHint(display, window, &hint) != 0) {
+    const bool found = name == hint.res_name && std::string("Gromlit") == hint.res_class;
+    XFree(hint.res_name);
+    XFree(hint.res_class);
+    if (found) return window;
+  }
+  for (const Window child : ChildrenOf(display, window)) {
+    if (const Window found = FindByClass(display, child, name)) return found;
+  }
+  return 0;
+}
+
+GromlitCmd* MakeCommand(const Command& command) {
+  auto* cmd = new GromlitCmd{};
+  cmd->type = command.type;
+  cmd->nkeys = command.keycode != 0 ? 1 : 0;
+  cmd->keycode[0] = static_cast<uint16_t>(command.keycode);
+  cmd->keystate[0] = static_cast<uint16_t>(command.keystate);
+  cmd->checked = static_cast<uint8_t>(command.checked);
+  cmd->text = StrDup(command.text.c_str());
+  cmd->ntext = static_cast<uint32_t>(command.text.size());
+  return cmd;
+}
+
+}  // namespace
+
+ProbeClient::ProbeClient(const std::string& directory, std::vector<std::string> options) {
+  static int number = 0;
+  const std::string base = directory + "/probe" + std::to_string(number++);
+  output_ = base + ".out";
+  events_ = base + ".events";
+  std::vector<std::string> argv = {std::string(GROMLIT_BUILD) + "/tests/probe", "--output",
+                                   events_};
+  argv.insert(argv.end(), options.begin(), options.end());
+  process_ = std::make_unique<Process>(argv, output_);
+  const auto ready = [this] { return LinesOf(output_, "ready ").size() == 1; };
+  if (!WaitFor(ready)) {
+    ADD_FAILURE() << "the probe did not come up: " << ReadText(output_);
+    return;
+  }
+  window_ = std::strtoul(LinesOf(output_, "ready ")[0].c_str() + 6, nullptr, 0);
+}
+
+std::vector<std::string> ProbeClient::Lines(const std::string& start) const {
+  return LinesOf(events_, start);
+}
+
+std::vector<std::string> ProbeClient::Wait(size_t n, const std::string& start) const {
+  if (!WaitFor([&] { return Lines(start).size() >= n; })) {
+    ADD_FAILURE() << "expected " << n << " lines \"" << start << "\", got:\n" << ReadText(events_);
+  }
+  return Lines(start);
+}
+
+void GromlitRun::SetUp() {
+  server = std::make_unique<XServer>();
+  install = std::make_unique<TempInstall>();
+  player = std::make_unique<Player>(server->name());
+  XSetErrorHandler(IgnoreError);  // the test looks at windows of others that may just be gone
+  WriteOptions();
+  player->MoveTo(1, 1);
+}
+
+void GromlitRun::TearDown() {
+  if (gromlit != nullptr && gromlit->Running()) {
+    EXPECT_TRUE(PointerBecomesFree()) << "the pointer stays grabbed";
+    gromlit->Kill(SIGTERM);
+    gromlit->Wait();
+  }
+  const std::string output = GromlitOutput();
+  EXPECT_EQ(output.find("ERROR: AddressSanitizer"), std::string::npos) << output;
+  EXPECT_EQ(output.find("runtime error:"), std::string::npos) << output;
+  manager.reset();
+  player.reset();
+  gromlit.reset();
+  install.reset();
+  server.reset();
+}
+
+void GromlitRun::WritePlugin(const std::string& classname, const std::vector<Action>& actions) {
+  GromlitPlugin plugin{};
+  CopyText(plugin.appname, classname);
+  CopyText(plugin.classname, classname);
+  for (const Action& from : actions) {
+    auto* action = new GromlitAction{};
+    CopyText(action->name, from.name);
+    CopyText(action->sym.name, from.name);
+    for (const Point& point : from.shape) {
+      const int k = ++action->sym.npoints;
+      action->sym.x[k] = static_cast<uint16_t>(point.x);
+      action->sym.y[k] = static_cast<uint16_t>(point.y);
+    }
+    for (const Command& command : from.commands) {
+      action->cmds[action->ncmds++] = MakeCommand(command);
+    }
+    plugin.actions[plugin.nactions++] = action;
+  }
+  ASSERT_NE(UnLoadPlugin(&plugin, classname.c_str()), nullptr);
+  for (int i = 0; i < plugin.nactions; i++) {
+    for (uint32_t j = 0; j < plugin.actions[i]->ncmds; j++) {
+      std::free(plugin.actions[i]->cmds[j]->text);
+      delete plugin.actions[i]->cmds[j];
+    }
+    delete plugin.actions[i];
+  }
+}
+
+void GromlitRun::WriteOptions(int button, int sensitivity) {
+  GromlitUserOptions options{};
+  DefaultUserOptions(&options);
+  options.splash = 0;
+  options.button = button;
+  options.sensitivity = sensitivity;
+  CopyText(options.urlcmd, "recorder url %s");
+  CopyText(options.sndcmd, "recorder sound %s");
+  ASSERT_EQ(SaveUserOptions(&options, defaultOptionFile), 1);
+}
+
+void GromlitRun::StartWindowManager(const std::string& name) {
+  std::vector<std::string> argv = {name};
+  if (name == "twm") argv.insert(argv.end(), {"-f", "/dev/null"});
+  manager = std::make_unique<Process>(argv, *install / "manager.log");
+  // It is there when it redirects the root window's substructure, and ready when it brings a window
+  // up: a request to map one that arrives in the middle of its start-up may be overlooked.
+  Display* display = player->display();
+  ASSERT_TRUE(WaitFor([&] {
+    XWindowAttributes attributes{};
+    XGetWindowAttributes(display, player->root(), &attributes);
+    return (attributes.all_event_masks & SubstructureRedirectMask) != 0;
+  })) << name
+      << " did not start";
+  const auto brings_up = [&] {
+    const Window trial = XCreateSimpleWindow(display, player->root(), 0, 0, 50, 50, 0, 0, 0);
+    XSizeHints place{};
+    place.flags = USPosition | USSize;  // twm asks the user for the place of any other window
+    XSetWMNormalHints(display, trial, &place);
+    XMapWindow(display, trial);
+    const bool up = WaitFor(
+        [&] {
+          XWindowAttributes attributes{};
+          XGetWindowAttributes(display, trial, &attributes);
+          return attributes.map_state == IsViewable;
+        },
+        std::chrono::milliseconds(300));
+    XDestroyWindow(display, trial);
+    XSync(display, False);
+    return up;
+  };
+  EXPECT_TRUE(WaitFor(brings_up, std::chrono::seconds(20))) << name << " manages nothing";
+}
+
+void GromlitRun::StartGromlit(bool ready, std::vector<std::string> arguments) {
+  std::vector<std::string> argv = {std::string(GROMLIT_BUILD) + "/gromlit"};
+  if (arguments.empty()) arguments = {"-path", install->path()};
+  argv.insert(argv.end(), arguments.begin(), arguments.end());
+  const char* path = std::getenv("PATH");
+  gromlit =
+      std::make_unique<Process>(argv, *install / "gromlit.log",
+                                std::vector<std::string>{"PATH=" + std::string(GROMLIT_BUILD) +
+                                                         "/tests:" + (path != nullptr ? path : "")},
+                                install->path());
+  if (ready) {
+    ASSERT_TRUE(WaitFor([this] { return GromlitIsReady(); }, std::chrono::seconds(30)))
+        << GromlitOutput();
+  }
+}
+
+bool GromlitRun::GromlitIsReady() {
+  XWindowAttributes attributes{};
+  XGetWindowAttributes(player->display(), player->root(), &attributes);
+  return (attributes.all_event_masks & SubstructureNotifyMask) != 0;
+}
+
+void GromlitRun::Go(Point to) {
+  player->MoveTo(to.x, to.y);
+  EXPECT_TRUE(WaitFor([&] {
+    const Player::Pointer at = player->Where();
+    return at.x == to.x && at.y == to.y;
+  })) << "the pointer does not move";
+}
+
+void GromlitRun::Trace(const std::vector<Point>& corners, int step) {
+  for (size_t i = 1; i < corners.size(); i++) {
+    const Point from = corners[i - 1];
+    const Point to = corners[i];
+    const int longest = std::max(std::abs(to.x - from.x), std::abs(to.y - from.y));
+    const int steps = std::max(1, longest / step);
+    for (int k = 1; k <= steps; k++) {
+      Go({from.x + (to.x - from.x) * k / steps, from.y + (to.y - from.y) * k / steps});
+    }
+  }
+}
+
+void GromlitRun::Draw(const std::vector<Point>& corners, int button, int step) {
+  Go(corners[0]);
+  player->Press(button);
+  Trace(corners, step);
+  player->Release(button);
+}
+
+bool GromlitRun::PointerBecomesFree() {
+  return WaitFor([this] { return player->CanGrabPointer(); });
+}
+
+std::vector<Window> GromlitRun::MappedOverlays() {
+  std::vector<Window> mapped;
+  for (const Window child : ChildrenOf(player->display(), player->root())) {
+    XWindowAttributes attributes{};
+    if (XGetWindowAttributes(player->display(), child, &attributes) == 0) continue;
+    if (attributes.override_redirect && attributes.map_state == IsViewable &&
+        attributes.width >= 500) {
+      mapped.push_back(child);
+    }
+  }
+  return mapped;
+}
+
+Window GromlitRun::MainWindow() {
+  return FindByClass(player->display(), player->root(), "Application");
+}
+
+Command GromlitRun::Touch(const std::string& name) const {
+  return {kRun, "touch " + MarkFile(name)};
+}
+
+bool GromlitRun::Appears(const std::string& name) {
+  return WaitFor([&] { return Exists(MarkFile(name)); });
+}
+
+}  // namespace gromlit::testing

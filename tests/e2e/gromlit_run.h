@@ -1,0 +1,110 @@
+// Fixture for tests of the built program: a private server, an installation directory, other
+// clients, and the user.
+//
+// Points of synchronisation: the program is ready when it follows the pointer (the last step of its
+// start-up); a press has been taken in by a capture when the first motion behind it has moved the
+// pointer, which stands still until then; a stroke is over when its effect is there.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "core/gromlit.h"
+#include "tests/support/temp_install.h"
+#include "tests/support/x_server.h"
+
+namespace gromlit::testing {
+
+struct Point {
+  int x;
+  int y;
+  bool operator==(const Point&) const = default;
+};
+
+// What an action of a test's plug-in does.
+struct Command {
+  CommandType type;
+  std::string text;
+  int keycode = 0;  // of a HotKey or Menu command
+  int keystate = 0;
+  int checked = 0;
+};
+
+struct Action {
+  std::string name;
+  std::vector<Point> shape;  // corner points in editor pixels
+  std::vector<Command> commands;
+};
+
+// Shapes in editor pixels, and strokes in screen pixels that match them when drawn from a point.
+inline const std::vector<Point> kRight = {{16, 136}, {264, 136}};
+inline const std::vector<Point> kLeft = {{264, 136}, {16, 136}};
+inline const std::vector<Point> kDown = {{136, 16}, {136, 264}};
+inline const std::vector<Point> kUp = {{136, 264}, {136, 16}};
+inline const std::vector<Point> kEll = {{16, 16}, {16, 264}, {264, 264}};
+
+// A probe client (tests/support/probe.cc) and what it wrote down.
+class ProbeClient {
+ public:
+  // Starts the probe with these options; the constructor returns when its window is viewable.
+  ProbeClient(const std::string& directory, std::vector<std::string> options);
+
+  Window window() const { return window_; }
+  // Lines whose text begins with `start`.
+  std::vector<std::string> Lines(const std::string& start = "") const;
+  // Waits until there are at least n such lines and returns them; fails the test at the deadline.
+  std::vector<std::string> Wait(size_t n, const std::string& start) const;
+  Process& process() { return *process_; }
+
+ private:
+  std::string output_;
+  std::string events_;
+  std::unique_ptr<Process> process_;
+  Window window_ = 0;
+};
+
+class GromlitRun : public ::testing::Test {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+
+  // Writes a plug-in of this class into the installation directory.
+  void WritePlugin(const std::string& classname, const std::vector<Action>& actions);
+  // Options for a run without a splash; `change` may alter them.
+  void WriteOptions(int button = 3, int sensitivity = 4);
+
+  // Starts a window manager ("openbox" or "twm") and waits until it manages the screen.
+  void StartWindowManager(const std::string& name = "openbox");
+  // Starts the program; waits until it follows the pointer unless it is not expected to.
+  void StartGromlit(bool ready = true, std::vector<std::string> arguments = {});
+  bool GromlitIsReady();
+  std::string GromlitOutput() const { return ReadText(*install / "gromlit.log"); }
+
+  // Moves the pointer and waits until it is there.
+  void Go(Point to);
+  // Draws with the draw button through these screen points, in steps of `step` pixels.
+  void Draw(const std::vector<Point>& corners, int button = 3, int step = 8);
+  void Trace(const std::vector<Point>& corners, int step = 8);
+  // Waits until the pointer can be grabbed by another client.
+  bool PointerBecomesFree();
+  // Windows that cover the screen or show a trail now: mapped override-redirect children of root.
+  std::vector<Window> MappedOverlays();
+  // The main window, found by its class hint.
+  Window MainWindow();
+
+  std::string MarkFile(const std::string& name) const { return *install / name; }
+  // A Run command that makes the file NAME below the installation directory.
+  Command Touch(const std::string& name) const;
+  bool Appears(const std::string& name);
+
+  std::unique_ptr<XServer> server;
+  std::unique_ptr<TempInstall> install;
+  std::unique_ptr<Player> player;
+  std::unique_ptr<Process> manager;
+  std::unique_ptr<Process> gromlit;
+};
+
+}  // namespace gromlit::testing
