@@ -47,13 +47,23 @@ constexpr Caption kHeadings[] = {
 };
 
 constexpr Caption kLabels[] = {
-    {kLeft + 20, 157, "checked"}, {kLeft + 120, 157, "unchecked"},
-    {kLeft, 258, "clickable"},    {kLeft + 120, 258, "passive"},
-    {kLeft, 464, "raised"},       {kLeft + 70, 464, "sunken"},
-    {kLeft + 140, 464, "flat"},   {kLeft + 210, 464, "inverted"},
-    {kMiddle, 586, "top"},        {kMiddle + 60, 586, "middle"},
-    {kMiddle + 124, 586, "end"},  {kMiddle + 180, 586, "all shown"},
+    {kLeft + 20, 157, "checked"},  {kLeft + 120, 157, "unchecked"}, {kLeft, 258, "clickable"},
+    {kLeft + 120, 258, "passive"}, {kLeft, 464, "raised"},          {kLeft + 70, 464, "sunken"},
+    {kLeft + 140, 464, "flat"},    {kLeft + 210, 464, "inverted"},
 };
+
+struct ScrollbarPose {
+  const char* label;  // below the scrollbar
+  int range;
+  int pos;
+};
+
+constexpr int kScrollHeight = 140;
+constexpr ScrollbarPose kScrollbars[] = {{"top", 3 * kScrollHeight, 0},
+                                         {"middle", 3 * kScrollHeight, 38},
+                                         {"end", 8 * kScrollHeight, kScrollHeight},
+                                         {"all shown", 1, 0}};
+constexpr int kScrollStep = kColumn / static_cast<int>(std::size(kScrollbars));
 
 // The record that callbacks without an argument of their own report to.
 Gallery* shown = nullptr;
@@ -82,8 +92,16 @@ void DrawGallery(Gallery* gallery, XEvent* event) {
   for (const Caption& heading : kHeadings) DrawText(win, gc, heading.x, heading.y, heading.text);
   XSetForeground(dpy, gc, black.pixel);
   for (const Caption& label : kLabels) DrawText(win, gc, label.x, label.y, label.text);
+  int left = kMiddle;
+  for (const ScrollbarPose& bar : kScrollbars) {
+    DrawCentredText(win, gc, left, kScrollStep, 586, bar.label,
+                    TextWidth(labelFontinfo, bar.label));
+    left += kScrollStep;
+  }
   XDrawBevel(kRaised, win, gc, kLeft, 412, 60, 36);
   XDrawBevel(kSunken, win, gc, kLeft + 70, 412, 60, 36);
+  // On the light grey ground it would not be seen.
+  FillRectangle(win, gc, white.pixel, kLeft + 140, 412, 60, 36);
   XDrawBevel(kFlat, win, gc, kLeft + 140, 412, 60, 36);
   FillRectangle(win, gc, white.pixel, kLeft + 210, 412, 60, 36);
   InvertRectangle(win, gc, kLeft + 220, 420, 40, 20);
@@ -281,15 +299,10 @@ void MakeTabs(Gallery* gallery) {
 }
 
 void MakeScrollbars(Gallery* gallery) {
-  constexpr int kHeight = 140;
-  constexpr struct {
-    int x;
-    int range;
-    int pos;
-  } kBars[] = {
-      {4, 3 * kHeight, 0}, {70, 3 * kHeight, 38}, {128, 8 * kHeight, kHeight}, {190, 1, 0}};
-  for (const auto& bar : kBars) {
-    XScrollbar* sb = MakeScrollbar(gallery->window, kMiddle + bar.x, 430, kHeight);
+  int x = kMiddle + (kScrollStep - kScrollbarWidth) / 2;
+  for (const ScrollbarPose& bar : kScrollbars) {
+    XScrollbar* sb = MakeScrollbar(gallery->window, x, 430, kScrollHeight);
+    x += kScrollStep;
     sb->range = bar.range;
     sb->pos = bar.pos;
     sb->scroll = Scrolled;
@@ -312,7 +325,7 @@ void MakeTextSelection(Gallery* gallery) {
 void MakeDialogs(Gallery* gallery) {
   static constexpr const char* kQuestion[] = {"Applications of this kind have no plug-in",
                                               "yet. Make one from the default plug-in?", nullptr};
-  static constexpr const char* kMessage[] = {"The symbol was saved in the symbol library", nullptr};
+  static constexpr const char* kMessage[] = {"The symbol is saved in the symbol library", nullptr};
   gallery->question = MakeDialog("Confirm", kQuestion, AnsweredYes, 0, 0);
   gallery->message = MakeMsgDialog("Gromlit", kMessage, 0, 0);
   gallery->popup = MakeDialog("Question", kQuestion, PopupYes, 0, 0);

@@ -71,7 +71,7 @@ TEST_F(GalleryTest, TheWidgetsAnswerTheMouse) {
   EXPECT_EQ(ClickAt(156, 224), "Tile: L");  // a passive one says nothing
   EXPECT_EQ(ClickAt(340, 294), "Tab: Hot key");
   // Button 1 would keep the scrollbar's handler busy until its release.
-  EXPECT_EQ(ClickAt(323, 564, 3), "Scrollbar: offset 3") << "one step of the down arrow";
+  EXPECT_EQ(ClickAt(347, 564, 3), "Scrollbar: offset 3") << "one step of the down arrow";
 }
 
 TEST_F(GalleryTest, AMenuOfTheBarIsChosenFromWithTheButtonHeld) {
@@ -140,7 +140,7 @@ void Storm(testing::Player* hand, unsigned seed, int nevents, std::atomic<int>* 
   constexpr int kSpots[][2] = {{48, 74},   {120, 74},  {192, 74},  {84, 104},  {176, 104},
                                {22, 153},  {122, 153}, {36, 224},  {84, 224},  {150, 306},
                                {150, 338}, {340, 76},  {360, 205}, {450, 163}, {340, 294},
-                               {440, 294}, {323, 437}, {323, 520}, {389, 500}, {447, 553},
+                               {440, 294}, {347, 437}, {347, 520}, {417, 500}, {487, 553},
                                {740, 78},  {740, 140}, {875, 150}, {774, 404}, {846, 404},
                                {852, 551}, {28, 14},   {86, 14},   {138, 14},  {80, 650}};
   std::mt19937 random(seed);
