@@ -1,6 +1,7 @@
 // The main window's menu bar and the commands behind it.
 //
 // All commands have the form of menu actions; their arguments are not looked at, they act on `app`.
+// A command whose dialog or editor was not made does nothing.
 #pragma once
 
 #include "app/gromlit_app.h"

@@ -271,7 +271,8 @@ GromlitPlugin* FindPlugin(const char* classname) {
   return node == nullptr ? nullptr : node->plugin;
 }
 
-GromlitPlugin* CreatePlugin(const char* appname, const char* classname) {
+GromlitPlugin* CreatePlugin(const char* appname, const char* classname, bool* saved) {
+  if (saved != nullptr) *saved = true;
   if (GromlitPlugin* known = FindPlugin(classname)) return known;
   auto* plugin = new (std::nothrow) GromlitPlugin();
   if (plugin == nullptr) return nullptr;
@@ -282,7 +283,8 @@ GromlitPlugin* CreatePlugin(const char* appname, const char* classname) {
   if (!name.empty() && stat(PluginPath(name).c_str(), &st) == 0 && S_ISREG(st.st_mode))
     plugin->damagedfile = StrDup(name.c_str());
   allPlugins = new GromlitPluginList{StrDup(plugin->classname), 1, plugin, allPlugins};
-  (void)UnLoadPlugin(plugin, plugin->classname);
+  const bool written = UnLoadPlugin(plugin, plugin->classname) != nullptr;
+  if (saved != nullptr) *saved = written;
   return plugin;
 }
 

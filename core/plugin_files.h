@@ -59,8 +59,9 @@ GromlitPlugin* FindPlugin(const char* classname);
 // The plug-in of that class; when there is none, a new empty one, written at once and put at the
 // head of allPlugins (also when writing it failed, which is reported as in UnLoadPlugin). Both
 // names are cut to their fields. A file that has appeared under the new plug-in's name since the
-// start is copied to damaged/ before it is overwritten. Null only when memory runs out.
-GromlitPlugin* CreatePlugin(const char* appname, const char* classname);
+// start is copied to damaged/ before it is overwritten. Null only when memory runs out. *saved (may
+// be null) becomes false, with errno set, when a new plug-in could not be written; else true.
+GromlitPlugin* CreatePlugin(const char* appname, const char* classname, bool* saved = nullptr);
 
 // Sets DefaultPlugin to the plug-in of class "Default", created when missing, and returns it.
 GromlitPlugin* GetDefaultPlugin();
