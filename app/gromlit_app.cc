@@ -1,45 +1,105 @@
 #include "app/gromlit_app.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <string_view>
+
+#include "app/action_commands.h"
+#include "app/main_menu.h"
+#include "app/symbol_big_icon.h"
 #include "app/wm_properties.h"
 #include "core/plugin_files.h"
+#include "core/strings.h"
 #include "display/display.h"
+#include "toolkit/bevel.h"
+#include "toolkit/child_window.h"
 #include "toolkit/image.h"
+#include "toolkit/logo.h"
+#include "toolkit/menu.h"
+#include "toolkit/menu_bar.h"
+#include "toolkit/pulldown_button.h"
+#include "toolkit/scrollbar.h"
 
 namespace gromlit {
 
 GromlitApp* app = nullptr;
+int AppLastClick = 0;
 
 namespace {
 
 constexpr int kBorder = 4;
 constexpr int kIconWidth = 64;
-constexpr int kIconHeight = 32;
+constexpr int kCellGap = 8;      // pixels that a cell is larger than what it shows, both ways
+constexpr int kCellMargin = 8;   // from the top of the grid to its first icons
+constexpr int kIconX = 16;       // from the left of a cell to its icon
+constexpr int kHighlightUp = 2;  // pixels that the highlight begins above the icon
+constexpr uint32_t kDoubleClickTime = 499;  // milliseconds
 
-void ExposeGromlitApp(GromlitApp* gromlit, XEvent*) {
-  DrawGromlitApp(gromlit);
+int CellWidth(const GromlitApp* gromlit) {
+  return gromlit->iconwidth + kCellGap;
 }
 
-// Makes another plug-in the shown one.
-void ShowPlugin(GromlitApp* gromlit, GromlitPlugin* plugin, int* updated) {
-  if (gromlit->plugin == plugin) return;
-  gromlit->plugin = plugin;
-  gromlit->selected = -1;
-  if (updated != nullptr) *updated = 1;
+int CellHeight(const GromlitApp* gromlit) {
+  return gromlit->iconheight + 2 * txtCharht + kCellGap;
 }
 
-}  // namespace
+int CountActions(const GromlitPlugin* plugin) {
+  return plugin != nullptr ? std::min<int>(plugin->nactions, kMaxActions) : 0;
+}
 
-GromlitApp* MakeGromlitApp(int ncols, int nrows, int argc, char** argv) {
-  auto* gromlit = new GromlitApp{};
-  gromlit->border = kBorder;
-  gromlit->iconwidth = kIconWidth;
-  gromlit->iconheight = kIconHeight;
-  gromlit->ncols = ncols;
-  gromlit->nrows = nrows;
-  gromlit->selected = -1;
-  gromlit->width = ncols * (kIconWidth + 8) + 36;
-  gromlit->height = nrows * (2 * txtCharht + 40) + 36 + logoImage->height + 4;
+// --- Drawing ----------------------------------------------------------------------------------
 
+// Draws a part of a name centred on x.
+void DrawNamePart(const GromlitApp* gromlit, std::string_view part, int x, int baseline) {
+  const int length = static_cast<int>(part.size());
+  if (length == 0) return;
+  const int width = txtFontinfo != nullptr ? XTextWidth(txtFontinfo, part.data(), length) : 0;
+  XDrawString(dpy, gromlit->window, gromlit->gc, x - width / 2, baseline, part.data(), length);
+}
+
+// Draws an action's name below its icon, in two lines when it is as wide as the cell's content.
+void DrawName(const GromlitApp* gromlit, std::string_view name, int x, int baseline) {
+  const int length = static_cast<int>(name.size());
+  const int width = txtFontinfo != nullptr ? XTextWidth(txtFontinfo, name.data(), length) : 0;
+  if (width < gromlit->iconwidth) {
+    DrawNamePart(gromlit, name, x, baseline);
+    return;
+  }
+  const size_t blank = name.find(' ');
+  const size_t split = blank != std::string_view::npos ? blank : name.size() / 2;
+  DrawNamePart(gromlit, name.substr(0, split), x, baseline);
+  DrawNamePart(gromlit, name.substr(split), x, baseline + txtCharht);
+}
+
+// Calls draw(action, x, y) for every visible action with the top-left corner of its cell.
+template <typename Draw>
+void ForVisibleActions(const GromlitApp* gromlit, Draw draw) {
+  const int end = std::min(gromlit->nicons, gromlit->icontop + gromlit->ncols * gromlit->nrows);
+  for (int i = gromlit->icontop; i < end; i++) {
+    const int cell = i - gromlit->icontop;
+    draw(gromlit->plugin->actions[i], gromlit->iconx + cell % gromlit->ncols * CellWidth(gromlit),
+         gromlit->icony + kCellMargin + cell / gromlit->ncols * CellHeight(gromlit));
+  }
+}
+
+// Inverts the highlight of an action, when it is visible.
+void InvertHighlight(const GromlitApp* gromlit, int action) {
+  const int cell = action - gromlit->icontop;
+  if (action < 0 || cell < 0 || cell >= gromlit->ncols * gromlit->nrows) return;
+  InvertRectangle(
+      gromlit->window, gromlit->gc, gromlit->iconx + cell % gromlit->ncols * CellWidth(gromlit),
+      gromlit->icony + cell / gromlit->ncols * CellHeight(gromlit) + kCellMargin - kHighlightUp,
+      gromlit->iconwidth, gromlit->iconheight + 2 * kHighlightUp);
+}
+
+// The last event of an exposure stands for all of it: everything is drawn anew.
+void ExposeGromlitApp(GromlitApp* gromlit, XEvent* event) {
+  if (event->xexpose.count == 0) DrawGromlitApp(gromlit);
+}
+
+// --- Construction -----------------------------------------------------------------------------
+
+void MakeWindow(GromlitApp* gromlit, int argc, char** argv) {
   XSetWindowAttributes attributes;
   attributes.background_pixel = lgrey.pixel;
   attributes.backing_store = WhenMapped;
@@ -48,6 +108,11 @@ GromlitApp* MakeGromlitApp(int ncols, int nrows, int argc, char** argv) {
                                   static_cast<unsigned>(gromlit->height), 1,
                                   DefaultDepth(dpy, screen), InputOutput, CopyFromParent,
                                   CWBackPixel | CWBackingStore | CWEventMask, &attributes);
+  gromlit->mbar = MakeGromlitMenuBar(gromlit, gromlit->window, 0, 0, gromlit->width);
+  XMapWindow(dpy, gromlit->mbar->window);
+  gromlit->height += gromlit->mbar->height;
+  XResizeWindow(dpy, gromlit->window, static_cast<unsigned>(gromlit->width),
+                static_cast<unsigned>(gromlit->height));
   SetWindowManagerProperties(gromlit->window, {.title = "Gromlit",
                                                .icontitle = nullptr,
                                                .name = "Application",
@@ -55,23 +120,146 @@ GromlitApp* MakeGromlitApp(int ncols, int nrows, int argc, char** argv) {
                                                .height = gromlit->height,
                                                .argc = argc,
                                                .argv = argv});
+  gromlit->gc = MakeWindowGC(gromlit->window, txtFont);
+}
 
-  XGCValues values;
-  values.foreground = black.pixel;
-  values.background = white.pixel;
-  values.font = txtFont;
-  gromlit->gc = XCreateGC(dpy, gromlit->window,
-                          GCForeground | GCBackground | (txtFont != None ? GCFont : 0UL), &values);
+// The parts of the window, from top to bottom.
+void MakeParts(GromlitApp* gromlit) {
+  const int border = gromlit->border;
+  const int inside = gromlit->width - 2 * border;
+  const int top = gromlit->mbar->height;
+  gromlit->logo = MakeLogo(gromlit->window, border, top, inside, nullptr, nullptr);
+
+  const int buttony = border + top + logoImage->height + 2;
+  gromlit->txt =
+      MakeButtonSized(gromlit, gromlit->window, "", appClickPlugins, border, buttony, inside);
+  SetPulldownMenu(gromlit->txt, nullptr);
+
+  gromlit->iconx = border + 4;
+  gromlit->icony = buttony + 26;
+  const int below = gromlit->height - (border + gromlit->icony);
+  // Names are cut at the edge of the grid.
+  XRectangle grid = {static_cast<short>(border), static_cast<short>(gromlit->icony),
+                     static_cast<unsigned short>(inside), static_cast<unsigned short>(below)};
+  XSetClipRectangles(dpy, gromlit->gc, 0, 0, &grid, 1, YXBanded);
+
+  gromlit->sbar = MakeScrollbar(gromlit->window, gromlit->width - kScrollbarWidth - border,
+                                gromlit->icony, below);
+  gromlit->sbar->range = gromlit->nrows * CellHeight(gromlit);
+  gromlit->sbar->scrollarg = gromlit;
+  gromlit->sbar->scroll = [](void* arg, int offset) {
+    GromlitIconScroll(static_cast<GromlitApp*>(arg), offset);
+  };
+  XMapWindow(dpy, gromlit->sbar->window);
+}
+
+XMenu* MakePopup(GromlitApp* gromlit) {
+  XMenuItem* items[] = {
+      MakeMenuItem("Cut", popCutAction, gromlit),
+      MakeMenuItem("Copy", popCopyAction, gromlit),
+      MakeMenuItem("Paste", popPasteAction, gromlit),
+      MakeMenuItem("Delete", popDeleteAction, gromlit),
+      MakeMenuItem("Edit", popEditAction, gromlit),
+      MakeMenuItem("Export", popExportAction, gromlit),
+      MakeMenuItem("New", popNewAction, gromlit),
+      MakeMenuItem("Edit Symbol", popEditSymbol, gromlit),
+  };
+  return MakeMenu(root, 0, 0, labelFontinfo, items, static_cast<int>(std::size(items)));
+}
+
+// --- Showing a plug-in ------------------------------------------------------------------------
+
+void UpdateScrollRange(GromlitApp* gromlit) {
+  const int rows = (CountActions(gromlit->plugin) - 1 + gromlit->ncols) / gromlit->ncols;
+  UpdateScrollbarRange(gromlit->sbar, rows * CellHeight(gromlit));
+}
+
+// Makes a plug-in, or none, the shown one.
+void ShowPlugin(GromlitApp* gromlit, GromlitPlugin* plugin, int* updated) {
+  // The caption is compared even if the plug-in stays: it may have got another name.
+  const char* caption = plugin != nullptr ? plugin->appname : "";
+  if (StrCmp(gromlit->txt->label, caption) != 0) UpdatePulldownButton(gromlit->txt, caption);
+  if (gromlit->plugin == plugin) return;
+  gromlit->plugin = plugin;
+  gromlit->selected = -1;
+  if (updated != nullptr) *updated = 1;
+  UpdateScrollRange(gromlit);
+}
+
+// --- Clicks -----------------------------------------------------------------------------------
+
+// The action at a point of the window; -1 for none. Division rounds towards zero, so that what is
+// left of or above the grid has to be told apart first.
+int ActionAt(const GromlitApp* gromlit, int x, int y) {
+  if (x < gromlit->iconx || y < gromlit->icony) return -1;
+  const int col = (x - gromlit->iconx) / CellWidth(gromlit);
+  const int row = (y - gromlit->icony) / CellHeight(gromlit);
+  if (col >= gromlit->ncols || row >= gromlit->nrows) return -1;
+  const int n = gromlit->icontop + col + row * gromlit->ncols;
+  // As many as are drawn, and no more than there still are.
+  return n < std::min(gromlit->nicons, CountActions(gromlit->plugin)) ? n : -1;
+}
+
+// Selects an action, or takes the selection of the selected one back, and moves the highlight.
+void ClickAction(GromlitApp* gromlit, int n, bool twice) {
+  const int before = gromlit->selected;
+  if (before == n && twice) return;
+  gromlit->selected = before == n ? -1 : n;
+  InvertHighlight(gromlit, before);
+  InvertHighlight(gromlit, gromlit->selected);
+}
+
+}  // namespace
+
+GromlitApp* MakeGromlitApp(int ncols, int nrows, int argc, char** argv) {
+  auto* gromlit = new GromlitApp{};
+  gromlit->border = kBorder;
+  gromlit->iconwidth = kIconWidth;
+  gromlit->iconheight = kIconSize;
+  gromlit->ncols = ncols;
+  gromlit->nrows = nrows;
+  gromlit->selected = -1;
+  gromlit->width = ncols * CellWidth(gromlit) + 36;
+  gromlit->height = nrows * CellHeight(gromlit) + 36 + logoImage->height + 4;
+  MakeWindow(gromlit, argc, argv);
+  MakeParts(gromlit);
+  gromlit->popup = MakePopup(gromlit);
+
   gromlit->wobj = AllocWindowObj(gromlit->window, gromlit);
   On<Expose, ExposeGromlitApp>(gromlit);
+  On<EnterNotify, GromlitAppEnter>(gromlit);
+  On<LeaveNotify, GromlitAppLeave>(gromlit);
+  On<ButtonPress, GromlitAppButtonPress>(gromlit);
+  On<MotionNotify, GromlitAppMotionNotify>(gromlit);
+  On<ResizeRequest, GromlitAppResizeNotify>(gromlit);
   SetHandler(gromlit->wobj, ClientMessage, WMClientMessage);
   showWindow = gromlit->window;
   return gromlit;
 }
 
 void DrawGromlitApp(GromlitApp* gromlit) {
+  const int width = gromlit->width - 2 * gromlit->border;
+  const int height = gromlit->height - (gromlit->border + gromlit->icony);
   XClearWindow(dpy, gromlit->window);
-  gromlit->nicons = gromlit->plugin != nullptr ? gromlit->plugin->nactions : 0;
+  FillRectangle(gromlit->window, gromlit->gc, white.pixel, gromlit->border, gromlit->icony, width,
+                height);
+  XDrawBevel(kSunken, gromlit->window, gromlit->gc, gromlit->border, gromlit->icony, width, height);
+  gromlit->nicons = CountActions(gromlit->plugin);
+  // All of one colour and then all of the other: every change of colour is a request.
+  XSetForeground(dpy, gromlit->gc, blue.pixel);
+  ForVisibleActions(gromlit, [&](const GromlitAction* action, int x, int y) {
+    DrawSymbolBigIcon(gromlit->window, gromlit->gc, &action->sym, x + kIconX, y);
+  });
+  XSetForeground(dpy, gromlit->gc, black.pixel);
+  ForVisibleActions(gromlit, [&](const GromlitAction* action, int x, int y) {
+    DrawName(gromlit, FieldText(action->name), x + gromlit->iconwidth / 2,
+             y + txtCharht + gromlit->iconheight);
+  });
+  InvertHighlight(gromlit, gromlit->selected);
+}
+
+void RefreshGromlitApp() {
+  if (app != nullptr) DrawGromlitApp(app);
 }
 
 GromlitPluginList* UpdateGromlitApp(GromlitApp* gromlit, const char* classname, int* updated) {
@@ -79,5 +267,41 @@ GromlitPluginList* UpdateGromlitApp(GromlitApp* gromlit, const char* classname, 
   ShowPlugin(gromlit, node != nullptr ? node->plugin : DefaultPlugin, updated);
   return node;
 }
+
+void UpdateGromlitScrollRange() {
+  if (app != nullptr) UpdateScrollRange(app);
+}
+
+void GromlitIconScroll(GromlitApp* gromlit, int ypos) {
+  const int top = std::max(ypos, 0) / CellHeight(gromlit) * gromlit->ncols;
+  if (top == gromlit->icontop) return;
+  gromlit->icontop = top;
+  DrawGromlitApp(gromlit);
+}
+
+void GromlitAppButtonPress(GromlitApp* gromlit, XEvent* event) {
+  const XButtonEvent& press = event->xbutton;
+  // Server times are 32 bits wide and start again at 0 after 49 days.
+  const auto now = static_cast<uint32_t>(press.time);
+  const bool twice = now - static_cast<uint32_t>(AppLastClick) <= kDoubleClickTime;
+  AppLastClick = static_cast<int>(now);
+  if (press.button == Button1) {
+    const int n = ActionAt(gromlit, press.x, press.y);
+    if (n < 0) return;
+    ClickAction(gromlit, n, twice);
+    if (twice) popEditAction(nullptr, gromlit);
+  } else if (press.button == Button3) {
+    PopUpMenuGrabbed(press.x_root, press.y_root, gromlit->popup);
+  }
+}
+
+// The window asks for these events for traces only.
+void GromlitAppButtonRelease(GromlitApp*, XEvent*) {}
+void GromlitAppMotionNotify(GromlitApp*, XEvent*) {}
+void GromlitAppEnter(GromlitApp*, XEvent*) {}
+void GromlitAppLeave(GromlitApp*, XEvent*) {}
+void GromlitAppResizeNotify(GromlitApp*, XEvent*) {}
+
+void appClickPlugins(void*) {}
 
 }  // namespace gromlit
