@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -31,6 +32,13 @@ std::string SymbolPath(const char* fname, const char* ext) {
   return DataPath(symbolDirectory, fname) + ext;
 }
 
+// Reports the error of errno and leaves it there for the caller; perror alone may change it.
+void Report(const char* prefix) {
+  const int reason = errno;
+  std::perror(prefix);
+  errno = reason;
+}
+
 // A list that was never loaded is an empty one.
 void EnsureList() {
   if (allSymbols == nullptr) allSymbols = new GromlitSymbolList();
@@ -52,7 +60,7 @@ GromlitSymbol* UnLoadSymbol(GromlitSymbol* sym, const char* fname, const char* e
   PutHeader(file, GromlitSymbolFileHeaderString);
   EncodeSymbol(*sym, std::span(file).subspan(kHeaderSize));
   if (SaveFile(SymbolPath(fname, ext).c_str(), file)) return sym;
-  std::perror("Save Symbol");
+  Report("Save Symbol");
   return nullptr;
 }
 
@@ -119,7 +127,7 @@ int DropSymbol(const GromlitSymbol* sym, const char* fname) {
   // the installation directory first.
   const std::string path = std::string(symbolDirectory) + "/" + fname + GromlitSymbolFileExt;
   if (unlink(path.c_str()) != 0) {
-    std::perror("Remove Symbol");
+    Report("Remove Symbol");
     return 0;
   }
   EnsureList();

@@ -14,7 +14,8 @@ inline constexpr const char* GromlitSymbolFileHeaderString = "GromlitSymbol";
 GromlitSymbol* LoadSymbol(const char* fname, const char* ext);
 
 // Writes sym to GromlitPath/symbols/`fname``ext` (safe saving: core/files.h). Returns sym; or null
-// after reporting "Save Symbol" with the system error, the old file left as it was.
+// after reporting "Save Symbol" with the system error, the old file left as it was and errno the
+// reason.
 GromlitSymbol* UnLoadSymbol(GromlitSymbol* sym, const char* fname, const char* ext);
 
 // Builds allSymbols from the symbol directory, in directory order and without a filter on the
@@ -31,12 +32,12 @@ void SortSymNames(GromlitSymbol** names, int n);
 // File-and-list half of saving from the symbol editor: cuts `name` to the record's field, writes
 // `working` under it and puts the reloaded record into allSymbols: in the place of the symbol of
 // that name, else as a new head. Returns 1; 0 when the save failed (reported as in UnLoadSymbol),
-// file and list as they were.
+// file and list as they were and errno the reason.
 int StoreSymbol(GromlitSymbol* working, const char* name);
 
 // File-and-list half of removing: deletes symbols/`fname`.sls relative to the working directory and
 // unlinks the node that holds this very record. Returns 1; 0 after reporting "Remove Symbol" with
-// the system error, the list as it was.
+// the system error, the list as it was and errno the reason.
 int DropSymbol(const GromlitSymbol* sym, const char* fname);
 
 }  // namespace gromlit

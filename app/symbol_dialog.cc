@@ -1,0 +1,55 @@
+#include "app/symbol_dialog.h"
+
+#include "app/dialogs.h"
+#include "app/symbol_editor.h"
+#include "app/symbol_library.h"
+#include "display/display.h"
+#include "toolkit/image.h"
+
+namespace gromlit {
+
+XDialog* symselect = nullptr;
+
+void MakeSymbolSelect() {
+  symselect =
+      MakeDialogLabeled(labelSelectSymbol, nullptr, YesEditSymbol, 300, 500, labelOK, labelCancel);
+  SymbolDisplay* sd = MakeSymbolDisplay(symselect->window, 4, logoImage->height + 8);
+  ResizeDialog(symselect, sd->width, sd->height);
+  symselect->show = sd->window;
+  symselect->arg = sd;
+}
+
+SymbolDisplay* SymbolChooser() {
+  return symselect != nullptr ? static_cast<SymbolDisplay*>(symselect->arg) : nullptr;
+}
+
+GromlitSymbol* ChosenSymbol() {
+  const SymbolDisplay* sd = SymbolChooser();
+  return sd != nullptr ? SelectedSymbol(sd) : nullptr;
+}
+
+void YesEditSymbol(XDialog* dlog) {
+  DialogYes(dlog);
+  SymInit(sed, ChosenSymbol());
+}
+
+void YesDeleteSymbol(XDialog* dlog) {
+  DialogYes(dlog);
+  GromlitSymbol* sym = ChosenSymbol();
+  if (sym == nullptr) return;
+  confirm->msgs = ConfirmDeleteSymbolMsg;
+  confirm->arg = sym;
+  confirm->yesfn = ConfirmDeleteSymbol;
+  MousePopUpDialog(confirm, labelDeleteSymbol);
+}
+
+void ConfirmDeleteSymbol(XDialog* dlog) {
+  DialogYes(dlog);
+  const auto* sym = static_cast<GromlitSymbol*>(dlog->arg);
+  if (sym == nullptr) return;
+  RemoveSymbol(sym, sym->name);
+  SymbolDisplay* sd = SymbolChooser();
+  if (sd != nullptr) sd->selected = -1;
+}
+
+}  // namespace gromlit

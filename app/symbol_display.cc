@@ -1,0 +1,205 @@
+#include "app/symbol_display.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <string_view>
+
+#include "app/symbol_big_icon.h"
+#include "app/symbol_dialog.h"
+#include "core/strings.h"
+#include "display/display.h"
+#include "toolkit/bevel.h"
+#include "toolkit/child_window.h"
+
+namespace gromlit {
+
+int SymLastClick = 0;
+
+namespace {
+
+constexpr int kBorder = 4;
+constexpr int kGridX = 8;  // of the first cell, as is kGridY
+constexpr int kGridY = 8;
+constexpr int kColumns = 4;
+constexpr int kRows = 4;
+constexpr int kIconHeight = 32;
+constexpr int kIconWidth = 64;
+constexpr int kCellGap = 8;
+constexpr int kBitmapX = 24;            // from the left edge of a column to the icon
+constexpr uint32_t kDoubleClick = 500;  // milliseconds
+
+int CellWidth(const SymbolDisplay* sd) {
+  return sd->iconwidth + kCellGap;
+}
+
+bool Listed(const SymbolDisplay* sd, int index) {
+  return 0 <= index && index < sd->count;
+}
+
+int IndexOf(const SymbolDisplay* sd, const GromlitSymbol* sym) {
+  const auto* end = sd->syms + sd->count;
+  const auto* found = std::find(sd->syms, end, sym);
+  return found != end ? static_cast<int>(found - sd->syms) : -1;
+}
+
+// A symbol that was saved again has a new record under its old name.
+int IndexOfName(const SymbolDisplay* sd, std::string_view name) {
+  for (int i = 0; i < sd->count; i++) {
+    if (FieldText(sd->syms[i]->name) == name) return i;
+  }
+  return -1;
+}
+
+void ReadSymbols(SymbolDisplay* sd) {
+  // Records stay alive after they have left the library.
+  const GromlitSymbol* chosen = SelectedSymbol(sd);
+  sd->count = 0;
+  for (const auto* node = allSymbols; node != nullptr && node->sym != nullptr; node = node->next) {
+    if (sd->count == kChooserSymbols) break;
+    sd->syms[sd->count++] = node->sym;
+  }
+  sd->selected = -1;
+  if (chosen == nullptr) return;
+  sd->selected = IndexOf(sd, chosen);
+  if (sd->selected < 0) sd->selected = IndexOfName(sd, FieldText(chosen->name));
+}
+
+// Inverts the cell of a symbol when it is visible: highlights it, or takes that away.
+void InvertCell(SymbolDisplay* sd, int index) {
+  const int cell = index - sd->top;
+  if (cell < 0 || cell / sd->ncols >= sd->nrows) return;
+  InvertRectangle(sd->window, sd->gc, kGridX + CellWidth(sd) * (cell % sd->ncols),
+                  cell / sd->ncols * SymbolCellHeight(sd) + 6, sd->iconwidth, sd->iconheight + 4);
+}
+
+void DrawCentred(SymbolDisplay* sd, std::string_view text, int centre, int baseline) {
+  const auto length = static_cast<int>(text.size());
+  const int width = XTextWidth(txtFontinfo, text.data(), length);
+  XDrawString(dpy, sd->window, sd->gc, centre - width / 2, baseline, text.data(), length);
+}
+
+// The name in one line, or in two when it is wider than a cell: split at its first blank, with
+// which the second line begins, or in the middle.
+void DrawName(SymbolDisplay* sd, std::string_view name, int x, int y) {
+  const int first = y + txtCharht + sd->iconheight;
+  const int width = XTextWidth(txtFontinfo, name.data(), static_cast<int>(name.size()));
+  if (width < CellWidth(sd)) {
+    DrawCentred(sd, name, x + kGridX + CellWidth(sd) / 2, first);
+    return;
+  }
+  const size_t blank = name.find(' ');
+  const size_t split = blank != std::string_view::npos ? blank : name.size() / 2;
+  const int centre = x + kGridX + sd->iconwidth / 2;
+  DrawCentred(sd, name.substr(0, split), centre, first);
+  DrawCentred(sd, name.substr(split), centre, first + txtCharht);
+}
+
+void DrawSymbols(SymbolDisplay* sd) {
+  const int end = std::min(sd->count, sd->top + sd->ncols * sd->nrows);
+  for (int i = sd->top; i < end; i++) {
+    const int cell = i - sd->top;
+    const int x = CellWidth(sd) * (cell % sd->ncols);
+    const int y = kGridY + SymbolCellHeight(sd) * (cell / sd->ncols);
+    XSetForeground(dpy, sd->gc, blue.pixel);
+    DrawSymbolBigIcon(sd->window, sd->gc, sd->syms[i], x + kBitmapX, y);
+    XSetForeground(dpy, sd->gc, black.pixel);
+    DrawName(sd, FieldText(sd->syms[i]->name), x, y);
+  }
+}
+
+// The symbol at a position in the window; -1 for none.
+int SymbolAt(const SymbolDisplay* sd, int x, int y) {
+  // Before the division, which would round towards the first row and column.
+  if (x < kGridX || y < kGridY) return -1;
+  const int column = (x - kGridX) / CellWidth(sd);
+  const int row = (y - kGridY) / SymbolCellHeight(sd);
+  if (column >= sd->ncols || row >= sd->nrows) return -1;
+  const int index = sd->top + column + row * sd->ncols;
+  return Listed(sd, index) ? index : -1;
+}
+
+void ScrollGrid(void* arg, int offset) {
+  ScrollSymbolDisplay(static_cast<SymbolDisplay*>(arg), offset);
+}
+
+}  // namespace
+
+int SymbolCellHeight(const SymbolDisplay* sd) {
+  return sd->iconheight + 2 * txtCharht + kCellGap;
+}
+
+GromlitSymbol* SelectedSymbol(const SymbolDisplay* sd) {
+  return Listed(sd, sd->selected) ? sd->syms[sd->selected] : nullptr;
+}
+
+SymbolDisplay* MakeSymbolDisplay(Window parent, int x, int y) {
+  auto* sd = new SymbolDisplay{};
+  sd->border = kBorder;
+  sd->iconheight = kIconHeight;
+  sd->iconwidth = kIconWidth;
+  sd->ncols = kColumns;
+  sd->nrows = kRows;
+  sd->selected = -1;
+  sd->width = CellWidth(sd) * kColumns + 23;
+  sd->height = SymbolCellHeight(sd) * kRows + 8;
+  XSetWindowAttributes more{};
+  more.backing_store = WhenMapped;
+  sd->window =
+      MakeChildWindow(parent, x, y, sd->width, sd->height, lgrey.pixel,
+                      ExposureMask | ButtonPressMask | ButtonReleaseMask, CWBackingStore, more);
+  sd->gc = MakeWindowGC(sd->window, txtFont);
+  sd->wobj = AllocWindowObj(sd->window, sd);
+  sd->sbar = MakeScrollbar(sd->window, sd->width - kScrollbarWidth - kBorder, kBorder,
+                           sd->height - 2 * kBorder);
+  sd->sbar->range = 5 * SymbolCellHeight(sd);
+  sd->sbar->scroll = ScrollGrid;
+  sd->sbar->scrollarg = sd;
+  XMapWindow(dpy, sd->sbar->window);
+  On<Expose, DrawSymbolDisplay>(sd);
+  On<ButtonPress, SymbolDisplayButtonPress>(sd);
+  return sd;
+}
+
+void DrawSymbolDisplay(SymbolDisplay* sd, XEvent*) {
+  ReadSymbols(sd);
+  // The scrollbar may find that less is left to scroll and bring another top, which has to be known
+  // before anything is drawn: a highlight drawn twice is gone.
+  sd->measuring = 1;
+  UpdateScrollbarRange(sd->sbar, (sd->count - 1 + sd->nrows) / sd->nrows * SymbolCellHeight(sd));
+  sd->measuring = 0;
+  XClearWindow(dpy, sd->window);
+  FillRectangle(sd->window, sd->gc, white.pixel, kBorder, kBorder, sd->width - 2 * kBorder,
+                sd->height - 2 * kBorder);
+  XDrawBevel(kSunken, sd->window, sd->gc, kBorder, kBorder, sd->width - 2 * kBorder,
+             sd->height - 2 * kBorder);
+  DrawSymbols(sd);
+  if (sd->selected >= 0) InvertCell(sd, sd->selected);
+}
+
+void ScrollSymbolDisplay(SymbolDisplay* sd, int pos) {
+  const int top = pos / SymbolCellHeight(sd) * sd->ncols;
+  if (top == sd->top) return;
+  sd->top = top;
+  if (sd->measuring == 0) DrawSymbolDisplay(sd);
+}
+
+void SymbolDisplayButtonPress(SymbolDisplay* sd, XEvent* event) {
+  // Server times are 32 bits and wrap; so does their difference.
+  const auto now = static_cast<uint32_t>(event->xbutton.time);
+  const bool twice = now - static_cast<uint32_t>(SymLastClick) < kDoubleClick;
+  SymLastClick = static_cast<int>(now);
+  if (event->xbutton.button != Button1) return;
+  const int index = SymbolAt(sd, event->xbutton.x, event->xbutton.y);
+  if (index < 0) return;
+  if (index != sd->selected) {
+    if (sd->selected >= 0) InvertCell(sd, sd->selected);
+    sd->selected = index;
+    InvertCell(sd, index);
+  } else if (!twice) {
+    sd->selected = -1;
+    InvertCell(sd, index);
+  }
+  if (twice && symselect != nullptr && symselect->yesfn != nullptr) symselect->yesfn(symselect);
+}
+
+}  // namespace gromlit
