@@ -1,5 +1,7 @@
 #include "app/symbol_editor.h"
 
+#include <initializer_list>
+
 #include "app/symbol_editor_buttons.h"
 #include "app/symbol_library.h"
 #include "app/wm_properties.h"
