@@ -1,5 +1,7 @@
 #include "toolkit/dialog.h"
 
+#include <X11/Xutil.h>
+
 #include <algorithm>
 #include <cstring>
 
@@ -64,6 +66,13 @@ XDialog* MakeEmptyDialog(const char* title, const char* const* msgs, int wd, int
   dlog->window =
       MakeChildWindow(root, 0, 0, dlog->width, dlog->height, lgrey.pixel,
                       ExposureMask | ButtonReleaseMask, CWOverrideRedirect | CWSaveUnder, more);
+  // No window manager looks at this window, but a click that the capture hands on goes to the
+  // application that a class hint names: without one, no button could be clicked with the mouse
+  // button that draws.
+  char name[] = "Dialog";
+  char classpart[] = "Gromlit";
+  XClassHint hint{name, classpart};
+  XSetClassHint(dpy, dlog->window, &hint);
   dlog->gc = txtgc;
   dlog->msgs = msgs;
   SetTitle(dlog, title);

@@ -371,7 +371,7 @@ TEST_F(DialogTest, DrawingCostsNoRoundTrip) {
   EXPECT_EQ(CostOf([&] { DialogButtonUp(dlog, nullptr); }), (Cost{1, 0}));
   EXPECT_EQ(CostOf([&] { DialogNo(dlog); }), (Cost{1, 0}));
   // A window, and two for each button.
-  EXPECT_EQ(CostOf([&] { MakeDialog("Confirm", kMsgs, NoteYes, 0, 0); }), (Cost{5, 0}));
+  EXPECT_EQ(CostOf([&] { MakeDialog("Confirm", kMsgs, NoteYes, 0, 0); }), (Cost{6, 0}));
 }
 
 }  // namespace
