@@ -96,8 +96,9 @@ void LoadFont(const char* name, Font* font, XFontStruct** info, int* height) {
     // keep every window that measures text from reading through a null pointer.
     *info = XQueryFont(dpy, XGContextFromGC(DefaultGC(dpy, screen)));
     if (*info == nullptr) return;
+    (*info)->fid = None;  // the id of that query names the graphics context, not a font
     *height = (*info)->ascent + (*info)->descent;
-    return;  // the id of that query names the graphics context, not a font
+    return;
   }
   *font = (*info)->fid;
   *height = (*info)->ascent + (*info)->descent;

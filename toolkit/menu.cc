@@ -71,10 +71,11 @@ void FillMenu(XMenu* menu, XFontStruct* fontinfo, XMenuItem** items, int nitems)
 }
 
 // Releases a menu's items but those that are among the `nkept` first of `kept`.
-void ReleaseItems(XMenu* menu, XMenuItem** kept, int nkept) {
+void ReleaseItems(XMenu* menu, XMenuItem* const* kept, int nkept) {
+  std::vector<XMenuItem*> sorted(kept, kept + std::max(nkept, 0));
+  std::sort(sorted.begin(), sorted.end());
   for (int i = 0; i < menu->nitems; i++) {
-    XMenuItem** end = kept + std::max(nkept, 0);
-    if (std::find(kept, end, menu->items[i]) == end) delete menu->items[i];
+    if (!std::binary_search(sorted.begin(), sorted.end(), menu->items[i])) delete menu->items[i];
     menu->items[i] = nullptr;
   }
   menu->nitems = 0;
@@ -119,7 +120,7 @@ void RemakeMenu(XMenu* menu, XFontStruct* fontinfo, XMenuItem** items, int nitem
   const int width = menu->width;
   const int height = menu->height;
   FillMenu(menu, fontinfo, items, nitems);
-  XSetFont(dpy, menu->gc, fontinfo->fid);
+  if (fontinfo->fid != None) XSetFont(dpy, menu->gc, fontinfo->fid);
   if (menu->width == width && menu->height == height) return;
   XResizeWindow(dpy, menu->window, static_cast<unsigned>(menu->width),
                 static_cast<unsigned>(menu->height));

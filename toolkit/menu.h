@@ -132,8 +132,8 @@ void PullUpMenu(XMenu* menu);
 // Closes a menu and the chain of its open submenus.
 void PopDownMenu(XMenu* menu);
 
-// Handlers.
-void DrawMenu(XMenu* menu, XEvent* event);
+// Handlers; the drawing does not look at its event.
+void DrawMenu(XMenu* menu, XEvent* event = nullptr);
 void MenuButtonPress(XMenu* menu, XEvent* event);
 void MenuMotionNotify(XMenu* menu, XEvent* event);
 

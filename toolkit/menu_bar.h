@@ -59,8 +59,8 @@ XPulldown* MakePulldown(const char* label, XMenu* menu);
 XMenuBar* MakeMenuBar(Window parent, int x, int y, int width, XFontStruct* fontinfo,
                       XPulldown** items, int nitems);
 
-// Handlers.
-void DrawMenuBar(XMenuBar* bar, XEvent* event);
+// Handlers; the drawing does not look at its event.
+void DrawMenuBar(XMenuBar* bar, XEvent* event = nullptr);
 void MenuBarButtonPress(XMenuBar* bar, XEvent* event);
 void MenuBarMotionNotify(XMenuBar* bar, XEvent* event);
 void MenuBarButtonRelease(XMenuBar* bar, XEvent* event);

@@ -73,8 +73,8 @@ XTabBar* MakeTabBar(Window parent, int x, int y, int width, int height, XFontStr
 // There is no line below the tab.
 void XDrawTabBevel(int up, Window win, GC gc, int x, int y, int w, int h, int fullw);
 
-// Handlers.
-void DrawTabBar(XTabBar* tbar, XEvent* event);
+// Handlers; the drawing does not look at its event.
+void DrawTabBar(XTabBar* tbar, XEvent* event = nullptr);
 void TabBarButtonPress(XTabBar* tbar, XEvent* event);
 void TabBarButtonRelease(XTabBar* tbar, XEvent* event);
 void TabBarMotionNotify(XTabBar* tbar, XEvent* event);

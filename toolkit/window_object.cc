@@ -82,9 +82,9 @@ WindowObj* FindWindowObj(Window window) {
 }
 
 void DispatchEvent(XEvent* event) {
-  // No window asks for these: Xlib keeps the key codes' meanings, and would go on with the old ones
-  // after the user has changed the layout. One that another client sent says nothing about the
-  // keyboard, and its numbers would reach the server unchecked.
+  // No window asks for these, all clients get them. Without the keyboard extension Xlib goes on
+  // with the meanings that the keys had before until it is told. One that another client sent says
+  // nothing about the keyboard, and its numbers could reach the server unchecked.
   if (event->type == MappingNotify && event->xmapping.send_event == False) {
     XRefreshKeyboardMapping(&event->xmapping);
   }

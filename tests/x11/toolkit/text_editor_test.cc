@@ -61,6 +61,30 @@ class TextEditorTest : public testing::WidgetFixture {
     player->KeyUp(XK_Control_L);
     Pump();
   }
+  void StrikeAKeyThatChangesItsMeaning() {
+    const KeyCode keycode = XKeysymToKeycode(dpy, XK_a);
+    const auto mean = [&](KeySym lower, KeySym upper) {
+      KeySym meanings[] = {lower, upper};
+      XChangeKeyboardMapping(player->display(), keycode, 2, meanings, 1);
+      XSync(player->display(), False);
+      Pump();
+    };
+    const auto strike = [&] {
+      XTestFakeKeyEvent(player->display(), keycode, True, CurrentTime);
+      XTestFakeKeyEvent(player->display(), keycode, False, CurrentTime);
+      XSync(player->display(), False);
+      Pump();
+    };
+    Enter();
+    strike();
+    EXPECT_EQ(Text(), "a");
+    mean(XK_w, XK_W);
+    strike();
+    EXPECT_EQ(Text(), "aw");
+    mean(XK_7, XK_slash);
+    strike();
+    EXPECT_EQ(Text(), "aw7");
+  }
   // Paints over the text, so that a redraw can be told from none.
   void Spoil() {
     XSetForeground(dpy, txt->gc, blue.pixel);
@@ -438,28 +462,21 @@ TEST_F(TextEditorTest, SynthesizedKeyCodesOutOfRangeAreIgnored) {
 }
 
 TEST_F(TextEditorTest, AKeyThatChangedItsMeaningTypesItsNewCharacter) {
-  const KeyCode keycode = XKeysymToKeycode(dpy, XK_a);
-  const auto mean = [&](KeySym lower, KeySym upper) {
-    KeySym meanings[] = {lower, upper};
-    XChangeKeyboardMapping(player->display(), keycode, 2, meanings, 1);
-    XSync(player->display(), False);
-    Pump();
-  };
-  const auto strike = [&] {
-    XTestFakeKeyEvent(player->display(), keycode, True, CurrentTime);
-    XTestFakeKeyEvent(player->display(), keycode, False, CurrentTime);
-    XSync(player->display(), False);
-    Pump();
-  };
-  Enter();
-  strike();
-  EXPECT_EQ(Text(), "a");
-  mean(XK_w, XK_W);
-  strike();
-  EXPECT_EQ(Text(), "aw");
-  mean(XK_7, XK_slash);
-  strike();
-  EXPECT_EQ(Text(), "aw7");
+  StrikeAKeyThatChangesItsMeaning();
+}
+
+// Without the keyboard extension Xlib does not notice a change by itself.
+class CoreKeyboardTest : public TextEditorTest {
+ protected:
+  void SetUp() override {
+    setenv("XKB_DISABLE", "1", 1);
+    TextEditorTest::SetUp();
+    unsetenv("XKB_DISABLE");
+  }
+};
+
+TEST_F(CoreKeyboardTest, AKeyThatChangedItsMeaningTypesItsNewCharacter) {
+  StrikeAKeyThatChangesItsMeaning();
 }
 
 TEST_F(TextEditorTest, BoundsAnOwnerBrokeAreMended) {
