@@ -18,7 +18,6 @@
 #include "core/strings.h"
 #include "display/display.h"
 #include "toolkit/focus.h"
-#include "toolkit/pulldown_button.h"
 
 namespace gromlit {
 namespace {
@@ -133,8 +132,6 @@ void SaveNewPluginName(XDialog* dlog) {
   DialogYes(dlog);
   UpdatePluginsMenu();
   UpdateGromlitApp(app, plugin->classname, nullptr);
-  // The one that is shown already keeps the label that it had.
-  if (app->plugin == plugin) UpdatePulldownButton(app->txt, plugin->appname);
   DrawGromlitApp(app);
 }
 
