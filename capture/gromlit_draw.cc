@@ -67,6 +67,7 @@ class Capture {
   void Motion(const XMotionEvent& motion);
   void Release(const XButtonEvent& release);
   void SendClick();
+  static void ReplayEarlyPresses();
   void Recognise(GromlitPlugin* plugin);
 
   GromlitDraw* draw_;
@@ -125,6 +126,12 @@ void Capture::Run() {
     if (event.type == MotionNotify) {
       Motion(event.xmotion);
       continue;
+    }
+    if (event.type == ButtonPress && event.xbutton.button == press_.button) {
+      // The draw button is down already: this press has a grab of its own, so ours is gone, and it
+      // has to be answered as a press of its own or its freeze would last.
+      XPutBackEvent(dpy, &event);
+      return;
     }
     // The release of another button is that of one above the fifth, which may have been down all
     // the time; anything else ends the stroke.
@@ -219,11 +226,21 @@ void Capture::SendClick() {
   XSendEvent(dpy, mwin_, True, 0xffffff, &event);
 }
 
+// Hands on the presses that the grab caught between the end of the stroke and being lifted.
+void Capture::ReplayEarlyPresses() {
+  XSync(dpy, False);
+  XEvent event;
+  while (XCheckTypedWindowEvent(dpy, root, ButtonPress, &event)) {
+    if (!event.xbutton.send_event) XAllowEvents(dpy, ReplayPointer, event.xbutton.time);
+  }
+}
+
 void Capture::Recognise(GromlitPlugin* plugin) {
   if (plugin == nullptr) return;
   // An action may take seconds; a press in that time must not freeze the pointer until it is over.
   const DrawButtonLifted lifted;
   LetPointerThrough(trail_);
+  ReplayEarlyPresses();
   PluginMatch(plugin, npoints_, xbuffer_.data(), ybuffer_.data(), mwin_, kwin_, winx_, winy_,
               press_.x_root, press_.y_root);
 }

@@ -161,8 +161,12 @@ void GromlitRun::WriteOptions(int button, int sensitivity) {
   ASSERT_EQ(SaveUserOptions(&options, defaultOptionFile), 1);
 }
 
-void GromlitRun::StartWindowManager(const std::string& name) {
+void GromlitRun::StartWindowManager(const std::string& name, const std::string& configuration) {
   std::vector<std::string> argv = {name};
+  if (!configuration.empty()) {
+    WriteText(*install / "rc.xml", configuration);
+    argv.insert(argv.end(), {"--config-file", *install / "rc.xml"});
+  }
   if (name == "twm") argv.insert(argv.end(), {"-f", "/dev/null"});
   manager = std::make_unique<Process>(argv, *install / "manager.log");
   // It is there when it redirects the root window's substructure, and ready when it brings a window

@@ -77,7 +77,9 @@ class GromlitRun : public ::testing::Test {
   void WriteOptions(int button = 3, int sensitivity = 4);
 
   // Starts a window manager ("openbox" or "twm") and waits until it manages the screen.
-  void StartWindowManager(const std::string& name = "openbox");
+  // openbox may be given another configuration than its default.
+  void StartWindowManager(const std::string& name = "openbox",
+                          const std::string& configuration = "");
   // Starts the program; waits until it follows the pointer unless it is not expected to.
   void StartGromlit(bool ready = true, std::vector<std::string> arguments = {});
   bool GromlitIsReady();
