@@ -1,6 +1,7 @@
 #include "core/option_files.h"
 
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <vector>
 
@@ -36,7 +37,10 @@ int SaveUserOptions(const GromlitUserOptions* usr, const char* fname) {
   PutHeader(file, GromlitOptionFileHeaderString);
   EncodeOptions(*usr, std::span(file).subspan(kHeaderSize));
   if (SaveFile(DataPath(optionDirectory, fname).c_str(), file)) return 1;
+  // Printing may change what the caller is to tell the user.
+  const int reason = errno;
   std::perror("Save Options");
+  errno = reason;
   return 0;
 }
 

@@ -16,7 +16,8 @@ inline constexpr const char* defaultSoundcmd = "play %s";
 GromlitUserOptions* LoadUserOptions(const char* fname);
 
 // Writes usr to GromlitPath/options/`fname` (safe saving: core/files.h). Returns 1; or 0 after
-// reporting "Save Options" with the system error, the old file left as it was.
+// reporting "Save Options" with the system error, which stays in errno; the old file is left as it
+// was.
 int SaveUserOptions(const GromlitUserOptions* usr, const char* fname);
 
 // Stores the defaults into usr; temp1..temp4 and charspare2 are not touched.

@@ -4,6 +4,7 @@
 
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <memory>
@@ -151,6 +152,14 @@ TEST_F(OptionFiles, SaveWithoutADirectoryPrintsTheReasonAndMemoryStays) {
 TEST_F(OptionFiles, SaveOverADirectoryPrintsTheReason) {
   fs::create_directory(path_);
   const auto result = RunInChild(TrySave);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.err, "Save Options: Is a directory\n");
+}
+
+// The window that saves shows the reason too. Printing to a pipe changes errno.
+TEST_F(OptionFiles, ReasonOfAFailedSaveStaysInErrno) {
+  fs::create_directory(path_);
+  const auto result = RunInChild([] { return TrySave() == 0 && errno == EISDIR ? 0 : 1; });
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.err, "Save Options: Is a directory\n");
 }
