@@ -1,0 +1,733 @@
+// First: the test library's headers do not stand Xlib's macros.
+#include "tests/x11/app/action_fixture.h"
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include <cstdio>
+
+#include "app/action_commands.h"
+#include "app/gromlit_app.h"
+#include "recognition/signature_match.h"
+
+namespace gromlit {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+using ActionEditorTest = testing::ActionFixture;
+
+struct Place {
+  int x;
+  int y;
+  int width;
+  int height;
+  bool operator==(const Place&) const = default;
+};
+
+std::ostream& operator<<(std::ostream& out, const Place& place) {
+  return out << place.width << "x" << place.height << "+" << place.x << "+" << place.y;
+}
+
+Place PlaceOf(Window window) {
+  Window rootwin;
+  int x;
+  int y;
+  unsigned width;
+  unsigned height;
+  unsigned border;
+  unsigned depth;
+  XGetGeometry(dpy, window, &rootwin, &x, &y, &width, &height, &border, &depth);
+  return {x, y, static_cast<int>(width), static_cast<int>(height)};
+}
+
+// The corner points of a symbol, for comparisons.
+std::vector<int> Points(const GromlitSymbol& sym) {
+  std::vector<int> points;
+  for (int i = 1; i <= sym.npoints; i++) {
+    points.push_back(sym.x[i]);
+    points.push_back(sym.y[i]);
+  }
+  return points;
+}
+
+GromlitSymbol* SymbolNamed(const char* name) {
+  for (auto* node = allSymbols; node->sym != nullptr; node = node->next) {
+    if (FieldText(node->sym->name) == name) return node->sym;
+  }
+  return nullptr;
+}
+
+// Selects a symbol in the chooser.
+void Choose(const char* name) {
+  SymbolDisplay* chooser = SymbolChooser();
+  chooser->selected = -1;
+  for (int i = 0; i < chooser->count; i++) {
+    if (FieldText(chooser->syms[i]->name) == name) chooser->selected = i;
+  }
+}
+
+// --- The window ---------------------------------------------------------------------------------
+
+TEST_F(ActionEditorTest, NothingOpensBeforeItWasMade) {
+  ActionEditor* made = act;
+  act = nullptr;
+  EditNewAction(plugin);
+  EditAction(plugin, Have("One", {}));
+  ShowActionEditor();
+  tabDeselectCommand();
+  EXPECT_EQ(editingPlugin, 0);
+  act = made;
+  Pump();
+  EXPECT_FALSE(Open());
+}
+
+TEST_F(ActionEditorTest, TheWindowIsHiddenAndKnownToWindowManagers) {
+  EXPECT_FALSE(Open());
+  EXPECT_EQ(editingPlugin, 0);
+  EXPECT_EQ(PlaceOf(act->window), (Place{0, 0, 560, 454}));
+  char* name = nullptr;
+  ASSERT_NE(XFetchName(dpy, act->window, &name), 0);
+  EXPECT_STREQ(name, "Gromlit: Action Editor");
+  XFree(name);
+  ASSERT_NE(XGetIconName(dpy, act->window, &name), 0);
+  EXPECT_STREQ(name, "Gromlit: Action Editor");
+  XFree(name);
+  XClassHint hint{};
+  ASSERT_NE(XGetClassHint(dpy, act->window, &hint), 0);
+  EXPECT_STREQ(hint.res_name, "ActionEditor");
+  EXPECT_STREQ(hint.res_class, "Gromlit");
+  XFree(hint.res_name);
+  XFree(hint.res_class);
+  Atom* protocols = nullptr;
+  int n = 0;
+  ASSERT_NE(XGetWMProtocols(dpy, act->window, &protocols, &n), 0);
+  EXPECT_EQ(n, 1);
+  EXPECT_EQ(protocols[0], wm_delete);
+  XFree(protocols);
+}
+
+TEST_F(ActionEditorTest, EverythingLiesWhereItBelongs) {
+  const int w = act->tbar->width;
+  EXPECT_EQ(PlaceOf(act->logo->window).x, 16);
+  EXPECT_EQ(PlaceOf(act->logo->window).y, 16);
+  EXPECT_EQ(PlaceOf(act->logo->window).width, 528);
+  EXPECT_STREQ(act->logo->title, "A c t i o n    E d i t o r");
+  EXPECT_EQ(PlaceOf(act->tbar->window), (Place{16, 100, w, 180}));
+  EXPECT_EQ(PlaceOf(act->txt->window), (Place{w + 28, 100, 128, 24}));
+  EXPECT_EQ(PlaceOf(act->icon->window), (Place{w + 176, 100, 40, 40}));
+  EXPECT_EQ(PlaceOf(act->lst->window), (Place{16, 304, w - 23, 84}));
+  EXPECT_EQ(PlaceOf(act->sbar->window), (Place{w + 1, 304, 15, 84}));
+  const int y = 454 - 40;
+  const auto button = [](const XButton* b) {
+    const Place place = PlaceOf(b->window);
+    return std::string(b->label) + " " + std::to_string(place.x) + "," + std::to_string(place.y) +
+           " " + std::to_string(place.width);
+  };
+  const auto at = [](const std::string& label, int x, int top, int width) {
+    return label + " " + std::to_string(x) + "," + std::to_string(top) + " " +
+           std::to_string(width);
+  };
+  EXPECT_EQ(button(act->bhelp), at("Help", 16, y, 64));
+  EXPECT_EQ(button(act->bmoveup), at("Move Up", w - 168, y, 84));
+  EXPECT_EQ(button(act->bmovedown), at("Move Down", w - 68, y, 84));
+  EXPECT_EQ(button(act->bsave), at("OK", 400, y, 64));
+  EXPECT_EQ(button(act->bcancel), at("Cancel", 480, y, 64));
+  EXPECT_EQ(PlaceOf(tab->ed->window), (Place{16, 40, w - 32, 24}));
+  EXPECT_EQ(PlaceOf(tab->sys->window).x, 16);
+  EXPECT_EQ(PlaceOf(tab->sys->window).y, 40);
+  EXPECT_EQ(PlaceOf(tab->sys->window).width, w - 32);
+  EXPECT_EQ(PlaceOf(tab->checkbox->window).x, 16);
+  EXPECT_EQ(PlaceOf(tab->checkbox->window).y, 72);
+  EXPECT_EQ(button(tab->badd), at("Add", w - 216, 148, 64));
+  EXPECT_EQ(button(tab->bupdate), at("Update", w - 144, 148, 64));
+  EXPECT_EQ(button(tab->bdelete), at("Delete", w - 72, 148, 64));
+  EXPECT_EQ(Buttons(), "00001");
+}
+
+TEST_F(ActionEditorTest, HelpOpensItsPageInTheBrowser) {
+  const std::string script = *install / "browser";
+  const std::string seen = *install / "seen";
+  testing::WriteText(
+      script, "#!/bin/sh\necho \"$1\" > " + seen + ".new\nmv " + seen + ".new " + seen + "\n");
+  ASSERT_EQ(chmod(script.c_str(), 0755), 0);
+  GromlitUserOptions options{};
+  CopyText(options.urlcmd, script + " %s");
+  user = &options;
+  EditNewAction(plugin);
+  Pump();
+  ClickOn(act->bhelp);
+  EXPECT_TRUE(testing::WaitFor([&] { return testing::Exists(seen); }));
+  EXPECT_EQ(testing::ReadText(seen),
+            "file:" + std::string(GromlitPath) + "/help/action_editor.html\n");
+  user = nullptr;
+}
+
+// --- Opening ------------------------------------------------------------------------------------
+
+TEST_F(ActionEditorTest, ANewActionStartsWithTheFirstSymbolAndNoCommands) {
+  EditNewAction(plugin);
+  Pump();
+  EXPECT_TRUE(Open());
+  EXPECT_EQ(editingPlugin, 1);
+  EXPECT_EQ(act->plugin, plugin);
+  EXPECT_EQ(act->edit, nullptr);
+  EXPECT_EQ(Field(act->txt), "New");
+  EXPECT_EQ(Field(tab->ed), "");
+  EXPECT_EQ(act->action.ncmds, 0u);
+  EXPECT_EQ(act->lst->nitems, 0);
+  EXPECT_EQ(act->lst->selected, -1);
+  EXPECT_EQ(act->tbar->selected, kHotKey);
+  EXPECT_STREQ(act->action.sym.name, allSymbols->sym->name);
+  EXPECT_EQ(Points(act->action.sym), Points(*allSymbols->sym));
+  EXPECT_EQ(Buttons(), "00001");
+  Picture("action_new");
+}
+
+TEST_F(ActionEditorTest, ANewActionWithAnEmptyLibraryStartsFromAnEmptySymbol) {
+  EditNewAction(plugin);
+  for (const char* name : {"Line", "Corner", "Square"}) {
+    std::remove((*install / (std::string("symbols/") + name + ".sls")).c_str());
+  }
+  LoadSymbols();
+  ASSERT_EQ(allSymbols->sym, nullptr);
+  EditNewAction(plugin);
+  Pump();
+  EXPECT_TRUE(Open());
+  EXPECT_STREQ(act->action.sym.name, "");
+  EXPECT_EQ(act->action.sym.npoints, 0);
+  for (const uint32_t row : act->action.sym.icon) EXPECT_EQ(row, 0u);
+  ClickOn(act->bsave);
+  EXPECT_EQ(Stored()->nactions, 1);
+}
+
+TEST_F(ActionEditorTest, AnExistingActionIsShownWithItsFirstCommandSelected) {
+  GromlitAction* action =
+      Have("Old", {Command(kText, "notes.txt", 1), Command(kRun, "xclock"), Command(kMenu, "F")});
+  CopyGromlitSymbol(&action->sym, SymbolNamed("Square"));
+  EditNewAction(plugin);
+  ClickTab(kSound);
+  EditAction(plugin, action);
+  Pump();
+  EXPECT_TRUE(Open());
+  EXPECT_EQ(editingPlugin, 1);
+  EXPECT_EQ(act->edit, action);
+  EXPECT_EQ(Field(act->txt), "Old");
+  EXPECT_STREQ(act->action.sym.name, "Square");
+  EXPECT_THAT(Lines(), ElementsAre("Text: notes.txt", "Run: xclock", "Menu: F"));
+  EXPECT_EQ(act->lst->selected, 0);
+  EXPECT_EQ(act->lst->top, 0);
+  EXPECT_EQ(act->tbar->selected, kText);
+  EXPECT_EQ(Field(tab->ed), "notes.txt");
+  EXPECT_EQ(tab->checkbox->state, 1);
+  EXPECT_EQ(Buttons(), "11111");
+  for (int i = 0; i < 3; i++) EXPECT_NE(act->action.cmds[i], action->cmds[i]) << "a copy";
+  // The highlight is on the screen.
+  EXPECT_EQ(PixelOf(act->lst->window, act->lst->width - 12, 8), 0u);
+  Picture("action_existing");
+}
+
+TEST_F(ActionEditorTest, AnActionWithoutCommandsHasNoSelection) {
+  EditAction(plugin, Have("Long", {Command(kRun, "xclock")}));
+  ASSERT_EQ(act->lst->selected, 0);
+  EditAction(plugin, Have("Empty", {}));
+  Pump();
+  EXPECT_EQ(act->lst->nitems, 0);
+  EXPECT_EQ(act->lst->selected, -1);
+  EXPECT_EQ(Field(tab->ed), "");
+  EXPECT_EQ(Buttons(), "00001");
+}
+
+TEST_F(ActionEditorTest, OpeningBringsTheBeginningOfALongListBack) {
+  std::vector<GromlitCmd> commands;
+  for (int i = 0; i < 40; i++) commands.push_back(Command(kRun, std::to_string(i).c_str()));
+  GromlitAction* action = Have("Long", commands);
+  EditAction(plugin, action);
+  act->sbar->pos = 1000;
+  UpdateScrollbar(act->sbar);
+  ASSERT_GT(act->lst->top, 0);
+  EditAction(plugin, action);
+  EXPECT_EQ(act->lst->top, 0);
+  EXPECT_EQ(act->lst->selected, 0);
+}
+
+TEST_F(ActionEditorTest, OpeningAgainGivesUpTheWorkOnTheFormerAction) {
+  GromlitAction* first = Have("First", {Command(kRun, "one")});
+  GromlitAction* second = Have("Second", {Command(kRun, "two")});
+  EditAction(plugin, first);
+  Pump();
+  Add(kRun, "three");
+  EditAction(plugin, second);
+  Pump();
+  EXPECT_THAT(Lines(), ElementsAre("Run: two"));
+  ClickOn(act->bsave);
+  EXPECT_EQ(first->ncmds, 1u);
+  EXPECT_STREQ(first->cmds[0]->text, "one");
+}
+
+TEST_F(ActionEditorTest, ACommandOfAnUnknownTypeIsShownAndKept) {
+  GromlitCmd strange = Command(kRun, "what");
+  strange.type = 77;
+  GromlitAction* action = Have("Strange", {strange});
+  EditAction(plugin, action);
+  Pump();
+  EXPECT_THAT(Lines(), ElementsAre("Unknown: what"));
+  EXPECT_EQ(act->tbar->selected, kHotKey);
+  EXPECT_EQ(Field(tab->ed), "what");
+  ClickOn(act->bsave);
+  EXPECT_EQ(Stored()->actions[0]->cmds[0]->type, 77);
+}
+
+// --- Saving -------------------------------------------------------------------------------------
+
+TEST_F(ActionEditorTest, OkAddsANewActionToPluginAndFile) {
+  EditNewAction(plugin);
+  Pump();
+  ClearName();
+  Type(act->txt, "Start Clock");
+  Add(kRun, "xclock");
+  Add(kText, "tick");
+  ClickOn(act->bsave);
+  EXPECT_FALSE(Open());
+  EXPECT_EQ(editingPlugin, 0);
+  ASSERT_EQ(plugin->nactions, 1);
+  EXPECT_STREQ(plugin->actions[0]->name, "Start Clock");
+  const GromlitPlugin* file = Stored();
+  ASSERT_EQ(file->nactions, 1);
+  const GromlitAction& action = *file->actions[0];
+  EXPECT_STREQ(action.name, "Start Clock");
+  EXPECT_EQ(Points(action.sym), Points(*allSymbols->sym));
+  ASSERT_EQ(action.ncmds, 2u);
+  EXPECT_EQ(action.cmds[0]->type, kRun);
+  EXPECT_STREQ(action.cmds[0]->text, "xclock");
+  EXPECT_EQ(action.cmds[1]->type, kText);
+  EXPECT_STREQ(action.cmds[1]->text, "tick");
+  EXPECT_NE(plugin->actions[0]->cmds[0], act->action.cmds[0]) << "shared with the working copy";
+  EXPECT_NE(plugin->actions[0]->cmds[0]->text, act->action.cmds[0]->text);
+}
+
+TEST_F(ActionEditorTest, OkChangesTheEditedActionInItsPlace) {
+  Have("First", {Command(kRun, "one")});
+  GromlitAction* action = Have("Second", {Command(kRun, "two"), Command(kRun, "three")});
+  EditAction(plugin, action);
+  Pump();
+  Type(act->txt, "!");
+  ClickLine(1);
+  Type(tab->ed, "x");
+  ClickOn(tab->bupdate);
+  Add(kSound, "ding");
+  ClickLine(0);
+  ClickOn(tab->bdelete);
+  ClickOn(act->bsave);
+  EXPECT_FALSE(Open());
+  EXPECT_EQ(editingPlugin, 0);
+  EXPECT_EQ(plugin->nactions, 2);
+  EXPECT_EQ(plugin->actions[1], action) << "whoever points to the action sees the change";
+  for (const GromlitPlugin* pin :
+       {static_cast<const GromlitPlugin*>(plugin), static_cast<const GromlitPlugin*>(Stored())}) {
+    ASSERT_EQ(pin->nactions, 2);
+    EXPECT_STREQ(pin->actions[0]->name, "First");
+    EXPECT_STREQ(pin->actions[1]->name, "Second!");
+    ASSERT_EQ(pin->actions[1]->ncmds, 2u);
+    EXPECT_STREQ(pin->actions[1]->cmds[0]->text, "threex");
+    EXPECT_STREQ(pin->actions[1]->cmds[1]->text, "ding");
+    EXPECT_EQ(pin->actions[1]->cmds[1]->type, kSound);
+  }
+}
+
+TEST_F(ActionEditorTest, OkWithoutANameLeavesTheEditorOpenAndAddsNothing) {
+  EditNewAction(plugin);
+  Pump();
+  ClearName();
+  ASSERT_EQ(Field(act->txt), "");
+  ClickOn(act->bsave);
+  EXPECT_TRUE(Open());
+  EXPECT_EQ(editingPlugin, 1);
+  EXPECT_EQ(plugin->nactions, 0);
+  EXPECT_FALSE(Told());
+}
+
+TEST_F(ActionEditorTest, CancelAbandonsTheWork) {
+  GromlitAction* action = Have("Old", {Command(kRun, "one")});
+  UnLoadPlugin(plugin, plugin->classname);
+  const auto before = testing::ReadBytes(PluginFile());
+  EditAction(plugin, action);
+  Pump();
+  Type(act->txt, "er");
+  ClickOn(tab->bdelete);
+  ClickOn(act->bcancel);
+  EXPECT_FALSE(Open());
+  EXPECT_EQ(editingPlugin, 0);
+  EXPECT_STREQ(action->name, "Old");
+  EXPECT_EQ(action->ncmds, 1u);
+  EXPECT_EQ(testing::ReadBytes(PluginFile()), before);
+}
+
+TEST_F(ActionEditorTest, CommandsThatWereNotUpdatedKeepTheirWholeRecords) {
+  GromlitCmd rich = Command(kHotKey, "its own text");
+  rich.nkeys = 3;
+  for (int i = 0; i < kMaxKeys; i++) {
+    rich.keycode[i] = static_cast<uint16_t>(38 + i);
+    rich.keystate[i] = static_cast<uint16_t>(1 << i);
+  }
+  for (int i = 0; i < 6; i++) rich.buttons[i] = static_cast<uint8_t>(10 + i);
+  rich.flag = 7;
+  rich.checked = 9;
+  rich.spare = 0x12345678;
+  GromlitAction* action = Have("Rich", {rich, Command(kRun, "xclock")});
+  action->spare = 4711;
+  action->sym.spare = 815;
+  EditAction(plugin, action);
+  Pump();
+  ClickLine(1);
+  Type(tab->ed, "2");
+  ClickOn(tab->bupdate);
+  ClickOn(act->bmoveup);
+  ClickOn(act->bsave);
+  const GromlitAction& stored_action = *Stored()->actions[0];
+  EXPECT_EQ(stored_action.spare, 4711);
+  EXPECT_EQ(stored_action.sym.spare, 815u);
+  ASSERT_EQ(stored_action.ncmds, 2u);
+  EXPECT_STREQ(stored_action.cmds[0]->text, "xclock2");
+  const GromlitCmd& kept = *stored_action.cmds[1];
+  EXPECT_EQ(kept.type, rich.type);
+  EXPECT_EQ(kept.nkeys, rich.nkeys);
+  EXPECT_TRUE(std::equal(std::begin(kept.keycode), std::end(kept.keycode), rich.keycode));
+  EXPECT_TRUE(std::equal(std::begin(kept.keystate), std::end(kept.keystate), rich.keystate));
+  EXPECT_TRUE(std::equal(std::begin(kept.buttons), std::end(kept.buttons), rich.buttons));
+  EXPECT_EQ(kept.flag, 7);
+  EXPECT_EQ(kept.checked, 9);
+  EXPECT_EQ(kept.spare, 0x12345678);
+  EXPECT_STREQ(kept.text, "its own text");
+}
+
+TEST_F(ActionEditorTest, UpdateKeepsWhatTheTypeDoesNotSet) {
+  GromlitCmd rich = Command(kMenu, "A");
+  rich.keycode[1] = 50;
+  rich.flag = 7;
+  EditAction(plugin, Have("Rich", {rich}));
+  Pump();
+  Type(tab->ed, "b");
+  ClickOn(tab->bupdate);
+  const GromlitCmd& command = *act->action.cmds[0];
+  EXPECT_EQ(command.nkeys, 2);
+  EXPECT_EQ(command.keycode[0], XKeysymToKeycode(dpy, XK_b));
+  EXPECT_EQ(command.keycode[1], 50);
+  EXPECT_EQ(command.flag, 7);
+}
+
+TEST_F(ActionEditorTest, ATextLongerThanTheFieldIsShownCutAndKept) {
+  const std::string text(300, 'x');
+  GromlitAction* action = Have("Long", {Command(kText, text.c_str())});
+  EditAction(plugin, action);
+  Pump();
+  EXPECT_EQ(Field(tab->ed), text.substr(0, kEditorBuffer - 1));
+  // Only the box is changed.
+  ClickCheckBox();
+  ClickOn(tab->bupdate);
+  EXPECT_EQ(act->action.cmds[0]->text, text);
+  ClickOn(act->bsave);
+  EXPECT_EQ(Stored()->actions[0]->cmds[0]->text, text);
+  EXPECT_EQ(Stored()->actions[0]->cmds[0]->ntext, 300u);
+  EXPECT_EQ(Stored()->actions[0]->cmds[0]->checked, 1);
+  // Now the text, too.
+  EditAction(plugin, action);
+  Pump();
+  MoveInto(tab->ed->window, 60, 12);
+  player->Type(XK_BackSpace);
+  Pump();
+  ClickOn(tab->bupdate);
+  EXPECT_EQ(act->action.cmds[0]->text, text.substr(0, kEditorBuffer - 2));
+}
+
+TEST_F(ActionEditorTest, ANameLongerThanItsFieldIsCut) {
+  EditNewAction(plugin);
+  Pump();
+  ClearName();
+  Type(act->txt, std::string(64, 'n'));
+  ASSERT_EQ(act->txt->len, 64);
+  ClickOn(act->bsave);
+  EXPECT_EQ(Stored()->actions[0]->name, std::string(63, 'n'));
+}
+
+TEST_F(ActionEditorTest, AFullPluginGetsNoFurtherAction) {
+  for (int i = 0; i < kMaxActions - 1; i++) Have("A", {});
+  EditNewAction(plugin);
+  Pump();
+  ClickOn(act->bsave);
+  EXPECT_EQ(plugin->nactions, kMaxActions);
+  EXPECT_FALSE(Open());
+  EditNewAction(plugin);
+  Pump();
+  ClickOn(act->bsave);
+  EXPECT_EQ(plugin->nactions, kMaxActions);
+  EXPECT_TRUE(Open()) << "the work is lost";
+  ASSERT_TRUE(Told());
+  EXPECT_THAT(Notice(), HasSubstr("128"));
+  CloseNotice();
+}
+
+TEST_F(ActionEditorTest, AChangeThatCannotBeSavedStaysInTheEditor) {
+  GromlitAction* action = Have("Old", {Command(kRun, "one")});
+  UnLoadPlugin(plugin, plugin->classname);
+  const auto before = testing::ReadBytes(PluginFile());
+  const std::string signature = SymbolSignature(&action->sym);
+  const GromlitAction kept = *action;
+  EditAction(plugin, action);
+  Pump();
+  Type(act->txt, "er");
+  Add(kRun, "two");
+  const std::string plugins = *install / "plugins";
+  ASSERT_EQ(std::rename(plugins.c_str(), (plugins + "-gone").c_str()), 0);
+  ClickOn(act->bsave);
+  ASSERT_EQ(std::rename((plugins + "-gone").c_str(), plugins.c_str()), 0);
+  EXPECT_TRUE(Open());
+  EXPECT_EQ(editingPlugin, 1);
+  ASSERT_TRUE(Told());
+  EXPECT_THAT(Notice(), HasSubstr("No such file or directory"));
+  Picture("action_save_failed");
+  CloseNotice();
+  EXPECT_STREQ(action->name, "Old");
+  EXPECT_EQ(action->ncmds, 1u);
+  EXPECT_EQ(action->cmds[0], kept.cmds[0]);
+  EXPECT_STREQ(action->cmds[0]->text, "one");
+  EXPECT_EQ(action->sym.signature, kept.sym.signature);
+  EXPECT_EQ(SymbolSignature(&action->sym), signature);
+  EXPECT_EQ(testing::ReadBytes(PluginFile()), before);
+  // The work is all there for another try.
+  EXPECT_EQ(Field(act->txt), "Older");
+  EXPECT_THAT(Lines(), ElementsAre("Run: one", "Run: two"));
+  ClickOn(act->bsave);
+  EXPECT_FALSE(Open());
+  EXPECT_STREQ(Stored()->actions[0]->name, "Older");
+}
+
+TEST_F(ActionEditorTest, ANewActionThatCannotBeSavedIsNotAdded) {
+  EditNewAction(plugin);
+  Pump();
+  Add(kRun, "two");
+  const std::string plugins = *install / "plugins";
+  ASSERT_EQ(std::rename(plugins.c_str(), (plugins + "-gone").c_str()), 0);
+  ClickOn(act->bsave);
+  ASSERT_EQ(std::rename((plugins + "-gone").c_str(), plugins.c_str()), 0);
+  EXPECT_TRUE(Open());
+  ASSERT_TRUE(Told());
+  CloseNotice();
+  EXPECT_EQ(plugin->nactions, 0);
+  EXPECT_THAT(Lines(), ElementsAre("Run: two"));
+  ClickOn(act->bsave);
+  EXPECT_EQ(Stored()->nactions, 1);
+}
+
+TEST_F(ActionEditorTest, OkRedrawsTheMainWindow) {
+  app = MakeGromlitApp(6, 3, 0, nullptr);
+  app->plugin = plugin;
+  for (int i = 0; i < 18; i++) Have("A", {});
+  UpdateGromlitScrollRange();
+  const XScrollbar* scrollbar = app->sbar;
+  const int range = scrollbar->range;
+  DrawGromlitApp(app);
+  ASSERT_EQ(app->nicons, 18);
+  EditNewAction(plugin);
+  Pump();
+  ClickOn(act->bsave);
+  EXPECT_EQ(app->nicons, 19);
+  EXPECT_GT(scrollbar->range, range) << "the new row cannot be scrolled to";
+  app = nullptr;
+}
+
+// --- The symbol ---------------------------------------------------------------------------------
+
+TEST_F(ActionEditorTest, AClickOnTheSymbolLetsAnotherBeChosen) {
+  GromlitAction* action = Have("Old", {Command(kRun, "one")});
+  CopyGromlitSymbol(&action->sym, SymbolNamed("Line"));
+  const std::string former = SymbolSignature(&action->sym);
+  EditAction(plugin, action);
+  Pump();
+  ClickIn(act->icon->window, 20, 20);
+  ASSERT_TRUE(Viewable(symselect->window));
+  EXPECT_STREQ(symselect->title, "Select Symbol");
+  Choose("Corner");
+  Picture("action_choose_symbol");
+  ClickOn(symselect->yes);
+  EXPECT_FALSE(Viewable(symselect->window));
+  EXPECT_STREQ(act->action.sym.name, "Corner");
+  EXPECT_EQ(Points(act->action.sym), Points(*SymbolNamed("Corner")));
+  EXPECT_STREQ(action->sym.name, "Line") << "before OK";
+  ClickOn(act->bsave);
+  EXPECT_STREQ(action->sym.name, "Corner");
+  EXPECT_STREQ(Stored()->actions[0]->sym.name, "Corner");
+  // The action matches its new shape and no longer the old one.
+  const std::string now = SymbolSignature(SymbolNamed("Corner"));
+  ASSERT_NE(now, former);
+  EXPECT_EQ(SymbolSignature(&action->sym), now);
+  EXPECT_NE(action->sym.signature, SymbolNamed("Corner")->signature) << "a pointer was copied";
+}
+
+TEST_F(ActionEditorTest, OkInTheChooserWithNothingSelectedChangesNothing) {
+  EditNewAction(plugin);
+  Pump();
+  const std::string before = act->action.sym.name;
+  ClickIn(act->icon->window, 20, 20);
+  SymbolChooser()->selected = -1;
+  ClickOn(symselect->yes);
+  EXPECT_FALSE(Viewable(symselect->window));
+  EXPECT_EQ(act->action.sym.name, before);
+}
+
+TEST_F(ActionEditorTest, CancelInTheChooserChangesNothing) {
+  EditNewAction(plugin);
+  Pump();
+  const std::string before = act->action.sym.name;
+  ClickIn(act->icon->window, 20, 20);
+  for (const char* name : {"Line", "Corner"}) {
+    if (before != name) Choose(name);
+  }
+  ClickOn(symselect->no);
+  EXPECT_FALSE(Viewable(symselect->window));
+  EXPECT_EQ(act->action.sym.name, before);
+}
+
+TEST_F(ActionEditorTest, TheChooserClosesWithTheEditor) {
+  for (XButton* button : {act->bcancel, act->bsave}) {
+    EditNewAction(plugin);
+    Pump();
+    ClickIn(act->icon->window, 20, 20);
+    ASSERT_TRUE(Viewable(symselect->window));
+    XMoveWindow(dpy, symselect->window, 700, 500);
+    Pump();
+    ClickOn(button);
+    EXPECT_FALSE(Open());
+    EXPECT_FALSE(Viewable(symselect->window));
+  }
+}
+
+TEST_F(ActionEditorTest, ASymbolOfSixtyFourPointsIsCopiedWhole) {
+  GromlitSymbol* sym = SymbolNamed("Line");
+  sym->npoints = 64;
+  for (int i = 1; i <= 64; i++) {
+    sym->x[i] = static_cast<uint16_t>(16 + 8 * (i % 30));
+    sym->y[i] = static_cast<uint16_t>(16 + 8 * (i % 29));
+  }
+  EditNewAction(plugin);
+  Pump();
+  ClickIn(act->icon->window, 20, 20);
+  Choose("Line");
+  ClickOn(symselect->yes);
+  ClickOn(act->bsave);
+  EXPECT_EQ(Points(plugin->actions[0]->sym), Points(*sym));
+}
+
+// --- Closing, and records that go away ----------------------------------------------------------
+
+TEST_F(ActionEditorTest, ClosingByTheWindowManagerLeavesGesturesOffUntilCancel) {
+  EditNewAction(plugin);
+  Pump();
+  Add(kRun, "xclock");
+  ASSERT_EQ(editingPlugin, 1);
+  CloseByWindowManager();
+  EXPECT_EQ(editingPlugin, 1);
+  EXPECT_EQ(plugin->nactions, 0);
+  // Shown again, the work is there; Cancel brings the gestures back.
+  ShowActionEditor();
+  Pump();
+  EXPECT_TRUE(Open());
+  EXPECT_THAT(Lines(), ElementsAre("Run: xclock"));
+  ClickOn(act->bcancel);
+  EXPECT_FALSE(Open());
+  EXPECT_EQ(editingPlugin, 0);
+}
+
+TEST_F(ActionEditorTest, ReopenedByEditAndCancelledGesturesAreBack) {
+  GromlitAction* action = Have("Old", {});
+  EditAction(plugin, action);
+  Pump();
+  CloseByWindowManager();
+  EXPECT_EQ(editingPlugin, 1);
+  EditAction(plugin, action);
+  Pump();
+  ClickOn(act->bcancel);
+  EXPECT_EQ(editingPlugin, 0);
+}
+
+TEST_F(ActionEditorTest, ShownBeforeAnyActionWasOpenedNothingCanBeSaved) {
+  ShowActionEditor();
+  Pump();
+  EXPECT_EQ(editingPlugin, 1);
+  Type(act->txt, "Orphan");
+  ClickOn(act->bsave);
+  EXPECT_TRUE(Open());
+  EXPECT_TRUE(Told());
+  EXPECT_EQ(plugin->nactions, 0);
+  CloseNotice();
+  ClickOn(act->bcancel);
+  EXPECT_EQ(editingPlugin, 0);
+}
+
+TEST_F(ActionEditorTest, APluginThatWasDeletedIsNotWrittenAgain) {
+  GromlitAction* action = Have("Old", {Command(kRun, "one")});
+  UnLoadPlugin(plugin, plugin->classname);
+  for (const bool existing : {true, false}) {
+    if (existing) {
+      EditAction(plugin, action);
+      ASSERT_EQ(DropPlugin(plugin, plugin->classname), 1);
+    } else {
+      EditNewAction(plugin);
+    }
+    Pump();
+    Type(act->txt, "er");
+    ClickOn(act->bsave);
+    EXPECT_FALSE(testing::Exists(PluginFile())) << "the file came back";
+    EXPECT_TRUE(Open()) << "the work is lost";
+    ASSERT_TRUE(Told());
+    EXPECT_THAT(Notice(), HasSubstr("deleted"));
+    CloseNotice();
+    EXPECT_STREQ(action->name, "Old");
+    EXPECT_EQ(plugin->nactions, 1);
+  }
+  ClickOn(act->bcancel);
+  EXPECT_FALSE(Open());
+  EXPECT_EQ(editingPlugin, 0);
+}
+
+TEST_F(ActionEditorTest, APluginThatWasMadeAnewIsNotTakenForTheDeletedOne) {
+  GromlitAction* action = Have("Old", {});
+  UnLoadPlugin(plugin, plugin->classname);
+  EditAction(plugin, action);
+  Pump();
+  ASSERT_EQ(DropPlugin(plugin, plugin->classname), 1);
+  GromlitPlugin* another = CreatePlugin("Test application", kClass);
+  ASSERT_NE(another, plugin);
+  ClickOn(act->bsave);
+  EXPECT_TRUE(Told());
+  EXPECT_EQ(another->nactions, 0);
+  EXPECT_EQ(Stored()->nactions, 0);
+  CloseNotice();
+}
+
+TEST_F(ActionEditorTest, AnActionThatWasDeletedIsAddedAgainByOk) {
+  app = MakeGromlitApp(6, 3, 0, nullptr);
+  app->plugin = plugin;
+  GromlitAction* deleted = Have("Deleted", {Command(kRun, "one")});
+  Have("Other", {Command(kRun, "two")});
+  UnLoadPlugin(plugin, plugin->classname);
+  EditAction(plugin, deleted);
+  Pump();
+  app->selected = 0;
+  popDeleteAction(nullptr, nullptr);
+  ASSERT_EQ(plugin->nactions, 1);
+  Type(act->txt, "!");
+  ClickOn(act->bsave);
+  EXPECT_FALSE(Open());
+  EXPECT_STREQ(deleted->name, "Deleted") << "a stale record was written to";
+  const GromlitPlugin* file = Stored();
+  ASSERT_EQ(file->nactions, 2);
+  EXPECT_STREQ(file->actions[0]->name, "Other");
+  EXPECT_STREQ(file->actions[1]->name, "Deleted!");
+  EXPECT_STREQ(file->actions[1]->cmds[0]->text, "one");
+  app = nullptr;
+}
+
+}  // namespace
+}  // namespace gromlit
