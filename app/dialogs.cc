@@ -19,10 +19,10 @@ XDialog* confirm = nullptr;
 XDialog* editname = nullptr;
 XDialog* failure = nullptr;
 
-const char* const AboutGromlitMsgs[] = {
-    "Gromlit, version " GROMLIT_VERSION, "Mouse gestures for the X Window System",
-    "(c) 2026 The Gromlit developers. MIT licensed.",
-    "Please tell us what you think: feedback@gromlit.localhost", nullptr};
+const char* const AboutGromlitMsgs[] = {"Gromlit, version " GROMLIT_VERSION,
+                                        "Mouse gestures for the X Window System",
+                                        "(c) 2026 The Gromlit developers. MIT licensed.",
+                                        "Feedback: feedback@gromlit.localhost", nullptr};
 const char* const ConfirmDeleteSymbolMsg[] = {"Sure you want to delete this Symbol?", nullptr};
 const char* const ConfirmDeletePluginMsg[] = {"Really Delete Plugin? ", nullptr};
 const char* const ConfirmExitMsg[] = {"Really Exit Gromlit? ", nullptr};
