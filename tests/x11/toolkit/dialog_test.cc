@@ -12,6 +12,7 @@ namespace {
 using testing::Cost;
 using testing::CostOf;
 using testing::Picture;
+using testing::Place;
 
 const char* const kMsgs[] = {"Short.", "The widest of the three message lines.", "", nullptr};
 const char* const kOneMsg[] = {"Delete the symbol that is selected now?", nullptr};
@@ -29,15 +30,6 @@ class DialogTest : public testing::WidgetFixture {
     answered.clear();
   }
 
-  struct Place {
-    int x, y, width, height;
-    bool operator==(const Place&) const = default;
-  };
-  Place PlaceOf(Window window) {
-    XWindowAttributes at;
-    XGetWindowAttributes(dpy, window, &at);
-    return {at.x, at.y, at.width, at.height};
-  }
   bool Mapped(Window window) {
     XWindowAttributes attributes;
     XGetWindowAttributes(dpy, window, &attributes);

@@ -52,23 +52,6 @@ class SplashTest : public testing::XFixture {
     return found;
   }
 
-  Picture TakeScreen(int x, int y, int w, int h) {
-    Picture picture(w, h, 0);
-    XImage* image = XGetImage(player->display(), player->root(), x, y, static_cast<unsigned>(w),
-                              static_cast<unsigned>(h), AllPlanes, ZPixmap);
-    if (image == nullptr) {
-      ADD_FAILURE() << "cannot read the screen";
-      return picture;
-    }
-    for (int row = 0; row < h; row++) {
-      for (int column = 0; column < w; column++) {
-        picture.At(column, row) = XGetPixel(image, column, row) & 0xffffff;
-      }
-    }
-    XDestroyImage(image);
-    return picture;
-  }
-
   // What the player was asked to play, once it was.
   std::string Played() {
     EXPECT_TRUE(testing::WaitFor([this] { return testing::Exists(played); }));
@@ -97,7 +80,7 @@ TEST_F(SplashTest, ShowsForTwoSecondsInTheMiddleAndIsGone) {
   EXPECT_TRUE(is.save_under);
   EXPECT_EQ(is.all_event_masks, ExposureMask);
 
-  const Picture shown = TakeScreen(is.x, is.y, 173, 105);
+  const Picture shown = testing::TakeScreen(*player, is.x, is.y, 173, 105);
   Picture expected(173, 105, 0xc0c0c0);
   for (int y = 0; y < 57; y++) {
     for (int x = 0; x < 125; x++) {

@@ -13,6 +13,7 @@ namespace {
 using testing::Cost;
 using testing::CostOf;
 using testing::Picture;
+using testing::Place;
 
 constexpr int kX = 30;  // of the compound in its parent
 constexpr int kY = 20;
@@ -38,15 +39,6 @@ class TextSelectTest : public testing::WidgetFixture {
     MoveTo(kX + 20, kY + 32 + 4 + row * 13 + 6);
     player->Click(1);
     Pump();
-  }
-  struct Place {
-    int x, y, width, height;
-    bool operator==(const Place&) const = default;
-  };
-  Place PlaceOf(Window window) {
-    XWindowAttributes at;
-    XGetWindowAttributes(dpy, window, &at);
-    return {at.x, at.y, at.width, at.height};
   }
 
   std::vector<std::string> names;

@@ -75,6 +75,30 @@ inline std::ostream& operator<<(std::ostream& out, const Picture& picture) {
   return out;
 }
 
+// What another client sees of a rectangle of the screen.
+inline Picture TakeScreen(const Player& player, int x, int y, int w, int h) {
+  Picture picture(w, h, 0);
+  XImage* image = XGetImage(player.display(), player.root(), x, y, static_cast<unsigned>(w),
+                            static_cast<unsigned>(h), AllPlanes, ZPixmap);
+  if (image == nullptr) {
+    ADD_FAILURE() << "cannot read the screen";
+    return picture;
+  }
+  for (int row = 0; row < h; row++) {
+    for (int column = 0; column < w; column++) {
+      picture.At(column, row) = XGetPixel(image, column, row) & 0xffffff;
+    }
+  }
+  XDestroyImage(image);
+  return picture;
+}
+
+// Where a window is in its parent.
+struct Place {
+  int x, y, width, height;
+  bool operator==(const Place&) const = default;
+};
+
 class WidgetFixture : public XFixture {
  protected:
   static constexpr int kTopX = 100;  // of the window, on the screen
@@ -111,21 +135,13 @@ class WidgetFixture : public XFixture {
     int rooty = 0;
     Window child;
     XTranslateCoordinates(dpy, window, root, x, y, &rootx, &rooty, &child);
-    Picture picture(w, h, 0);
-    XImage* image =
-        XGetImage(player->display(), player->root(), rootx, rooty, static_cast<unsigned>(w),
-                  static_cast<unsigned>(h), AllPlanes, ZPixmap);
-    if (image == nullptr) {
-      ADD_FAILURE() << "cannot read the screen";
-      return picture;
-    }
-    for (int row = 0; row < h; row++) {
-      for (int column = 0; column < w; column++) {
-        picture.At(column, row) = XGetPixel(image, column, row) & 0xffffff;
-      }
-    }
-    XDestroyImage(image);
-    return picture;
+    return TakeScreen(*player, rootx, rooty, w, h);
+  }
+
+  static Place PlaceOf(Window window) {
+    XWindowAttributes at{};
+    XGetWindowAttributes(dpy, window, &at);
+    return {at.x, at.y, at.width, at.height};
   }
 
   Window top = None;
