@@ -338,6 +338,7 @@ TEST_F(GromlitAppTest, PicturesForLookingAt) {
     if (n > 0) ClickCell(0);
     testing::SaveScreen(player->display(), std::string(directory) + "/main-" + number + ".png");
   }
+  UpdatePluginsMenu();
   app->sbar->pos = 1000;
   UpdateScrollbar(app->sbar);
   Pump();
