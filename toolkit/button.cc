@@ -1,7 +1,6 @@
 #include "toolkit/button.h"
 
-#include <cstdio>
-
+#include "core/strings.h"
 #include "display/display.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
@@ -45,7 +44,7 @@ XButton* MakeButton(void* owner, Window parent, const char* label, void (*func)(
 }
 
 void SetButtonLabel(XButton* button, const char* label) {
-  std::snprintf(button->label, sizeof button->label, "%s", label);
+  CopyText(button->label, label);
   button->label_width = TextWidth(labelFontinfo, button->label);
 }
 

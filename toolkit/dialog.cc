@@ -3,7 +3,6 @@
 #include <X11/Xutil.h>
 
 #include <algorithm>
-#include <cstring>
 
 #include "core/strings.h"
 #include "display/display.h"
@@ -15,12 +14,11 @@
 namespace gromlit {
 namespace {
 
-constexpr int kMargin = 8;           // around the banner, and of the buttons
-constexpr int kButtonStep = 64 + 8;  // from one button to the next
-constexpr int kButtonBottom =
-    24 + 8;                      // from the upper edge of the buttons to the lower of the dialog
-constexpr int kSideMargin = 32;  // left and right of the widest line together
-constexpr int kLineGap = 2;      // between two lines
+constexpr int kMargin = 8;                              // around the banner, and of the buttons
+constexpr int kButtonStep = kButtonWidth + kMargin;     // from one button to the next
+constexpr int kButtonBottom = kButtonHeight + kMargin;  // from their upper edge to the dialog's end
+constexpr int kSideMargin = 32;                         // beside the widest line, both together
+constexpr int kLineGap = 2;                             // between two lines
 
 void SetTitle(XDialog* dlog, const char* title) {
   if (title == dlog->title) return;  // owners pop a dialog up with the title it has

@@ -241,6 +241,9 @@ void MakeButtons(Gallery* gallery) {
       MakeMenuOf(root, {Item("Right button"), Item("Middle button"), Item("Left button")});
   MakePulldownButton(gallery, win, "Right button", kLeft, 92, 136, values);
   MakeButton(gallery, win, "Ask...", AskClicked, kLeft + 144, 92);
+  XButton* off = MakePulldownButton(gallery, win, "Off", kLeft + 216, 92, kButtonWidth,
+                                    MakeMenuOf(root, {Item("Off"), Item("On")}));
+  off->state = kButtonInactive;
 
   MakeCheckBox(gallery, win, BoxClicked, kLeft, 147);
   MakeCheckBox(gallery, win, BoxClicked, kLeft + 100, 147)->state = 0;
