@@ -16,7 +16,20 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
-using ActionEditorTest = testing::ActionFixture;
+class ActionEditorTest : public testing::ActionFixture {
+ protected:
+  // Clicks a symbol in the open chooser.
+  void Choose(const char* name) {
+    const SymbolDisplay* chooser = SymbolChooser();
+    int place = 0;
+    while (place < chooser->count && FieldText(chooser->syms[place]->name) != name) place++;
+    ASSERT_LT(place, chooser->count) << name;
+    const int cell = chooser->iconwidth + 8;
+    ClickIn(chooser->window, 8 + cell * (place % chooser->ncols) + cell / 2,
+            8 + SymbolCellHeight(chooser) * (place / chooser->ncols) + 16);
+    ASSERT_EQ(chooser->selected, place);
+  }
+};
 
 struct Place {
   int x;
@@ -57,15 +70,6 @@ GromlitSymbol* SymbolNamed(const char* name) {
     if (FieldText(node->sym->name) == name) return node->sym;
   }
   return nullptr;
-}
-
-// Selects a symbol in the chooser.
-void Choose(const char* name) {
-  SymbolDisplay* chooser = SymbolChooser();
-  chooser->selected = -1;
-  for (int i = 0; i < chooser->count; i++) {
-    if (FieldText(chooser->syms[i]->name) == name) chooser->selected = i;
-  }
 }
 
 // --- The window ---------------------------------------------------------------------------------
@@ -581,9 +585,7 @@ TEST_F(ActionEditorTest, CancelInTheChooserChangesNothing) {
   Pump();
   const std::string before = act->action.sym.name;
   ClickIn(act->icon->window, 20, 20);
-  for (const char* name : {"Line", "Corner"}) {
-    if (before != name) Choose(name);
-  }
+  Choose(before == "Line" ? "Corner" : "Line");
   ClickOn(symselect->no);
   EXPECT_FALSE(Viewable(symselect->window));
   EXPECT_EQ(act->action.sym.name, before);

@@ -37,6 +37,7 @@ class ActionFixture : public XFixture {
     LoadPlugins();
     plugin = CreatePlugin("Test application", kClass);
     MakeSymbolSelect();
+    SymLastClick = 0;  // of another server's clock
     editingPlugin = 0;
     CreateActionEditor(0, nullptr);
     tab = TabsOf(act->tbar);
