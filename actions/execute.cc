@@ -12,6 +12,7 @@
 #include "actions/launch.h"
 #include "core/strings.h"
 #include "display/display.h"
+#include "display/draw_button.h"
 
 namespace gromlit {
 
@@ -83,6 +84,9 @@ void Browse(const GromlitPlugin* pin, const GromlitCmd* cmd, const char* text) {
 
 int ExecuteAction(GromlitPlugin* pin, GromlitAction* sa, Window mwin, Window kwin, int winx,
                   int winy, int rootx, int rooty) {
+  // An action may take seconds; a press of the draw button in that time must not freeze the pointer
+  // until it is over.
+  const DrawButtonLifted lifted;
   ExecutingPlugin = pin;
   const uint32_t n = std::min<uint32_t>(sa->ncmds, kMaxCommands);
   for (uint32_t i = 0; i < n; i++) {

@@ -13,7 +13,7 @@ extern const char* const tabcmdTypeNames[];
 
 // Runs every command of sa. mwin is the application's window, kwin the window for keys where no
 // window has the input focus; winx, winy is the pointer in that window and rootx, rooty on the
-// root, pixels. ExecutingPlugin is pin meanwhile. Returns 1.
+// root, pixels. Meanwhile ExecutingPlugin is pin and the draw button is not grabbed. Returns 1.
 int ExecuteAction(GromlitPlugin* pin, GromlitAction* sa, Window mwin, Window kwin, int winx,
                   int winy, int rootx, int rooty);
 

@@ -67,7 +67,6 @@ class Capture {
   void Motion(const XMotionEvent& motion);
   void Release(const XButtonEvent& release);
   void SendClick();
-  static void ReplayEarlyPresses();
   void Recognise(GromlitPlugin* plugin);
 
   GromlitDraw* draw_;
@@ -226,21 +225,10 @@ void Capture::SendClick() {
   XSendEvent(dpy, mwin_, True, 0xffffff, &event);
 }
 
-// Hands on the presses that the grab caught between the end of the stroke and being lifted.
-void Capture::ReplayEarlyPresses() {
-  XSync(dpy, False);
-  XEvent event;
-  while (XCheckTypedWindowEvent(dpy, root, ButtonPress, &event)) {
-    if (!event.xbutton.send_event) XAllowEvents(dpy, ReplayPointer, event.xbutton.time);
-  }
-}
-
 void Capture::Recognise(GromlitPlugin* plugin) {
   if (plugin == nullptr) return;
-  // An action may take seconds; a press in that time must not freeze the pointer until it is over.
-  const DrawButtonLifted lifted;
+  // The trail stays until the action is over, which may take seconds.
   LetPointerThrough(trail_);
-  ReplayEarlyPresses();
   PluginMatch(plugin, npoints_, xbuffer_.data(), ybuffer_.data(), mwin_, kwin_, winx_, winy_,
               press_.x_root, press_.y_root);
 }

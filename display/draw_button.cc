@@ -2,6 +2,8 @@
 
 #include <X11/Xlib.h>
 
+#include <cstdio>
+
 #include "display/display.h"
 #include "display/x_errors.h"
 
@@ -55,14 +57,22 @@ int GrabbedDrawButton() {
 }
 
 DrawButtonLifted::DrawButtonLifted() : button_(grabbed) {
-  if (button_ != 0) RequestUngrab(button_);
+  if (button_ == 0) return;
+  RequestUngrab(button_);
   grabbed = 0;
+  // What the grab caught before it was lifted is frozen and would stay so as long as the object
+  // lives: those presses go where they would have gone without the grab.
+  XSync(dpy, False);
+  XEvent event;
+  while (XCheckTypedWindowEvent(dpy, root, ButtonPress, &event)) {
+    if (!event.xbutton.send_event) XAllowEvents(dpy, ReplayPointer, event.xbutton.time);
+  }
+  XFlush(dpy);
 }
 
 DrawButtonLifted::~DrawButtonLifted() {
   if (button_ == 0) return;
-  // Flushed at once: the caller may go back to sleep on a descriptor that never becomes readable.
-  GrabDrawButton(button_);
+  if (!GrabDrawButton(button_)) std::printf("%s", kDrawButtonTaken);
 }
 
 }  // namespace gromlit

@@ -10,6 +10,9 @@
 
 namespace gromlit {
 
+// What is printed when another client holds the draw button.
+inline constexpr const char* kDrawButtonTaken = "Drawing Button used by another application.\n";
+
 // Motion mask of a mouse button 1..5; any other value gives button 3's.
 long ButtonToMotionMask(int button);
 
@@ -22,6 +25,8 @@ int GrabbedDrawButton();
 
 // Lifts the passive grab for the lifetime of the object and puts it back after it: a press while an
 // action runs must reach the application instead of freezing the pointer until the action is over.
+// Does nothing while no button is grabbed. When another client has taken the button meanwhile, the
+// message is printed and no button is grabbed any more.
 class DrawButtonLifted {
  public:
   DrawButtonLifted();

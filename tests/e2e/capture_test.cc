@@ -83,8 +83,6 @@ TEST_P(CaptureTest, ClassWithoutAPluginIsOfferedOneFirstAndServedByDefaultThen) 
   StartGromlit();
   Draw(kDrawRight);
   EXPECT_TRUE(PointerBecomesFree());
-  // A stroke elsewhere that does act shows that the first one is over and did nothing.
-  WritePlugin("unused", {});
   Draw(kDrawDown);
   EXPECT_TRUE(PointerBecomesFree());
   EXPECT_FALSE(testing::Exists(MarkFile("default")));
@@ -196,7 +194,7 @@ TEST_P(CaptureTest, PressesWhileAnActionWaitsFreezeNothing) {
                                 Touch("ended")}}});
   const auto probe = StartProbe();
   StartGromlit();
-  Draw(kDrawRight);
+  DrawOnly(kDrawRight);
   ASSERT_TRUE(Appears("started"));
   Go({500, 500});
   player->Press(3);
@@ -208,6 +206,7 @@ TEST_P(CaptureTest, PressesWhileAnActionWaitsFreezeNothing) {
   EXPECT_TRUE(PointerBecomesFree());
   EXPECT_FALSE(testing::Exists(MarkFile("ended"))) << "the action was over before the press";
   EXPECT_TRUE(Appears("ended"));
+  EXPECT_TRUE(WaitFor([this] { return MappedOverlays().empty(); }));
   // The draw button is captured again.
   Draw(kDrawRight);
   EXPECT_TRUE(PointerBecomesFree());
@@ -307,7 +306,7 @@ TEST_P(CaptureTest, TrailStaysUntilTheActionHasRun) {
                                 Touch("ended")}}});
   const auto probe = StartProbe();
   StartGromlit();
-  Draw(kDrawRight);
+  DrawOnly(kDrawRight);
   ASSERT_TRUE(Appears("started"));
   const bool shown = !MappedOverlays().empty();
   EXPECT_TRUE(shown || testing::Exists(MarkFile("ended")));
@@ -342,6 +341,14 @@ TEST_P(CaptureTest, StrokeOnTheOwnMainWindowWithoutAPluginDoesNothing) {
   StartGromlit();
   const Window main = MainWindow();
   ASSERT_NE(main, 0u);
+  // The window manager moves it to its place and then gives it the focus.
+  const auto focused = [&] {
+    Window focus;
+    int revert;
+    XGetInputFocus(player->display(), &focus, &revert);
+    return focus == main;
+  };
+  ASSERT_TRUE(manager == nullptr || WaitFor(focused));
   const Point origin = Origin(main);
   for (int i = 0; i < 3; i++) {
     Draw({{origin.x + 40, origin.y + 100}, {origin.x + 300, origin.y + 100}});
@@ -414,7 +421,8 @@ TEST_P(CaptureTest, KeysGoToTheProbeWithThePositionOfTheStroke) {
   WritePlugin("Probe.probe", {{"keys", kRight, {{kHotKey, "Control-a", kKeyA, ControlMask}}}});
   const auto probe = StartProbe();
   StartGromlit();
-  // After the start: a window manager may have given the focus to the new main window.
+  // A window manager gives the focus to the new main window.
+  if (manager != nullptr) probe->Wait(1, "FocusOut");
   ASSERT_TRUE(WaitFor([&] {
     XSetInputFocus(player->display(), probe->window(), RevertToPointerRoot, CurrentTime);
     Window focus;

@@ -240,11 +240,17 @@ void GromlitRun::Trace(const std::vector<Point>& corners, int step) {
   }
 }
 
-void GromlitRun::Draw(const std::vector<Point>& corners, int button, int step) {
+void GromlitRun::DrawOnly(const std::vector<Point>& corners, int button, int step) {
   Go(corners[0]);
   player->Press(button);
   Trace(corners, step);
+  EXPECT_TRUE(WaitFor([this] { return !MappedOverlays().empty(); })) << "no trail";
   player->Release(button);
+}
+
+void GromlitRun::Draw(const std::vector<Point>& corners, int button, int step) {
+  DrawOnly(corners, button, step);
+  EXPECT_TRUE(WaitFor([this] { return MappedOverlays().empty(); })) << "the trail stays";
 }
 
 bool GromlitRun::PointerBecomesFree() {

@@ -87,8 +87,11 @@ class GromlitRun : public ::testing::Test {
 
   // Moves the pointer and waits until it is there.
   void Go(Point to);
-  // Draws with the draw button through these screen points, in steps of `step` pixels.
+  // Draws with the draw button through these screen points, in steps of `step` pixels; returns when
+  // the program is ready for the next stroke: its trail was there and has gone, action included.
   void Draw(const std::vector<Point>& corners, int button = 3, int step = 8);
+  // The same, but returns with the button's release.
+  void DrawOnly(const std::vector<Point>& corners, int button = 3, int step = 8);
   void Trace(const std::vector<Point>& corners, int step = 8);
   // Waits until the pointer can be grabbed by another client.
   bool PointerBecomesFree();
