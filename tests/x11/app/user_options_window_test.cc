@@ -472,7 +472,12 @@ TEST_F(UserOptionsTest, DefaultsFollowedByCancelLeavesTheOptionsInForce) {
   CopyText(user->urlcmd, "my own");
   const GromlitUserOptions before = *user;
   Open();
+  XSelectInput(player->display(), opt->window, StructureNotifyMask);
+  XSync(player->display(), True);
   Click(opt->bdefaults->window);
+  XEvent event;
+  EXPECT_TRUE(XCheckTypedEvent(player->display(), UnmapNotify, &event)) << "hidden ...";
+  EXPECT_TRUE(XCheckTypedEvent(player->display(), MapNotify, &event)) << "... and shown again";
   EXPECT_TRUE(Viewable(opt->window));
   EXPECT_STREQ(opt->button->label, "Right");
   EXPECT_STREQ(opt->tolerance->label, "Medium");
