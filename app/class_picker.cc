@@ -22,8 +22,9 @@ constexpr long kPointerEvents = ButtonPressMask | ButtonReleaseMask | PointerMot
 constexpr int kGrabCheck = 250;
 
 // The label that says which application is under the pointer. It lies there, too, and would hide
-// the application from the search, so that the pointer goes through it. A server that cannot do
-// that shows it beside the pointer; a click on it then picks what it says.
+// the application from the search, so that the pointer goes through it (input shapes, which every
+// server has had since version 1.1 of the shape extension; with an older one a click on the label
+// picks what it says).
 class PickLabel {
  public:
   PickLabel(int x, int y);
@@ -38,21 +39,10 @@ class PickLabel {
  private:
   Window window_;
   GC gc_;
-  int offset_ = 0;  // from the pointer, right and down; pixels
   int width_ = 1;
   int height_;
   const char* text_ = "";
 };
-
-// Whether a window can be made to let the pointer through (shape extension 1.1).
-bool HasInputShapes() {
-  int event;
-  int error;
-  int major = 0;
-  int minor = 0;
-  return XShapeQueryExtension(dpy, &event, &error) != 0 &&
-         XShapeQueryVersion(dpy, &major, &minor) != 0 && (major > 1 || (major == 1 && minor >= 1));
-}
 
 PickLabel::PickLabel(int x, int y) : height_(txtCharht + 4) {
   XSetWindowAttributes more{};
@@ -63,11 +53,7 @@ PickLabel::PickLabel(int x, int y) : height_(txtCharht + 4) {
   ClaimWindow(window_);
   gc_ = MakeWindowGC(window_, txtFont);
   XSetBackground(dpy, gc_, lgrey.pixel);
-  if (HasInputShapes()) {
-    XShapeCombineRectangles(dpy, window_, ShapeInput, 0, 0, nullptr, 0, ShapeSet, Unsorted);
-  } else {
-    offset_ = 16;
-  }
+  XShapeCombineRectangles(dpy, window_, ShapeInput, 0, 0, nullptr, 0, ShapeSet, Unsorted);
 }
 
 PickLabel::~PickLabel() {
@@ -90,8 +76,8 @@ void PickLabel::MoveTo(int x, int y, const char* text) {
   text_ = text;
   width_ = TextWidth(txtFontinfo, text) + 8;
   // Kept on the screen, where it can be read.
-  x = std::max(std::min(x + offset_, DisplayWidth(dpy, screen) - width_), 0);
-  y = std::max(std::min(y + offset_, DisplayHeight(dpy, screen) - height_), 0);
+  x = std::max(std::min(x, DisplayWidth(dpy, screen) - width_), 0);
+  y = std::max(std::min(y, DisplayHeight(dpy, screen) - height_), 0);
   XMoveResizeWindow(dpy, window_, x, y, static_cast<unsigned>(width_),
                     static_cast<unsigned>(height_));
   Draw();

@@ -142,10 +142,12 @@ class CommandFixture : public MainWindowFixture {
     Display* display = player->display();
     XSetWindowAttributes attributes{};
     attributes.override_redirect = True;
+    attributes.background_pixel = 0x336699;
     attributes.event_mask = ButtonPressMask;
-    const Window window = XCreateWindow(display, player->root(), x, y, static_cast<unsigned>(w),
-                                        static_cast<unsigned>(h), 0, CopyFromParent, InputOutput,
-                                        nullptr, CWOverrideRedirect | CWEventMask, &attributes);
+    const Window window =
+        XCreateWindow(display, player->root(), x, y, static_cast<unsigned>(w),
+                      static_cast<unsigned>(h), 0, CopyFromParent, InputOutput, nullptr,
+                      CWOverrideRedirect | CWBackPixel | CWEventMask, &attributes);
     if (!classpart.empty()) {
       std::string one = name;
       std::string two = classpart;
