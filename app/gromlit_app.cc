@@ -17,6 +17,7 @@
 #include "toolkit/logo.h"
 #include "toolkit/menu.h"
 #include "toolkit/menu_bar.h"
+#include "toolkit/press_time.h"
 #include "toolkit/pulldown_button.h"
 #include "toolkit/scrollbar.h"
 
@@ -282,7 +283,7 @@ void GromlitIconScroll(GromlitApp* gromlit, int ypos) {
 void GromlitAppButtonPress(GromlitApp* gromlit, XEvent* event) {
   const XButtonEvent& press = event->xbutton;
   // Server times are 32 bits wide and start again at 0 after 49 days.
-  const auto now = static_cast<uint32_t>(press.time);
+  const uint32_t now = PressTime(press);
   const bool twice = now - static_cast<uint32_t>(AppLastClick) <= kDoubleClickTime;
   AppLastClick = static_cast<int>(now);
   if (press.button == Button1) {

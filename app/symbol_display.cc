@@ -10,6 +10,7 @@
 #include "display/display.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
+#include "toolkit/press_time.h"
 
 namespace gromlit {
 
@@ -185,7 +186,7 @@ void ScrollSymbolDisplay(SymbolDisplay* sd, int pos) {
 
 void SymbolDisplayButtonPress(SymbolDisplay* sd, XEvent* event) {
   // Server times are 32 bits and wrap; so does their difference.
-  const auto now = static_cast<uint32_t>(event->xbutton.time);
+  const uint32_t now = PressTime(event->xbutton);
   const bool twice = now - static_cast<uint32_t>(SymLastClick) < kDoubleClick;
   SymLastClick = static_cast<int>(now);
   if (event->xbutton.button != Button1) return;

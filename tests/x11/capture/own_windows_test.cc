@@ -8,6 +8,7 @@
 #include <X11/keysym.h>
 
 #include <atomic>
+#include <memory>
 #include <thread>
 
 #include "app/dialogs.h"
@@ -18,6 +19,7 @@
 #include "core/plugin_files.h"
 #include "display/draw_button.h"
 #include "toolkit/menu_bar.h"
+#include "toolkit/press_time.h"
 #include "toolkit/scrollbar.h"
 
 namespace gromlit {
@@ -267,6 +269,36 @@ TEST_F(OwnWindows, DialogIsClosedWithAClick) {
   Pump();
   Click(failure->no->window);
   EXPECT_FALSE(Viewable(failure->window));
+}
+
+// A click that is handed on carries no time.
+TEST_F(OwnWindows, ClicksOnAnActionAreDoubleOnlyWhenTheyAreQuick) {
+  auto action = std::make_unique<GromlitAction>();
+  GromlitPlugin* const shown = app->plugin;
+  const auto nactions = shown->nactions;
+  shown->actions[0] = action.get();
+  shown->nactions = 1;
+  const auto click = [&] { Click(app->window, app->iconx + 30, app->icony + 20); };
+  DrawGromlitApp(app);
+  const auto since = [] { return PressTime({}) - static_cast<uint32_t>(AppLastClick); };
+  click();
+  EXPECT_EQ(app->selected, 0);
+  ASSERT_TRUE(testing::WaitFor([&] { return since() > 600; }));
+  click();
+  EXPECT_EQ(app->selected, -1) << "a single click on the selected action deselects it";
+  uint32_t took = 0;
+  do {  // again when the machine was too busy for two quick clicks
+    ASSERT_TRUE(testing::WaitFor([&] { return since() > 600; }));
+    app->selected = -1;
+    const uint32_t begin = PressTime({});
+    click();
+    click();
+    took = PressTime({}) - begin;
+  } while (took > 400);
+  EXPECT_EQ(app->selected, 0) << "the second of a double click keeps it";
+  editingPlugin = 0;
+  shown->actions[0] = nullptr;
+  shown->nactions = nactions;
 }
 
 // --- The widgets that these windows are made of -----------------------------------------------
