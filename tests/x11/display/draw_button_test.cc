@@ -1,0 +1,164 @@
+#include "display/draw_button.h"
+
+#include "tests/support/x_fixture.h"
+
+#include <vector>
+
+#include "display/x_errors.h"
+
+namespace gromlit {
+namespace {
+
+class DrawButtonTest : public testing::XFixture {
+ protected:
+  void SetUp() override {
+    XFixture::SetUp();
+    // A window of another client under the pointer, which takes presses.
+    Display* other = player->display();
+    window_ = XCreateSimpleWindow(other, root, 0, 0, 200, 200, 0, 0, 0);
+    XSelectInput(other, window_, ButtonPressMask);
+    XMapWindow(other, window_);
+    XSync(other, False);
+    player->MoveTo(100, 100);
+  }
+  void TearDown() override {
+    // The grab ends with the connection; the module's own record is made to forget it.
+    if (GrabbedDrawButton() != 0) forgotten_.push_back(new DrawButtonLifted);
+    XFixture::TearDown();
+  }
+  // Presses the button; whether the program's grab caught it (else the other client got it).
+  bool Caught(int button) {
+    player->Press(button);
+    XSync(dpy, False);
+    XEvent event;
+    const bool caught = XCheckTypedWindowEvent(dpy, root, ButtonPress, &event) != 0;
+    if (caught) XAllowEvents(dpy, AsyncPointer, event.xbutton.time);
+    player->Release(button);
+    XSync(dpy, False);
+    while (XCheckTypedWindowEvent(dpy, root, ButtonRelease, &event)) continue;
+    const bool arrived = XCheckTypedWindowEvent(player->display(), window_, ButtonPress, &event);
+    EXPECT_NE(caught, arrived) << "button " << button;
+    return caught;
+  }
+  // Another client takes or gives up a button on the root window.
+  void OtherGrabs(int button) {
+    XGrabButton(player->display(), static_cast<unsigned>(button), 0, root, False, ButtonPressMask,
+                GrabModeAsync, GrabModeAsync, 0, 0);
+    XSync(player->display(), False);
+  }
+
+  Window window_ = 0;
+  static std::vector<DrawButtonLifted*> forgotten_;  // never destroyed: their grabs are gone
+};
+
+std::vector<DrawButtonLifted*> DrawButtonTest::forgotten_;
+
+TEST_F(DrawButtonTest, MotionMaskOfEachButton) {
+  EXPECT_EQ(ButtonToMotionMask(1), 0x100);
+  EXPECT_EQ(ButtonToMotionMask(2), 0x200);
+  EXPECT_EQ(ButtonToMotionMask(3), 0x400);
+  EXPECT_EQ(ButtonToMotionMask(4), 0x800);
+  EXPECT_EQ(ButtonToMotionMask(5), 0x1000);
+  for (const int other : {-1, 0, 6, 1000}) EXPECT_EQ(ButtonToMotionMask(other), 0x400) << other;
+}
+
+TEST_F(DrawButtonTest, OnlyTheGrabbedButtonIsCaught) {
+  ASSERT_TRUE(GrabDrawButton(3));
+  EXPECT_EQ(GrabbedDrawButton(), 3);
+  EXPECT_TRUE(Caught(3));
+  EXPECT_FALSE(Caught(1));
+}
+
+TEST_F(DrawButtonTest, PressWithAModifierIsNotCaught) {
+  ASSERT_TRUE(GrabDrawButton(3));
+  player->KeyDown(0xffe1);  // Shift
+  EXPECT_FALSE(Caught(3));
+  player->KeyUp(0xffe1);
+  EXPECT_TRUE(Caught(3));
+}
+
+TEST_F(DrawButtonTest, AnotherButtonReplacesTheGrab) {
+  ASSERT_TRUE(GrabDrawButton(3));
+  ASSERT_TRUE(GrabDrawButton(2));
+  EXPECT_EQ(GrabbedDrawButton(), 2);
+  EXPECT_TRUE(Caught(2));
+  EXPECT_FALSE(Caught(3));
+}
+
+TEST_F(DrawButtonTest, RefusedButtonLeavesTheOldGrab) {
+  ASSERT_TRUE(GrabDrawButton(3));
+  OtherGrabs(2);
+  EXPECT_FALSE(GrabDrawButton(2));
+  EXPECT_EQ(GrabbedDrawButton(), 3);
+  EXPECT_TRUE(Caught(3));
+}
+
+TEST_F(DrawButtonTest, FirstGrabThatIsRefusedGrabsNothing) {
+  OtherGrabs(3);
+  EXPECT_FALSE(GrabDrawButton(3));
+  EXPECT_EQ(GrabbedDrawButton(), 0);
+}
+
+TEST_F(DrawButtonTest, LiftedGrabLetsPressesThroughAndComesBack) {
+  ASSERT_TRUE(GrabDrawButton(3));
+  {
+    const DrawButtonLifted lifted;
+    EXPECT_EQ(GrabbedDrawButton(), 0);
+    EXPECT_FALSE(Caught(3));
+  }
+  EXPECT_EQ(GrabbedDrawButton(), 3);
+  EXPECT_TRUE(Caught(3));
+}
+
+TEST_F(DrawButtonTest, PressCaughtJustBeforeTheGrabWasLiftedIsHandedOn) {
+  ASSERT_TRUE(GrabDrawButton(3));
+  player->Press(3);  // caught and frozen, not yet read
+  {
+    const DrawButtonLifted lifted;
+    XSync(player->display(), False);
+    XEvent event;
+    EXPECT_TRUE(XCheckTypedWindowEvent(player->display(), window_, ButtonPress, &event));
+    player->MoveTo(150, 150);
+    EXPECT_EQ(player->Where().x, 150) << "frozen";
+  }
+  player->Release(3);
+  EXPECT_TRUE(player->CanGrabPointer());
+}
+
+TEST_F(DrawButtonTest, ButtonThatWasTakenWhileLiftedIsReported) {
+  ASSERT_TRUE(GrabDrawButton(3));
+  ::testing::internal::CaptureStdout();
+  {
+    const DrawButtonLifted lifted;
+    OtherGrabs(3);
+  }
+  EXPECT_EQ(::testing::internal::GetCapturedStdout(),
+            "Drawing Button used by another application.\n");
+  EXPECT_EQ(GrabbedDrawButton(), 0);
+}
+
+TEST_F(DrawButtonTest, LiftingNothingDoesNothing) {
+  const unsigned long before = NextRequest(dpy);
+  { const DrawButtonLifted lifted; }
+  EXPECT_EQ(NextRequest(dpy), before);
+}
+
+TEST_F(DrawButtonTest, TrapReportsTheFirstErrorAndGivesTheHandlerBack) {
+  {
+    ErrorTrap trap;
+    XMapWindow(dpy, 1);
+    EXPECT_EQ(trap.Finish(), BadWindow);
+  }
+  {
+    ErrorTrap trap;
+    EXPECT_EQ(trap.Finish(), Success);
+  }
+  EXPECT_EQ(errors, 0);
+  XMapWindow(dpy, 1);
+  XSync(dpy, False);
+  EXPECT_EQ(errors, 1);
+  errors = 0;
+}
+
+}  // namespace
+}  // namespace gromlit
