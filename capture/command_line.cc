@@ -60,8 +60,8 @@ const char* FindInstallation(const CommandLine& line) {
   const char* path = defaultGromlitPath;
   if (const char* environment = std::getenv("GROMLIT"); environment != nullptr) path = environment;
   if (line.path != nullptr) path = line.path;
+  std::array<char, 256> directory;  // outlives the pointer to it
   if (StrCmp(path, defaultGromlitPath) == 0) {
-    std::array<char, 256> directory;
     if (getcwd(directory.data(), directory.size()) != nullptr) path = directory.data();
   }
   return StrDup(path);

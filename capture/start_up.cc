@@ -1,6 +1,8 @@
 #include "capture/start_up.h"
 
 #include <X11/Xlib.h>
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <cstdio>
@@ -28,6 +30,22 @@ namespace {
 void IgnoreWriteSignals() {
   std::signal(SIGXFSZ, SIG_IGN);
   std::signal(SIGPIPE, SIG_IGN);
+}
+
+// Whoever started the program may have closed its standard descriptors. The connection to the
+// server or a file to save would get a free number among them, and a message printed there would
+// end up in the middle of the requests or of the file.
+void HoldStandardDescriptors() {
+  for (int fd = STDIN_FILENO; fd <= STDERR_FILENO; fd++) {
+    // The lowest free number is the missing one, since those below it are held by now.
+    if (fcntl(fd, F_GETFD) < 0 && open("/dev/null", O_RDWR) < 0) return;
+  }
+}
+
+// The program prints a few lines in a run of days. Each must be there when it is due, not when the
+// session ends, also where the output goes to a log.
+void PrintAtOnce() {
+  (void)std::setvbuf(stdout, nullptr, _IONBF, 0);
 }
 
 void OpenDisplayOrExit(const char* name) {
@@ -70,7 +88,9 @@ void ShowMainWindow() {
 }  // namespace
 
 void StartUp(const CommandLine& line, int argc, char** argv) {
+  HoldStandardDescriptors();
   IgnoreWriteSignals();
+  PrintAtOnce();
   ReapChildrenSilently();
   OpenDisplayOrExit(line.display);
   GromlitPath = FindInstallation(line);
