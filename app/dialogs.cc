@@ -19,8 +19,13 @@ XDialog* confirm = nullptr;
 XDialog* editname = nullptr;
 XDialog* failure = nullptr;
 
-const char* const AboutGromlitMsgs[] = {"Gromlit, version " GROMLIT_VERSION,
-                                        "Mouse gestures for the X Window System",
+namespace {
+
+constexpr char kProduct[] = "Gromlit, version " GROMLIT_VERSION;
+
+}  // namespace
+
+const char* const AboutGromlitMsgs[] = {kProduct, "Mouse gestures for the X Window System",
                                         "(c) 2026 The Gromlit developers. MIT licensed.",
                                         "Feedback: feedback@gromlit.localhost", nullptr};
 const char* const ConfirmDeleteSymbolMsg[] = {"Sure you want to delete this Symbol?", nullptr};

@@ -80,6 +80,7 @@ TEST_F(DownloadOffer, EndsTheAddressAtItsLongestLength) {
   FindNewPlugin(app, name.c_str(), 600, 400);
   Pump();
   EXPECT_EQ(app->dlog->title, std::string(63, 'c'));
+  Shoot("dialog-offer-long");
   ClickOn(app->dlog->yes->window);
   EXPECT_TRUE(Opened((GromlitDownloadURLprefix + name).substr(0, 179)));
 }
@@ -295,6 +296,20 @@ TEST_F(NewPlugin, ClickOnTheLabelIsAClickOnTheApplicationBelowIt) {
     EXPECT_TRUE(picker.LabelAt(800, 400));
     picker.player.MoveTo(805, 404);
   });
+  EXPECT_NE(FindPlugin("XTerm.xterm"), nullptr);
+}
+
+TEST_F(NewPlugin, FrameOfAWindowManagerIsSeenThrough) {
+  const Window frame = Client(700, 300, 200, 200);
+  Display* display = player->display();
+  const Window inner = XCreateSimpleWindow(display, frame, 5, 25, 190, 170, 0, 0, 0xffffff);
+  char name[] = "xterm";
+  char classpart[] = "XTerm";
+  XClassHint hint{name, classpart};
+  XSetClassHint(display, inner, &hint);
+  XMapWindow(display, inner);
+  XSync(display, False);
+  Pick([](Picker& picker) { picker.player.MoveTo(720, 310); });  // on the frame's title
   EXPECT_NE(FindPlugin("XTerm.xterm"), nullptr);
 }
 
