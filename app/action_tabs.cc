@@ -81,12 +81,13 @@ bool IsModifier(KeySym key) {
 
 XTabBar* MakeActionTabBar(Window parent, int x, int y, int width, int height) {
   constexpr TabAction kActions[] = {tabHotKey, tabMenu, tabText, tabSound, tabRun, tabWebsite};
-  constexpr int kTabs = static_cast<int>(std::size(kActions));
+  constexpr size_t kTabs = std::size(kActions);
 
   auto* tab = new ActionTab{};
-  const std::unique_ptr<XTabItem*[]> items(MakeTabItemArray(kTabs));
-  for (int i = 0; i < kTabs; i++) items[i] = MakeTabItem(tabcmdNames[i], kActions[i], tab);
-  XTabBar* tbar = MakeTabBar(parent, x, y, width, height, labelFontinfo, items.get(), kTabs);
+  const std::unique_ptr<XTabItem*[]> items(MakeTabItemArray(static_cast<int>(kTabs)));
+  for (size_t i = 0; i < kTabs; i++) items[i] = MakeTabItem(tabcmdNames[i], kActions[i], tab);
+  XTabBar* tbar =
+      MakeTabBar(parent, x, y, width, height, labelFontinfo, items.get(), static_cast<int>(kTabs));
   tbar->owner = tab;
   tab->tbar = tbar;
 
@@ -189,13 +190,13 @@ void ActionHotKeyPress(TextEditor* txt, XEvent* event) {
 }
 
 XMenu* MakeSystemActionsMenu() {
-  constexpr int kItems = static_cast<int>(std::size(kSystemCommands));
-  const std::unique_ptr<XMenuItem*[]> items(MakeMenuItemArray(kItems));
-  for (int i = 0; i < kItems; i++) {
+  constexpr size_t kItems = std::size(kSystemCommands);
+  const std::unique_ptr<XMenuItem*[]> items(MakeMenuItemArray(static_cast<int>(kItems)));
+  for (size_t i = 0; i < kItems; i++) {
     items[i] = MakeMenuItem(kSystemCommands[i], cmdSystemCommand,
                             const_cast<char*>(kSystemCommands[i]));  // only ever read
   }
-  return MakeMenu(root, 0, 0, labelFontinfo, items.get(), kItems);
+  return MakeMenu(root, 0, 0, labelFontinfo, items.get(), static_cast<int>(kItems));
 }
 
 void cmdSystemCommand(XMenu* menu, void* arg) {

@@ -18,6 +18,7 @@
 #include "app/dialogs.h"
 #include "app/symbol_dialog.h"
 #include "core/plugin_files.h"
+#include "core/retired.h"
 #include "core/strings.h"
 #include "core/symbol_files.h"
 
@@ -194,11 +195,12 @@ class ActionFixture : public XFixture {
     return *install / (std::string(pluginDirectory) + "/" + kClass + GromlitPluginFileExt);
   }
   // The plug-in as a new start of the program would read it.
-  GromlitPlugin* Stored() {
-    stored.push_back(std::make_unique<GromlitPlugin>());
+  static GromlitPlugin* Stored() {
+    auto* stored = new GromlitPlugin{};
+    Retire(stored);
     const std::string name = std::string(kClass) + GromlitPluginFileExt;
-    EXPECT_NE(ReadPluginActions(name.c_str(), stored.back().get()), nullptr);
-    return stored.back().get();
+    EXPECT_NE(ReadPluginActions(name.c_str(), stored), nullptr);
+    return stored;
   }
   // An action in the plug-in's list, not in its file.
   GromlitAction* Have(const char* name, const std::vector<GromlitCmd>& commands) {
@@ -222,7 +224,6 @@ class ActionFixture : public XFixture {
 
   GromlitPlugin* plugin = nullptr;
   ActionTab* tab = nullptr;
-  std::vector<std::unique_ptr<GromlitPlugin>> stored;
 };
 
 }  // namespace gromlit::testing

@@ -285,8 +285,10 @@ TEST_F(ActionTabsTest, AModifierAloneIsStoredButNotShown) {
 TEST_F(ActionTabsTest, EveryKeysymOfAModifierLeavesTheTextAlone) {
   Record({}, XK_q);
   ASSERT_EQ(Field(tab->ed), "q");
-  for (const KeySym key : {XK_Shift_L, XK_Shift_R, XK_Control_L, XK_Control_R, XK_Caps_Lock,
-                           XK_Alt_L, XK_Super_L, XK_Num_Lock, XK_Mode_switch}) {
+  constexpr KeySym kModifiers[] = {XK_Shift_L,   XK_Shift_R,   XK_Control_L,
+                                   XK_Control_R, XK_Caps_Lock, XK_Alt_L,
+                                   XK_Super_L,   XK_Num_Lock,  XK_Mode_switch};
+  for (const KeySym key : kModifiers) {
     SCOPED_TRACE(XKeysymToString(key));
     const KeyCode code = XKeysymToKeycode(dpy, key);
     ASSERT_NE(code, 0);
