@@ -108,6 +108,16 @@ void DrawSymbols(SymbolDisplay* sd) {
   }
 }
 
+void DrawGrid(SymbolDisplay* sd) {
+  XClearWindow(dpy, sd->window);
+  FillRectangle(sd->window, sd->gc, white.pixel, kBorder, kBorder, sd->width - 2 * kBorder,
+                sd->height - 2 * kBorder);
+  XDrawBevel(kSunken, sd->window, sd->gc, kBorder, kBorder, sd->width - 2 * kBorder,
+             sd->height - 2 * kBorder);
+  DrawSymbols(sd);
+  if (sd->selected >= 0) InvertCell(sd, sd->selected);
+}
+
 // The symbol at a position in the window; -1 for none.
 int SymbolAt(const SymbolDisplay* sd, int x, int y) {
   // Before the division, which would round towards the first row and column.
@@ -168,20 +178,15 @@ void DrawSymbolDisplay(SymbolDisplay* sd, XEvent*) {
   sd->measuring = 1;
   UpdateScrollbarRange(sd->sbar, (sd->count - 1 + sd->nrows) / sd->nrows * SymbolCellHeight(sd));
   sd->measuring = 0;
-  XClearWindow(dpy, sd->window);
-  FillRectangle(sd->window, sd->gc, white.pixel, kBorder, kBorder, sd->width - 2 * kBorder,
-                sd->height - 2 * kBorder);
-  XDrawBevel(kSunken, sd->window, sd->gc, kBorder, kBorder, sd->width - 2 * kBorder,
-             sd->height - 2 * kBorder);
-  DrawSymbols(sd);
-  if (sd->selected >= 0) InvertCell(sd, sd->selected);
+  DrawGrid(sd);
 }
 
 void ScrollSymbolDisplay(SymbolDisplay* sd, int pos) {
-  const int top = pos / SymbolCellHeight(sd) * sd->ncols;
+  const int top = std::max(pos, 0) / SymbolCellHeight(sd) * sd->ncols;
   if (top == sd->top) return;
   sd->top = top;
-  if (sd->measuring == 0) DrawSymbolDisplay(sd);
+  // The scrollbar, which called this, is not drawn once more.
+  if (sd->measuring == 0) DrawGrid(sd);
 }
 
 void SymbolDisplayButtonPress(SymbolDisplay* sd, XEvent* event) {
