@@ -4,8 +4,6 @@
 #include <X11/Xutil.h>
 #include <X11/keysym.h>
 
-#include <cstring>
-
 namespace gromlit {
 namespace {
 

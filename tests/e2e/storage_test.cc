@@ -3,11 +3,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstring>
-
-#include "core/plugin_files.h"
-#include "core/strings.h"
-
 namespace gromlit {
 namespace {
 
