@@ -32,6 +32,7 @@ class CommandFixture : public MainWindowFixture {
     opt = nullptr;
     MainWindowFixture::SetUp();
     if (HasFatalFailure()) return;
+    Retire(RememberFindNewList);  // of the test before
     RememberFindNewList = nullptr;
     user = &options;
     options = {};
