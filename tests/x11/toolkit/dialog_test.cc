@@ -362,7 +362,7 @@ TEST_F(DialogTest, DrawingCostsNoRoundTrip) {
   EXPECT_EQ(CostOf([&] { ResizeDialog(dlog, 300, 200); }), (Cost{3, 0}));
   EXPECT_EQ(CostOf([&] { DialogButtonUp(dlog, nullptr); }), (Cost{1, 0}));
   EXPECT_EQ(CostOf([&] { DialogNo(dlog); }), (Cost{1, 0}));
-  // A window, and two for each button.
+  // A window, its class, and two for each button.
   EXPECT_EQ(CostOf([&] { MakeDialog("Confirm", kMsgs, NoteYes, 0, 0); }), (Cost{6, 0}));
 }
 
