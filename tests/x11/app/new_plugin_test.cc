@@ -533,6 +533,32 @@ TEST_F(WhilePicking, PressOfTheDrawingButtonAfterLosingThePointerEndsThePick) {
   EXPECT_THAT(Menu(), ElementsAre("Default"));
 }
 
+// Windows of strangers that the root window reported.
+struct Strangers {
+  WindowObj* wobj;
+  int labels;
+};
+Strangers strangers;
+
+void CountStranger(Strangers* all, XEvent* event) {
+  const XCreateWindowEvent& made = event->xcreatewindow;
+  if (made.height == txtCharht + 4 && !IsOwnWindow(made.window)) all->labels++;
+}
+
+TEST_F(NewPlugin, LabelIsNotTakenForAnApplicationsWindow) {
+  strangers = {AllocWindowObj(root, &strangers), 0};
+  On<CreateNotify, CountStranger>(&strangers);
+  XSelectInput(dpy, root, SubstructureNotifyMask);
+  Pick([](Picker& picker) { picker.player.MoveTo(800, 400); });
+  EXPECT_EQ(strangers.labels, 0) << "events about it are read when it is gone";
+  XDestroyWindow(player->display(), Client(700, 300, 20, txtCharht + 4));
+  XSync(player->display(), False);
+  Pump();
+  EXPECT_EQ(strangers.labels, 1) << "others are seen";
+  XSelectInput(dpy, root, NoEventMask);
+  strangers.wobj->window = 1;
+}
+
 TEST_F(NewPlugin, HundredPicksTakeNoFurtherTableEntries) {
   Client(700, 300, 200, 200, "XTerm", "xterm");
   Pick([](Picker& picker) { picker.player.MoveTo(800, 400); });
