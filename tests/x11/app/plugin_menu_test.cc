@@ -99,7 +99,12 @@ class PluginMenuTest : public testing::MainWindowFixture {
     if (list != nullptr) XFree(list);
     return count;
   }
-  static XID NextResource() { return XAllocID(dpy); }
+  static XID NextResource() {
+    XNoOp(dpy);  // Xlib makes the next identifier ready when a call begins
+    const XID next = XAllocID(dpy);
+    XNoOp(dpy);
+    return next;
+  }
 
   static size_t MemoryInUse() { return mallinfo2().uordblks; }
 };
