@@ -266,8 +266,8 @@ void DrawSymAsBitmap(SymWindow* sw) {
   XSetForeground(dpy, sw->gc, lgrey.pixel);
   XDrawSegments(dpy, sw->window, sw->gc, lines, static_cast<int>(std::size(lines)));
 
-  std::array<XRectangle, kIconSize * kIconSize> squares;
-  size_t set = 0;
+  XRectangle squares[kIconSize * kIconSize];
+  int set = 0;
   for (int row = 0; row < kIconSize; row++) {
     for (int column = 0; column < kIconSize; column++) {
       if (iconGet(sw->sym, column, row) == 0) continue;
@@ -278,7 +278,7 @@ void DrawSymAsBitmap(SymWindow* sw) {
   }
   if (set == 0) return;
   XSetForeground(dpy, sw->gc, blue.pixel);
-  XFillRectangles(dpy, sw->window, sw->gc, squares.data(), static_cast<int>(set));
+  XFillRectangles(dpy, sw->window, sw->gc, squares, set);
 }
 
 void SymWindowButtonPress(SymWindow* sw, XEvent* event) {
