@@ -255,6 +255,18 @@ TEST_F(WideScreenTest, AllOfTwoHundredShortNamesCanBeReached) {
   EXPECT_EQ(reachable, 200);
 }
 
+TEST_F(WideScreenTest, AllOfTwoHundredNamesOfAHundredSeventyFivePixelsCanBeReached) {
+  std::string prefix;
+  const auto width = [&] {
+    const std::string label = prefix + "199";
+    return XTextWidth(labelFontinfo, label.c_str(), static_cast<int>(label.size()));
+  };
+  while (width() < 175) prefix += 'l';  // the narrowest letter
+  while (width() > 175) prefix.pop_back();
+  ASSERT_GE(width(), 172);
+  EXPECT_EQ(CountReachable(prefix), 200);
+}
+
 TEST_F(WideScreenTest, OfNamesOfSixtyThreeBytesTheFirstMenusCanBeReached) {
   const int reachable = CountReachable(std::string(60, 'W'));
   RecordProperty("reachable", reachable);
