@@ -10,18 +10,27 @@
 
 #include "actions/child.h"
 #include "actions/keystrokes.h"
+#include "app/action_editor.h"
+#include "app/dialogs.h"
 #include "app/gromlit_app.h"
+#include "app/main_menu.h"
+#include "app/new_plugin.h"
+#include "app/plugin_menu.h"
+#include "app/symbol_dialog.h"
+#include "app/symbol_editor.h"
+#include "app/user_options_window.h"
 #include "capture/app_track.h"
 #include "capture/command_line.h"
 #include "capture/gromlit_draw.h"
 #include "core/files.h"
 #include "core/option_files.h"
 #include "core/plugin_files.h"
-#include "core/symbol_files.h"
 #include "display/display.h"
 #include "display/draw_button.h"
 #include "display/x_errors.h"
 #include "toolkit/image.h"
+#include "toolkit/pulldown_button.h"
+#include "toolkit/splash.h"
 
 namespace gromlit {
 namespace {
@@ -66,23 +75,43 @@ void MakeResources() {
 
 void GrabDrawButtonOrExit() {
   if (GrabDrawButton(EffectiveButton(user))) return;
-  std::printf("Drawing Button used by another application.\n");
+  std::printf("%s", kDrawButtonTaken);
   std::exit(0);
 }
 
-void MakeWindows(int argc, char** argv) {
-  GromlitDraw* draw = MakeGromlitDraw();
+// The overlay lives as long as the program; the preferences reach it through a plain function.
+GromlitDraw* overlay = nullptr;
+
+void RenewOverlay() {
+  RenewDrawEvents(overlay);
+}
+
+void MakeOverlayAndMainWindow(int argc, char** argv) {
+  overlay = MakeGromlitDraw();
+  drawButtonChanged = RenewOverlay;
   app = MakeGromlitApp(6, 3, argc, argv);
-  draw->app = app;
+  overlay->app = app;
+}
+
+void ReadPlugins() {
   LoadPlugins();
   app->plugin = GetDefaultPlugin();
-  LoadSymbols();
+  UpdatePluginsMenu();
+}
+
+void MakeEditors(int argc, char** argv) {
+  CreateSymbolEditor(argc, argv);  // reads the symbol library as well
+  MakeSymbolSelect();
+  CreateActionEditor(argc, argv);
+  CreateUserOptions(argc, argv);
+  UpdateUserOptions(user);
 }
 
 void ShowMainWindow() {
   XMapWindow(dpy, app->window);
   UpdateGromlitApp(app, defaultPluginClassname, nullptr);
   DrawGromlitApp(app);
+  UpdatePulldownButton(app->txt, defaultPluginClassname);
 }
 
 }  // namespace
@@ -96,10 +125,17 @@ void StartUp(const CommandLine& line, int argc, char** argv) {
   GromlitPath = FindInstallation(line);
   MakeResources();
   GetUserOptions();
+  if (user->splash != 0) DoSplash();
   BuildCharToKeycode();
   GrabDrawButtonOrExit();
   RemoveStaleTemporaries();  // not before the grab: an instance that runs may be saving
-  MakeWindows(argc, argv);
+  MakeAboutDialog();
+  MakeOverlayAndMainWindow(argc, argv);
+  MakeConfirmDialog();
+  MakeEditNameDialog(SaveNewPluginName);
+  ReadPlugins();
+  MakeNewPluginDialogs(app);
+  MakeEditors(argc, argv);
   ShowMainWindow();
   // From here on windows of other clients are asked about that may be gone already.
   XSetErrorHandler(GromlitXErrorHandler);
