@@ -170,21 +170,25 @@ XMenu* MakePopup(GromlitApp* gromlit) {
 
 // --- Showing a plug-in ------------------------------------------------------------------------
 
-void UpdateScrollRange(GromlitApp* gromlit) {
+// Length of all rows of the shown plug-in, pixels.
+int ScrollRange(const GromlitApp* gromlit) {
   const int rows = (CountActions(gromlit->plugin) - 1 + gromlit->ncols) / gromlit->ncols;
-  UpdateScrollbarRange(gromlit->sbar, rows * CellHeight(gromlit));
+  return rows * CellHeight(gromlit);
 }
 
 // Makes a plug-in, or none, the shown one.
 void ShowPlugin(GromlitApp* gromlit, GromlitPlugin* plugin, int* updated) {
-  // The caption is compared even if the plug-in stays: it may have got another name.
+  // Caption and range are compared even if the plug-in stays: it may have got another name, and
+  // start-up makes the default plug-in the shown one by itself.
   const char* caption = plugin != nullptr ? plugin->appname : "";
   if (StrCmp(gromlit->txt->label, caption) != 0) UpdatePulldownButton(gromlit->txt, caption);
-  if (gromlit->plugin == plugin) return;
-  gromlit->plugin = plugin;
-  gromlit->selected = -1;
-  if (updated != nullptr) *updated = 1;
-  UpdateScrollRange(gromlit);
+  if (gromlit->plugin != plugin) {
+    gromlit->plugin = plugin;
+    gromlit->selected = -1;
+    if (updated != nullptr) *updated = 1;
+  }
+  const int range = ScrollRange(gromlit);
+  if (gromlit->sbar->range != range) UpdateScrollbarRange(gromlit->sbar, range);
 }
 
 // --- Clicks -----------------------------------------------------------------------------------
@@ -270,7 +274,7 @@ GromlitPluginList* UpdateGromlitApp(GromlitApp* gromlit, const char* classname, 
 }
 
 void UpdateGromlitScrollRange() {
-  if (app != nullptr) UpdateScrollRange(app);
+  if (app != nullptr) UpdateScrollbarRange(app->sbar, ScrollRange(app));
 }
 
 void GromlitIconScroll(GromlitApp* gromlit, int ypos) {

@@ -665,6 +665,15 @@ TEST_F(GromlitAppTest, TheScrollRangeIsThatOfTheRowsNeeded) {
   }
 }
 
+TEST_F(GromlitAppTest, TheDefaultPluginOfTheStartCanBeScrolled) {
+  // Start-up stores the plug-in before it is shown.
+  app->plugin = Plugin("Default", "Default", 40);
+  int updated = 0;
+  UpdateGromlitApp(app, "Default", &updated);
+  EXPECT_EQ(updated, 0);
+  EXPECT_EQ(app->sbar->range, 7 * cell);
+}
+
 TEST_F(GromlitAppTest, ScrollingShowsTheRowAtThePosition) {
   ShowNew(40);
   GromlitIconScroll(app, cell - 1);
