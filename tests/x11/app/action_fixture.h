@@ -116,6 +116,11 @@ class ActionFixture : public XFixture {
     for (const KeySym sym : held) player->KeyUp(sym);
     Pump();
   }
+  // Records a key stroke in the text field of the tabs.
+  void Record(const std::vector<KeySym>& held, KeySym key) {
+    MoveInto(tab->ed->window, 60, 12);
+    Chord(held, key);
+  }
   void ClearName() {
     MoveInto(act->txt->window, 60, 12);
     Chord({XK_Control_L}, XK_a);
@@ -158,6 +163,12 @@ class ActionFixture : public XFixture {
   static std::string Field(TextEditor* txt) { return TextEditorText(txt); }
   static std::vector<std::string> Lines() {
     return {act->cmditems, act->cmditems + act->lst->nitems};
+  }
+  // The corner points of a symbol, for comparisons.
+  static std::vector<int> Points(const GromlitSymbol& sym) {
+    std::vector<int> points;
+    for (int i = 1; i <= sym.npoints; i++) points.insert(points.end(), {sym.x[i], sym.y[i]});
+    return points;
   }
   // The states of Move Up, Move Down, Update, Delete and Add, such as "00001".
   std::string Buttons() const {

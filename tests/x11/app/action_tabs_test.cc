@@ -11,7 +11,6 @@ namespace gromlit {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 using Strings = std::vector<std::string>;
 
 class ActionTabsTest : public testing::ActionFixture {
@@ -32,10 +31,6 @@ class ActionTabsTest : public testing::ActionFixture {
     const bool records = Field(tab->ed) == "Control-f";
     ClearTabField(tab);
     return records;
-  }
-  void Record(const std::vector<KeySym>& held, KeySym key) {
-    MoveInto(tab->ed->window, 60, 12);
-    Chord(held, key);
   }
   // Number of black pixels in a part of the bar.
   int Ink(int x, int y, int w, int h) {
@@ -110,36 +105,36 @@ TEST_F(ActionTabsTest, TheTabsAreTheCommandTypesInTheirOrder) {
 TEST_F(ActionTabsTest, EveryTabShowsWhatItUsesAndItsHelp) {
   const struct {
     const char* name;
-    bool hotkeys;
     const char* checkbox;
     Strings help;
     int baseline;
+    bool hotkeys;
   } tabs[] = {
       {"hotkey",
-       true,
        nullptr,
        {"Place the mouse in the text box", "and enter the keystroke to send."},
-       UsualHelp()},
+       UsualHelp(),
+       true},
       {"menu",
-       false,
        nullptr,
        {"Enter the letters corresponding to the", "active letters in the menu selection,",
         "for example, NN for New->Navigator"},
-       UsualHelp()},
+       UsualHelp(),
+       false},
       {"text",
-       false,
        "Use As Filename",
        {"Enter the text to insert or ", "check the box to specify a filename",
         "that contains the text."},
-       LowerHelp()},
-      {"sound", false, nullptr, {"Enter a sound file to play."}, UsualHelp()},
-      {"run", false, nullptr, {"Enter the command to execute."}, UsualHelp()},
+       LowerHelp(),
+       false},
+      {"sound", nullptr, {"Enter a sound file to play."}, UsualHelp(), false},
+      {"run", nullptr, {"Enter the command to execute."}, UsualHelp(), false},
       {"internet",
-       false,
        "Goto Gromlit Forum",
        {"Enter the website, such as example.org", "or any URL.  Check Gromlit Forum for",
         "drawn-on application-specific forum."},
-       LowerHelp()},
+       LowerHelp(),
+       false},
   };
   // The last one is visited first, so that the first is seen after another.
   for (int i : {5, 0, 1, 2, 3, 4, 5}) {
@@ -313,251 +308,6 @@ TEST_F(ActionTabsTest, ASentKeyThatTheKeyboardDoesNotHaveDoesNoHarm) {
   ActionHotKeyPress(tab->ed, &event);
   EXPECT_EQ(Field(tab->ed), "");
   EXPECT_EQ(tab->ed->keycode, 3);
-}
-
-// --- Adding -------------------------------------------------------------------------------------
-
-TEST_F(ActionTabsTest, OneCommandOfEachTypeIsAddedAndListed) {
-  ClickTab(kMenu);
-  ClickTab(kHotKey);
-  Record({XK_Control_L}, XK_l);
-  ClickOn(tab->badd);
-  Add(kMenu, "NN");
-  Add(kText, "Hello");
-  Add(kSound, "ding.wav");
-  Add(kRun, "xterm -e top");
-  Add(kInternet, "example.org");
-  EXPECT_THAT(Lines(),
-              ElementsAre("HotKey: Control-l", "Menu: NN", "Text: Hello", "Sound: ding.wav",
-                          "Run: xterm -e top", "Internet: example.org"));
-  ASSERT_EQ(act->action.ncmds, 6u);
-  for (int i = 0; i < 6; i++) EXPECT_EQ(act->action.cmds[i]->type, i);
-  EXPECT_EQ(act->lst->selected, 5);
-  EXPECT_EQ(Buttons(), "11111");
-  Picture("action_six_commands");
-}
-
-TEST_F(ActionTabsTest, TheLineThatWasAddedIsInSight) {
-  ClickTab(kRun);
-  for (int i = 0; i < 12; i++) {
-    Add(kRun, "program" + std::to_string(i));
-    EXPECT_LE(act->lst->top, i);
-    EXPECT_LT(i, act->lst->top + act->lst->visible);
-  }
-}
-
-TEST_F(ActionTabsTest, AMenuCommandKeepsItsLastLetterInTheFirstPair) {
-  Add(kMenu, "Nb");
-  const GromlitCmd& command = *act->action.cmds[0];
-  EXPECT_EQ(command.nkeys, 2);
-  EXPECT_EQ(command.keycode[0], XKeysymToKeycode(dpy, XK_b));
-  EXPECT_EQ(command.keystate[0], Mod1Mask);
-  for (int i = 1; i < kMaxKeys; i++) {
-    EXPECT_EQ(command.keycode[i], 0);
-    EXPECT_EQ(command.keystate[i], 0);
-  }
-  Add(kMenu, "N");
-  EXPECT_EQ(act->action.cmds[1]->keycode[0], XKeysymToKeycode(dpy, XK_n));
-  EXPECT_EQ(act->action.cmds[1]->keystate[0], Mod1Mask | ShiftMask);
-}
-
-TEST_F(ActionTabsTest, TheCheckBoxBelongsToTextAndInternet) {
-  ClickTab(kText);
-  Type(tab->ed, "notes.txt");
-  ClickCheckBox();
-  ClickOn(tab->badd);
-  ClickTab(kInternet);
-  Type(tab->ed, "q");
-  ClickCheckBox();
-  ClickOn(tab->badd);
-  Add(kRun, "xclock");
-  EXPECT_EQ(act->action.cmds[0]->checked, 1);
-  EXPECT_EQ(act->action.cmds[1]->checked, 1);
-  EXPECT_EQ(act->action.cmds[2]->checked, 0);
-}
-
-TEST_F(ActionTabsTest, ALongTextIsListedByItsFirstSixteenLetters) {
-  Add(kText, "abcdefghijklmnopqrstuvwxyz0123");
-  Add(kText, "abcdefghijklmnopq");
-  Add(kText, "abcdefghijklmnopqr");
-  EXPECT_THAT(Lines(), ElementsAre("Text: abcdefghijklmnop...", "Text: abcdefghijklmnopq",
-                                   "Text: abcdefghijklmnop..."));
-  EXPECT_STREQ(act->action.cmds[0]->text, "abcdefghijklmnopqrstuvwxyz0123");
-}
-
-TEST_F(ActionTabsTest, AnEmptyTextMayBeAdded) {
-  ClickTab(kText);
-  ClickOn(tab->badd);
-  ASSERT_EQ(act->action.ncmds, 1u);
-  EXPECT_STREQ(act->action.cmds[0]->text, "");
-  EXPECT_THAT(Lines(), ElementsAre("Text: "));
-}
-
-TEST_F(ActionTabsTest, ATextThatAControlKeyShortenedIsAddedAsItIsShown) {
-  ClickTab(kRun);
-  Type(tab->ed, "xclock");
-  for (int i = 0; i < 3; i++) player->Type(XK_Left);
-  Chord({XK_Control_L}, XK_k);
-  ClickOn(tab->badd);
-  EXPECT_STREQ(act->action.cmds[0]->text, "xcl");
-}
-
-TEST_F(ActionTabsTest, AtTheLimitAddAddsNothingAndSaysSo) {
-  for (int i = 0; i < kMaxCommands; i++) {
-    ActionEditorAddCommand(kRun, std::to_string(i).c_str(), 0, 0, 0);
-  }
-  EXPECT_EQ(act->action.ncmds, 128u);
-  EXPECT_EQ(Buttons(), "11110") << "Add is disabled";
-  ClickOn(tab->badd);
-  EXPECT_EQ(act->action.ncmds, 128u);
-  EXPECT_STREQ(act->action.cmds[127]->text, "127");
-  ASSERT_TRUE(Told());
-  EXPECT_THAT(Notice(), HasSubstr("128 commands"));
-  Picture("action_full");
-  CloseNotice();
-  // It would overrun when called anyway.
-  tabcmdAdd(nullptr);
-  ActionEditorAddCommand(kRun, "one more", 0, 0, 0);
-  EXPECT_EQ(act->action.ncmds, 128u);
-  EXPECT_STREQ(act->action.cmds[127]->text, "127");
-  EXPECT_TRUE(Told());
-  CloseNotice();
-  ClickOn(tab->bdelete);
-  EXPECT_EQ(act->action.ncmds, 127u);
-  EXPECT_EQ(Buttons(), "11111") << "there is room again";
-  ClickOn(tab->badd);
-  EXPECT_EQ(act->action.ncmds, 128u);
-  EXPECT_FALSE(Told());
-}
-
-// --- The list -----------------------------------------------------------------------------------
-
-TEST_F(ActionTabsTest, SelectingACheckedTextCommandShowsAllOfIt) {
-  ClickTab(kText);
-  Type(tab->ed, "notes.txt");
-  ClickCheckBox();
-  ClickOn(tab->badd);
-  ClickTab(kSound);
-  ASSERT_EQ(act->lst->selected, -1);
-  ClickLine(0);
-  EXPECT_EQ(act->tbar->selected, kText);
-  EXPECT_EQ(Field(tab->ed), "notes.txt");
-  EXPECT_EQ(tab->checkbox->state, 1);
-  EXPECT_TRUE(Viewable(tab->checkbox->window));
-  EXPECT_EQ(act->lst->selected, 0);
-  EXPECT_EQ(Buttons(), "11111");
-  Picture("action_checked_text");
-}
-
-TEST_F(ActionTabsTest, SelectingAHotKeyBringsItsKeyBack) {
-  Record({XK_Control_L}, XK_l);
-  ClickOn(tab->badd);
-  Add(kRun, "xclock");
-  ClickLine(0);
-  EXPECT_EQ(act->tbar->selected, kHotKey);
-  EXPECT_EQ(Field(tab->ed), "Control-l");
-  EXPECT_EQ(tab->ed->keycode, XKeysymToKeycode(dpy, XK_l));
-  EXPECT_EQ(tab->ed->keystate, ControlMask);
-  ClickOn(tab->bupdate);
-  EXPECT_THAT(Lines(), ElementsAre("HotKey: Control-l", "Run: xclock"));
-}
-
-TEST_F(ActionTabsTest, UpdateChangesTheSelectedCommandOnly) {
-  Add(kRun, "one");
-  Add(kRun, "two");
-  ClickLine(0);
-  Type(tab->ed, "!");
-  ClickOn(tab->bupdate);
-  EXPECT_THAT(Lines(), ElementsAre("Run: one!", "Run: two"));
-  EXPECT_STREQ(act->action.cmds[0]->text, "one!");
-  EXPECT_EQ(act->lst->selected, 0);
-}
-
-TEST_F(ActionTabsTest, UpdateGivesTheCommandTheTypeOfTheTab) {
-  Add(kRun, "one");
-  // A click on the tab would give up the selection.
-  act->tbar->selected = kSound;
-  ClickOn(tab->bupdate);
-  EXPECT_EQ(act->action.cmds[0]->type, kSound);
-  EXPECT_THAT(Lines(), ElementsAre("Sound: one"));
-}
-
-TEST_F(ActionTabsTest, WithoutASelectionUpdateDeleteAndMovingDoNothing) {
-  Add(kRun, "one");
-  Add(kRun, "two");
-  ClickTab(kText);
-  ASSERT_EQ(Buttons(), "00001");
-  for (auto* click : {tabcmdUpdate, tabcmdDelete, actClickMoveUp, actClickMoveDown}) {
-    click(nullptr);
-  }
-  for (const XButton* button : {tab->bupdate, tab->bdelete, act->bmoveup, act->bmovedown}) {
-    ClickOn(button);
-  }
-  EXPECT_THAT(Lines(), ElementsAre("Run: one", "Run: two"));
-}
-
-TEST_F(ActionTabsTest, DeletingTheLastLineSelectsTheNewLastLine) {
-  for (const char* name : {"one", "two", "three"}) Add(kRun, name);
-  ClickLine(2);
-  ClickOn(tab->bdelete);
-  EXPECT_THAT(Lines(), ElementsAre("Run: one", "Run: two"));
-  EXPECT_EQ(act->lst->selected, 1);
-  EXPECT_EQ(Field(tab->ed), "two");
-  EXPECT_EQ(Buttons(), "11111");
-}
-
-TEST_F(ActionTabsTest, DeletingAMiddleLineSelectsTheOneThatTookItsPlace) {
-  for (const char* name : {"one", "two", "three"}) Add(kRun, name);
-  ClickLine(1);
-  ClickOn(tab->bdelete);
-  EXPECT_THAT(Lines(), ElementsAre("Run: one", "Run: three"));
-  EXPECT_EQ(act->lst->selected, 1);
-  EXPECT_EQ(Field(tab->ed), "three");
-  EXPECT_STREQ(act->action.cmds[1]->text, "three");
-}
-
-TEST_F(ActionTabsTest, DeletingTheOnlyLineLeavesNoSelection) {
-  Add(kRun, "one");
-  ClickOn(tab->bdelete);
-  EXPECT_EQ(act->action.ncmds, 0u);
-  EXPECT_EQ(act->lst->nitems, 0);
-  EXPECT_EQ(act->lst->selected, -1);
-  EXPECT_EQ(Buttons(), "00001");
-}
-
-TEST_F(ActionTabsTest, MovingTakesTheSelectionAlong) {
-  for (const char* name : {"one", "two", "three"}) Add(kRun, name);
-  ClickLine(0);
-  ClickOn(act->bmovedown);
-  EXPECT_THAT(Lines(), ElementsAre("Run: two", "Run: one", "Run: three"));
-  EXPECT_EQ(act->lst->selected, 1);
-  EXPECT_STREQ(act->action.cmds[0]->text, "two");
-  EXPECT_STREQ(act->action.cmds[1]->text, "one");
-  ClickOn(act->bmoveup);
-  EXPECT_THAT(Lines(), ElementsAre("Run: one", "Run: two", "Run: three"));
-  EXPECT_EQ(act->lst->selected, 0);
-}
-
-TEST_F(ActionTabsTest, MovingUpFromTheFirstLineAndDownFromTheLastDoesNothing) {
-  for (const char* name : {"one", "two"}) Add(kRun, name);
-  ClickLine(0);
-  ClickOn(act->bmoveup);
-  EXPECT_EQ(act->lst->selected, 0);
-  ClickLine(1);
-  ClickOn(act->bmovedown);
-  EXPECT_EQ(act->lst->selected, 1);
-  EXPECT_THAT(Lines(), ElementsAre("Run: one", "Run: two"));
-}
-
-TEST_F(ActionTabsTest, ALineThatMovesOutOfSightIsFollowed) {
-  for (int i = 0; i < 20; i++) ActionEditorAddCommand(kRun, std::to_string(i).c_str(), 0, 0, 0);
-  ASSERT_GT(act->lst->top, 0);
-  for (int line = 18; line >= 0; line--) {
-    ClickOn(act->bmoveup);
-    ASSERT_EQ(act->lst->selected, line);
-    EXPECT_LE(act->lst->top, line);
-    EXPECT_LT(line, act->lst->top + act->lst->visible);
-  }
 }
 
 // --- The system commands ------------------------------------------------------------------------
