@@ -79,6 +79,7 @@ TEST_F(SymbolEditorNameTest, ANewNameAddsTheSymbolAtTheHeadOfTheLibrary) {
   ASSERT_NE(read, nullptr);
   EXPECT_EQ(read->npoints, 2);
   EXPECT_EQ(read->x[2], 200);
+  ASSERT_NE(Find("az"), nullptr);
   EXPECT_EQ(Find("az")->signature, nullptr);
   delete read;
 }
@@ -98,7 +99,9 @@ TEST_F(SymbolEditorNameTest, AnExistingNameReplacesThatSymbol) {
   ClickIn(sed->lst->window, 20, 8);
   ClickOn(sed->bsave);
   EXPECT_EQ(Names(), before);
+  ASSERT_NE(Find("Alpha"), nullptr);
   EXPECT_EQ(Find("Alpha")->npoints, 2);
+  ASSERT_NE(Find("Alpha"), nullptr);
   EXPECT_EQ(Find("Alpha")->x[2], 200);
   EXPECT_EQ(sed->lst->nitems, 2);
 }
@@ -111,10 +114,12 @@ TEST_F(SymbolEditorNameTest, EditingASymbolChangesTheLibraryOnlyWhenSaved) {
   MoveIn(area->window, 80, 80);
   player->Release(1);
   Pump();
+  ASSERT_NE(Find("Alpha"), nullptr);
   EXPECT_EQ(Find("Alpha")->x[1], 16);
   ClickOn(sed->bnext);
   ClickOn(sed->bfinish);
   ClickOn(sed->bsave);
+  ASSERT_NE(Find("Alpha"), nullptr);
   EXPECT_EQ(Find("Alpha")->x[1], 80);
 }
 
@@ -182,6 +187,7 @@ TEST_F(SymbolEditorNameTest, ASaveThatFailsKeepsTheEditorOpenAndGivesTheReason) 
   TypeText("ok");
   ClickOn(sed->bsave);
   EXPECT_FALSE(Shown(sed->window));
+  ASSERT_NE(Find("ok"), nullptr);
   EXPECT_EQ(Find("ok")->npoints, 2);
 }
 
@@ -193,6 +199,7 @@ TEST_F(SymbolEditorNameTest, ASaveOverADirectoryFailsAndLeavesTheSymbolOfThatNam
   ClickOn(sed->bsave);
   EXPECT_TRUE(Shown(sed->window));
   EXPECT_TRUE(Shown(failure->window));
+  ASSERT_NE(Find("Beta"), nullptr);
   EXPECT_EQ(Find("Beta")->x[1], 16);
   ClickOn(failure->no);
 }
