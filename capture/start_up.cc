@@ -51,8 +51,8 @@ void HoldStandardDescriptors() {
   }
 }
 
-// The program prints a few lines in a run of days. Each must be there when it is due, not when the
-// session ends, also where the output goes to a log.
+// The program prints a few lines in days of running. Each must be there when it is due and not when
+// the program ends, also where the output goes to a log.
 void PrintAtOnce() {
   (void)std::setvbuf(stdout, nullptr, _IONBF, 0);
 }
