@@ -185,20 +185,13 @@ ActionEditor* MakeActionEditor(int argc, char** argv) {
   auto* editor = new ActionEditor{};
   editor->width = kWidth;
   editor->height = kHeight;
-  XSetWindowAttributes attributes;
-  attributes.background_pixel = lgrey.pixel;
-  attributes.backing_store = WhenMapped;
-  attributes.event_mask = ExposureMask;
-  editor->window =
-      XCreateWindow(dpy, root, 0, 0, kWidth, kHeight, 1, DefaultDepth(dpy, screen), InputOutput,
-                    CopyFromParent, CWBackPixel | CWBackingStore | CWEventMask, &attributes);
-  SetWindowManagerProperties(editor->window, {.title = kTitle,
-                                              .icontitle = kTitle,
-                                              .name = "ActionEditor",
-                                              .width = kWidth,
-                                              .height = kHeight,
-                                              .argc = argc,
-                                              .argv = argv});
+  editor->window = MakeEditorWindow({.title = kTitle,
+                                     .icontitle = kTitle,
+                                     .name = "ActionEditor",
+                                     .width = kWidth,
+                                     .height = kHeight,
+                                     .argc = argc,
+                                     .argv = argv});
   editor->gc = MakeWindowGC(editor->window, txtFont);
   editor->logo =
       MakeLogo(editor->window, kMargin, kMargin, kWidth - 2 * kMargin, nullptr, kLogoTitle);

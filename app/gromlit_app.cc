@@ -101,14 +101,9 @@ void ExposeGromlitApp(GromlitApp* gromlit, XEvent* event) {
 // --- Construction -----------------------------------------------------------------------------
 
 void MakeWindow(GromlitApp* gromlit, int argc, char** argv) {
-  XSetWindowAttributes attributes;
-  attributes.background_pixel = lgrey.pixel;
-  attributes.backing_store = WhenMapped;
-  attributes.event_mask = ExposureMask | EnterWindowMask | LeaveWindowMask | ButtonPressMask;
-  gromlit->window = XCreateWindow(dpy, root, 0, 0, static_cast<unsigned>(gromlit->width),
-                                  static_cast<unsigned>(gromlit->height), 1,
-                                  DefaultDepth(dpy, screen), InputOutput, CopyFromParent,
-                                  CWBackPixel | CWBackingStore | CWEventMask, &attributes);
+  gromlit->window =
+      CreateTopLevel(gromlit->width, gromlit->height,
+                     ExposureMask | EnterWindowMask | LeaveWindowMask | ButtonPressMask);
   gromlit->mbar = MakeGromlitMenuBar(gromlit, gromlit->window, 0, 0, gromlit->width);
   XMapWindow(dpy, gromlit->mbar->window);
   gromlit->height += gromlit->mbar->height;

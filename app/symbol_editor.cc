@@ -106,20 +106,13 @@ SymbolEditor* MakeSymbolEditor(int argc, char** argv) {
   auto* editor = new SymbolEditor{};
   editor->width = kWidth;
   editor->height = kHeight;
-  XSetWindowAttributes attributes;
-  attributes.background_pixel = lgrey.pixel;
-  attributes.backing_store = WhenMapped;
-  attributes.event_mask = ExposureMask;
-  editor->window =
-      XCreateWindow(dpy, root, 0, 0, kWidth, kHeight, 1, DefaultDepth(dpy, screen), InputOutput,
-                    CopyFromParent, CWBackPixel | CWBackingStore | CWEventMask, &attributes);
-  SetWindowManagerProperties(editor->window, {.title = kWindowTitle,
-                                              .icontitle = kWindowTitle,
-                                              .name = "SymbolEditor",
-                                              .width = kWidth,
-                                              .height = kHeight,
-                                              .argc = argc,
-                                              .argv = argv});
+  editor->window = MakeEditorWindow({.title = kWindowTitle,
+                                     .icontitle = kWindowTitle,
+                                     .name = "SymbolEditor",
+                                     .width = kWidth,
+                                     .height = kHeight,
+                                     .argc = argc,
+                                     .argv = argv});
   editor->gc = MakeWindowGC(editor->window, txtFont);
   editor->wobj = AllocWindowObj(editor->window, editor);
   On<Expose, DrawSymbolEditor>(editor);

@@ -92,20 +92,13 @@ UserOptions* MakeUserOptions(int argc, char** argv) {
   auto* options = new UserOptions{};
   options->width = kWidth;
   options->height = kHeight;
-  XSetWindowAttributes attributes;
-  attributes.background_pixel = lgrey.pixel;
-  attributes.backing_store = WhenMapped;
-  attributes.event_mask = ExposureMask;
-  options->window =
-      XCreateWindow(dpy, root, 0, 0, kWidth, kHeight, 1, DefaultDepth(dpy, screen), InputOutput,
-                    CopyFromParent, CWBackPixel | CWBackingStore | CWEventMask, &attributes);
-  SetWindowManagerProperties(options->window, {.title = "Gromlit: Preferences",
-                                               .icontitle = "Gromlit: Preferences",
-                                               .name = "Preferences",
-                                               .width = kWidth,
-                                               .height = kHeight,
-                                               .argc = argc,
-                                               .argv = argv});
+  options->window = MakeEditorWindow({.title = "Gromlit: Preferences",
+                                      .icontitle = "Gromlit: Preferences",
+                                      .name = "Preferences",
+                                      .width = kWidth,
+                                      .height = kHeight,
+                                      .argc = argc,
+                                      .argv = argv});
   options->gc = MakeWindowGC(options->window, txtFont);
   options->wobj = AllocWindowObj(options->window, options);
   On<Expose, DrawUserOptions>(options);

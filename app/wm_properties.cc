@@ -44,4 +44,20 @@ void SetWindowManagerProperties(Window window, const WindowIdentity& identity) {
   XSetWMProtocols(dpy, window, &wm_delete, 1);
 }
 
+Window CreateTopLevel(int width, int height, long events) {
+  XSetWindowAttributes attributes;
+  attributes.background_pixel = lgrey.pixel;
+  attributes.backing_store = WhenMapped;
+  attributes.event_mask = events;
+  return XCreateWindow(dpy, root, 0, 0, static_cast<unsigned>(width), static_cast<unsigned>(height),
+                       1, DefaultDepth(dpy, screen), InputOutput, CopyFromParent,
+                       CWBackPixel | CWBackingStore | CWEventMask, &attributes);
+}
+
+Window MakeEditorWindow(const WindowIdentity& identity) {
+  const Window window = CreateTopLevel(identity.width, identity.height, ExposureMask);
+  SetWindowManagerProperties(window, identity);
+  return window;
+}
+
 }  // namespace gromlit

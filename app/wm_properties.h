@@ -19,4 +19,11 @@ struct WindowIdentity {
 // close request hide the window.
 void SetWindowManagerProperties(Window window, const WindowIdentity& identity);
 
+// A top-level window of this size at the origin of the screen, not mapped: light grey, with a
+// border of one pixel, selecting these events.
+Window CreateTopLevel(int width, int height, long events);
+
+// CreateTopLevel for exposures alone, and the properties: what the editors have in common.
+Window MakeEditorWindow(const WindowIdentity& identity);
+
 }  // namespace gromlit
