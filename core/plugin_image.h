@@ -40,8 +40,8 @@ PluginPart DecodePluginFile(std::span<const std::byte> file, GromlitPlugin* pin)
 // Empty when it would exceed kMaxPluginFile.
 std::vector<std::byte> EncodePluginFile(GromlitPlugin* pin);
 
-// The same with the counts as they are, for records whose texts hold NULs. REQUIRES: nactions, ncmds
-// and ntext are not larger than what the record holds.
+// The same with the counts as they are, for records whose texts hold NULs. REQUIRES: nactions,
+// ncmds and ntext are not larger than what the record holds.
 std::vector<std::byte> EncodePluginRecords(const GromlitPlugin& pin);
 
 // Which part of this plug-in's file lies at a file offset; kNothing behind the end.
