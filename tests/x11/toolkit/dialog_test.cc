@@ -163,6 +163,23 @@ TEST_F(DialogTest, TitlesAreCutAt63Bytes) {
   EXPECT_STREQ(dlog->title, "");
 }
 
+TEST_F(DialogTest, TitleWiderThanTheRoomBesideTheLogoIsShortened) {
+  XDialog* dlog = MakeMsgDialog("", kOneMsg, 0, 0);
+  const std::string title = "org.example.Longwinded.org.example.Longwinded.again";
+  const int room = dlog->width - 16 - logoImage->width;
+  ASSERT_GT(XTextWidth(labelFontinfo, title.data(), static_cast<int>(title.size())), room);
+  PopUp(dlog, title.c_str());
+  EXPECT_EQ(dlog->title, title);
+  // The longest beginning that leaves a small margin.
+  std::string shown = title;
+  for (size_t n = title.size();
+       XTextWidth(labelFontinfo, shown.data(), static_cast<int>(shown.size())) > room - 8;) {
+    shown = title.substr(0, --n) + "...";
+  }
+  Picture expected = Expected(dlog, shown, {kOneMsg[0]});
+  EXPECT_EQ(Shown(dlog, expected), expected);
+}
+
 TEST_F(DialogTest, CentredOnThePointGiven) {
   XDialog* dlog = MakeDialog("Confirm", kOneMsg, NoteYes, 0, 0);
   PopUpDialog(dlog, "Confirm", 641, 503);
