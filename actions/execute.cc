@@ -110,7 +110,7 @@ void ExecuteCommand(GromlitPlugin* pin, const GromlitCmd* cmd, Window /*mwin*/, 
       SendKeyPairs({KeyTarget(kwin), winx, winy, rootx, rooty}, cmd);
       break;
     case kText: {
-      const KeyPlace place{KeyTarget(kwin), winx, winy, rootx, rooty};
+      const InputPlace place{KeyTarget(kwin), winx, winy, rootx, rooty};
       if (cmd->checked != 0) {
         TypeFile(place, text);
       } else {

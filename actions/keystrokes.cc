@@ -9,6 +9,7 @@
 
 #include "core/files.h"
 #include "display/display.h"
+#include "display/sent_input.h"
 
 namespace gromlit {
 
@@ -30,12 +31,9 @@ constexpr unsigned StateAt(int i) {
 static_assert(StateAt(64) == Mod4Mask);
 static_assert(StateAt(65) == Mod5Mask);
 
-// Every bit that a client can select: whatever the application listens for, it gets the keys.
-constexpr long kAnyEventMask = 0xFFFFFF;
-
 constexpr size_t kFileBlock = 256;
 
-void TypeByte(const KeyPlace& place, char c) {
+void TypeByte(const InputPlace& place, char c) {
   int keycode;
   int keystate;
   if (CharToKeycode(c, &keycode, &keystate) == 0) return;
@@ -113,23 +111,9 @@ char* KeyStrokeToString(char* buf, int keycode, int keystate) {
 
 void SendHotKey(Window win, int winx, int winy, int keycode, int keystate, int rootx, int rooty) {
   XEvent event{};
-  XKeyEvent& key = event.xkey;
-  key.type = KeyPress;
-  key.display = dpy;
-  key.window = win;
-  key.root = root;
-  key.subwindow = None;
-  key.time = CurrentTime;
-  key.x = winx;
-  key.y = winy;
-  key.x_root = rootx;
-  key.y_root = rooty;
-  key.state = static_cast<unsigned>(keystate);
-  key.keycode = static_cast<unsigned>(keycode);
-  key.same_screen = True;
-  XSendEvent(dpy, win, True, kAnyEventMask, &event);
-  key.type = KeyRelease;
-  XSendEvent(dpy, win, True, kAnyEventMask, &event);
+  event.xkey.keycode = static_cast<unsigned>(keycode);
+  PlaceInput(&event.xkey, {win, winx, winy, rootx, rooty}, static_cast<unsigned>(keystate));
+  SendPressAndRelease(&event, KeyPress, KeyRelease);
 }
 
 Window KeyTarget(Window kwin) {
@@ -139,7 +123,7 @@ Window KeyTarget(Window kwin) {
   return focus != None && focus != PointerRoot ? focus : kwin;
 }
 
-void SendKeyPairs(const KeyPlace& place, const GromlitCmd* cmd) {
+void SendKeyPairs(const InputPlace& place, const GromlitCmd* cmd) {
   // A menu command of many letters counts more keys than the record has pairs.
   const int n = std::min<int>(cmd->nkeys, kMaxKeys);
   for (int i = 0; i < n; i++) {
@@ -148,11 +132,11 @@ void SendKeyPairs(const KeyPlace& place, const GromlitCmd* cmd) {
   }
 }
 
-void TypeText(const KeyPlace& place, const char* text, size_t length) {
+void TypeText(const InputPlace& place, const char* text, size_t length) {
   for (size_t i = 0; i < length; i++) TypeByte(place, text[i]);
 }
 
-void TypeFile(const KeyPlace& place, const char* fname) {
+void TypeFile(const InputPlace& place, const char* fname) {
   const int fd = OpenRegular(fname);
   if (fd > 0) {
     char block[kFileBlock];

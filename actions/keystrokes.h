@@ -9,6 +9,7 @@
 #include <cstdint>
 
 #include "core/gromlit.h"
+#include "display/sent_input.h"
 
 namespace gromlit {
 
@@ -42,22 +43,13 @@ void SendHotKey(Window win, int winx, int winy, int keycode, int keystate, int r
 // The window that gets the keys of a command: the input focus when it is a real window, else kwin.
 Window KeyTarget(Window kwin);
 
-// Where the keys of one command go: target and pointer position of the gesture, pixels.
-struct KeyPlace {
-  Window win;
-  int winx;
-  int winy;
-  int rootx;
-  int rooty;
-};
-
 // Sends the stored key pairs of a HotKey or Menu command, at most kMaxKeys.
-void SendKeyPairs(const KeyPlace& place, const GromlitCmd* cmd);
+void SendKeyPairs(const InputPlace& place, const GromlitCmd* cmd);
 
 // Types a text byte by byte; bytes without a key are skipped.
-void TypeText(const KeyPlace& place, const char* text, size_t length);
+void TypeText(const InputPlace& place, const char* text, size_t length);
 
 // Types the bytes of a regular file, in blocks; nothing, silently, when it cannot be opened.
-void TypeFile(const KeyPlace& place, const char* fname);
+void TypeFile(const InputPlace& place, const char* fname);
 
 }  // namespace gromlit

@@ -14,6 +14,7 @@
 #include "core/plugin_files.h"
 #include "display/display.h"
 #include "display/draw_button.h"
+#include "display/sent_input.h"
 #include "recognition/plugin_match.h"
 
 namespace gromlit {
@@ -206,23 +207,9 @@ void Capture::Release(const XButtonEvent& release) {
 void Capture::SendClick() {
   if (mwin_ == None) return;
   XEvent event{};
-  XButtonEvent& click = event.xbutton;
-  click.type = ButtonPress;
-  click.display = dpy;
-  click.window = mwin_;
-  click.root = root;
-  click.subwindow = None;
-  click.time = CurrentTime;
-  click.x = winx_;
-  click.y = winy_;
-  click.x_root = press_.x_root;
-  click.y_root = press_.y_root;
-  click.state = 0;
-  click.button = press_.button;
-  click.same_screen = True;
-  XSendEvent(dpy, mwin_, True, 0xffffff, &event);
-  click.type = ButtonRelease;
-  XSendEvent(dpy, mwin_, True, 0xffffff, &event);
+  event.xbutton.button = press_.button;
+  PlaceInput(&event.xbutton, {mwin_, winx_, winy_, press_.x_root, press_.y_root}, 0);
+  SendPressAndRelease(&event, ButtonPress, ButtonRelease);
 }
 
 void Capture::Recognise(GromlitPlugin* plugin) {

@@ -364,7 +364,7 @@ class TypingTest : public KeystrokesTest {
   }
 
   std::unique_ptr<KeyProbe> probe;
-  KeyPlace place{};
+  InputPlace place{};
 };
 
 TEST_F(TypingTest, AccentedLettersAreSkippedAndTheRestIsTyped) {
