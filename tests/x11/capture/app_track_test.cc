@@ -259,8 +259,9 @@ TEST_F(AppTrackTest, OwnWindowsAreLeftAloneAndAllOthersFollowed) {
   char name[] = "gromlit";
   char* argv[] = {name, nullptr};
   CreateUserOptions(1, argv);
-  std::vector<Window> others;
-  for (int i = 0; i < 3; i++) others.push_back(Make(700, 100 + 200 * i, "Edit", "edit"));
+  const std::vector<Window> others = {Make(700, 100, "Edit", "edit"),
+                                      Make(700, 300, "Edit", "edit"),
+                                      Make(700, 500, "Edit", "edit")};
   const std::map<Window, long> before = MasksOfTopWindows();
   Follow();
   const std::map<Window, long> after = MasksOfTopWindows();
