@@ -1,0 +1,505 @@
+#include "tests/e2e/front_end.h"
+
+#include <X11/XKBlib.h>
+#include <X11/Xutil.h>
+#include <X11/keysym.h>
+
+#include <algorithm>
+
+#include "core/plugin_files.h"
+#include "core/symbol_files.h"
+#include "display/display.h"  // the fonts' names
+
+namespace gromlit::testing {
+namespace {
+
+constexpr int kLogoHeight = 57;  // of the banner's picture
+constexpr int kButtonWidth = 64;
+constexpr int kButtonHeight = 24;
+constexpr int kCellWidth = 72;
+// A second click within this time is a double click, milliseconds.
+constexpr std::chrono::milliseconds kDoubleClick{500};
+
+constexpr const char* kTitles[] = {"Plug-In", "Action", "Symbol", "Options", "Help"};
+constexpr const char* kTabs[] = {"HotKey", "Menu", "Text", "Sound", "Run", "Internet"};
+
+}  // namespace
+
+void FrontEnd::SetUp() {
+  ShellRun::SetUp();
+  txt_ = Font(txtFontname);
+  label_ = Font(buttonFontname);
+}
+
+XFontStruct* FrontEnd::Font(const char* name) {
+  XFontStruct* font = XLoadQueryFont(player->display(), name);
+  if (font == nullptr) font = XLoadQueryFont(player->display(), "fixed");
+  EXPECT_NE(font, nullptr);
+  return font;
+}
+
+int FrontEnd::TextHeight() {
+  return txt_->ascent + txt_->descent;
+}
+int FrontEnd::ItemHeight() {
+  return label_->max_bounds.ascent + label_->max_bounds.descent + 6;
+}
+int FrontEnd::LabelWidth(const std::string& text) {
+  return XTextWidth(label_, text.c_str(), static_cast<int>(text.size()));
+}
+
+// --- Finding ------------------------------------------------------------------------------------
+
+std::vector<Window> FrontEnd::Children(Window window) {
+  Window rootwin;
+  Window parent;
+  Window* list = nullptr;
+  unsigned count = 0;
+  if (XQueryTree(player->display(), window, &rootwin, &parent, &list, &count) == 0) return {};
+  std::vector<Window> children(list, list + count);
+  if (list != nullptr) XFree(list);
+  return children;
+}
+
+bool FrontEnd::Viewable(Window window) {
+  XWindowAttributes attributes{};
+  return XGetWindowAttributes(player->display(), window, &attributes) != 0 &&
+         attributes.map_state == IsViewable;
+}
+
+Window FrontEnd::Shown(const std::string& name) {
+  std::vector<Window> windows = Children(player->root());
+  // A window manager's frame holds the window directly or one level down.
+  for (int level = 0; level < 3; level++) {
+    std::vector<Window> next;
+    for (const Window window : windows) {
+      XClassHint hint{};
+      if (XGetClassHint(player->display(), window, &hint) != 0) {
+        const bool found = name == hint.res_name && std::string("Gromlit") == hint.res_class;
+        XFree(hint.res_name);
+        XFree(hint.res_class);
+        if (found) return Viewable(window) ? window : 0;
+      }
+      const std::vector<Window> below = Children(window);
+      next.insert(next.end(), below.begin(), below.end());
+    }
+    windows = next;
+  }
+  return 0;
+}
+
+Window FrontEnd::WaitShown(const std::string& name) {
+  Window window = 0;
+  EXPECT_TRUE(WaitFor([&] { return (window = Shown(name)) != 0; })) << name << " is not shown";
+  // A window manager gives the keyboard to a window that comes up, and would take it from a field
+  // that the pointer had entered before.
+  if (manager != nullptr && window != 0) {
+    EXPECT_TRUE(WaitFor([&] {
+      Window focus = 0;
+      int revert;
+      XGetInputFocus(player->display(), &focus, &revert);
+      if (focus == window) return true;
+      const auto children = Children(window);
+      return std::find(children.begin(), children.end(), focus) != children.end();
+    })) << name
+        << " does not get the keyboard";
+  }
+  return window;
+}
+
+bool FrontEnd::WaitHidden(const std::string& name) {
+  return WaitFor([&] { return Shown(name) == 0; });
+}
+
+Box FrontEnd::BoxOf(Window window) {
+  Window rootwin;
+  Box box{};
+  unsigned width = 0;
+  unsigned height = 0;
+  unsigned border = 0;
+  unsigned depth = 0;
+  XGetGeometry(player->display(), window, &rootwin, &box.x, &box.y, &width, &height, &border,
+               &depth);
+  box.width = static_cast<int>(width);
+  box.height = static_cast<int>(height);
+  return box;
+}
+
+Point FrontEnd::OriginOf(Window window) {
+  Point origin{};
+  Window child;
+  XTranslateCoordinates(player->display(), window, player->root(), 0, 0, &origin.x, &origin.y,
+                        &child);
+  return origin;
+}
+
+Window FrontEnd::ChildAt(Window parent, int x, int y) {
+  for (const Window child : Children(parent)) {
+    const Box box = BoxOf(child);
+    if (box.x == x && box.y == y && Viewable(child)) return child;
+  }
+  return 0;
+}
+
+Window FrontEnd::WaitChild(Window parent, int x, int y) {
+  Window child = 0;
+  EXPECT_TRUE(WaitFor([&] { return (child = ChildAt(parent, x, y)) != 0; }))
+      << "nothing at (" << x << ", " << y << ")";
+  return child;
+}
+
+std::vector<Window> FrontEnd::Overlays() {
+  std::vector<Window> overlays;
+  for (const Window window : Children(player->root())) {
+    XWindowAttributes attributes{};
+    if (XGetWindowAttributes(player->display(), window, &attributes) != 0 &&
+        attributes.override_redirect && attributes.map_state == IsViewable &&
+        attributes.c_class == InputOutput) {
+      overlays.push_back(window);
+    }
+  }
+  return overlays;
+}
+
+Window FrontEnd::Dialog() {
+  for (const Window window : Overlays()) {
+    const Box box = BoxOf(window);
+    const Window button = ChildAt(window, box.width - 72, box.height - 32);
+    if (button == 0) continue;
+    const Box size = BoxOf(button);
+    if (size.width == kButtonWidth && size.height == kButtonHeight) return window;
+  }
+  return 0;
+}
+
+Window FrontEnd::Menu() {
+  for (const Window window : Overlays()) {
+    const Box box = BoxOf(window);
+    const int rows = (box.height - 6) / ItemHeight();
+    if (rows > 0 && box.height == rows * ItemHeight() + 6 && Children(window).empty()) {
+      return window;
+    }
+  }
+  return 0;
+}
+
+Window FrontEnd::WaitDialog() {
+  Window dialog = 0;
+  EXPECT_TRUE(WaitFor([&] { return (dialog = Dialog()) != 0; })) << "no dialog";
+  return dialog;
+}
+
+bool FrontEnd::WaitNoDialog() {
+  return WaitFor([&] { return Dialog() == 0; });
+}
+
+// --- Doing --------------------------------------------------------------------------------------
+
+bool FrontEnd::Over(Window window, int x, int y) {
+  Window seen = 0;
+  // A window manager may still be moving the window to its place.
+  const bool over = WaitFor([&] {
+    const Point origin = OriginOf(window);
+    player->MoveTo(origin.x + x, origin.y + y);
+    Window rootwin;
+    Window child = player->root();
+    int rootx = -1;
+    int rooty = -1;
+    do {
+      seen = child;
+      int winx;
+      int winy;
+      unsigned state;
+      if (!XQueryPointer(player->display(), seen, &rootwin, &child, &rootx, &rooty, &winx, &winy,
+                         &state))
+        return false;
+    } while (child != 0);
+    // While a press is held back for somebody, the pointer does not move.
+    return seen == window && rootx == origin.x + x && rooty == origin.y + y;
+  });
+  if (!over) {
+    const Point origin = OriginOf(window);
+    const char* directory = std::getenv("GROMLIT_SCREENSHOTS");
+    if (directory != nullptr) SaveScreen(player->display(), std::string(directory) + "/over.png");
+    ADD_FAILURE() << "window " << seen << " is in front of window " << window << " at ("
+                  << origin.x + x << ", " << origin.y + y << ")";
+  }
+  return over;
+}
+
+void FrontEnd::ClickIn(Window window, int x, int y, int button) {
+  if (Over(window, x, y)) player->Click(button);
+}
+
+// Presses and releases a button as slowly as the program draws it. A press whose grab has not been
+// taken yet when the next click comes would swallow that click.
+void FrontEnd::ClickChild(Window parent, int x, int y) {
+  const Window button = WaitChild(parent, x, y);
+  const Box box = BoxOf(button);
+  if (button == 0 || !Over(button, box.width / 2, box.height / 2)) return;
+  const Point corner = OriginOf(button);
+  const auto edge = [&] { return player->Pixel(corner.x, corner.y); };
+  const unsigned long raised = edge();
+  player->Press(1);
+  EXPECT_TRUE(WaitFor([&] { return edge() != raised; })) << "the button does not go down";
+  player->Release(1);
+  // It comes up again, or has gone with its window.
+  EXPECT_TRUE(WaitFor([&] { return !Viewable(button) || edge() == raised; }))
+      << "the button does not come up";
+}
+
+void FrontEnd::Enter(Window field) {
+  if (!Over(field, 14, 12)) return;
+  EXPECT_TRUE(WaitFor([&] {
+    Window focus = 0;
+    int revert;
+    XGetInputFocus(player->display(), &focus, &revert);
+    return focus == field;
+  })) << "the field does not take the keyboard";
+}
+
+void FrontEnd::Chord(KeySym held, KeySym key) {
+  player->KeyDown(held);
+  player->Type(key);
+  player->KeyUp(held);
+}
+
+void FrontEnd::TypeText(const std::string& text) {
+  for (const char c : text) {
+    const auto sym = static_cast<KeySym>(static_cast<unsigned char>(c));
+    const KeyCode code = XKeysymToKeycode(player->display(), sym);
+    ASSERT_NE(code, 0) << c;
+    if (XkbKeycodeToKeysym(player->display(), code, 0, 0) == sym) {
+      player->Type(sym);
+    } else {
+      Chord(XK_Shift_L, sym);
+    }
+  }
+}
+
+void FrontEnd::Fill(Window field, const std::string& text) {
+  Enter(field);
+  TypeText(text);
+}
+
+void FrontEnd::Replace(Window field, const std::string& text) {
+  Enter(field);
+  Chord(XK_Control_L, XK_a);
+  Chord(XK_Control_L, XK_k);
+  TypeText(text);
+}
+
+// Moves to a row of an open menu until it is highlighted. `above` is by how many pixels the menu
+// takes the pointer to be higher than it is.
+void FrontEnd::GoToRow(Window menu, int row, int above) {
+  const Point origin = OriginOf(menu);
+  const int top = row * ItemHeight();
+  constexpr unsigned long kWhite = 0xffffff;
+  int x = 12;
+  EXPECT_TRUE(WaitFor([&] {
+    // The menu's grab may come later than its window; only then does it see the pointer move.
+    x = 25 - x;
+    player->MoveTo(origin.x + x, origin.y + above + 4 + top + ItemHeight() / 2);
+    return WaitFor([&] { return player->Pixel(origin.x + 5, origin.y + top + 2) == kWhite; },
+                   std::chrono::milliseconds(200));
+  })) << "row "
+      << row << " is not highlighted";
+}
+
+void FrontEnd::ReleaseOnRow(Window menu, int row, int above) {
+  GoToRow(menu, row, above);
+  player->Release(1);
+  EXPECT_TRUE(WaitFor([&] { return !Viewable(menu); })) << "the menu stays open";
+}
+
+void FrontEnd::Choose(Title title, int row) {
+  const Window main = MainWindow();
+  const Window bar = WaitChild(main, 0, 0);
+  int x = 8;
+  for (int i = 0; i < static_cast<int>(title); i++) x += LabelWidth(kTitles[i]) + 16;
+  if (!Over(bar, x + 4, ItemHeight() / 2)) return;
+  player->Press(1);
+  Window menu = 0;
+  EXPECT_TRUE(WaitFor([&] { return (menu = Menu()) != 0; })) << "no menu";
+  // The bar takes the menu to start at its own lower edge; it starts two pixels higher.
+  ReleaseOnRow(menu, row, 2);
+}
+
+void FrontEnd::ChoosePopup(int cell, int row) {
+  const Point at = Cell(cell);
+  ClickIn(MainWindow(), at.x, at.y, 3);
+  Window menu = 0;
+  ASSERT_TRUE(WaitFor([&] { return (menu = Menu()) != 0; })) << "no popup";
+  // It follows the pointer without a button, and a click chooses.
+  GoToRow(menu, row, 0);
+  player->Press(1);
+  player->Release(1);
+  EXPECT_TRUE(WaitFor([&] { return !Viewable(menu); })) << "the popup stays open";
+}
+
+void FrontEnd::ChoosePulldown(Window button, int row) {
+  if (!Over(button, 12, 12)) return;
+  player->Press(1);
+  Window menu = 0;
+  EXPECT_TRUE(WaitFor([&] { return (menu = Menu()) != 0; })) << "no pulldown menu";
+  ReleaseOnRow(menu, row, 0);
+}
+
+void FrontEnd::DialogLeft() {
+  const Window dialog = WaitDialog();
+  const Box box = BoxOf(dialog);
+  ClickChild(dialog, box.width - 144, box.height - 32);
+  EXPECT_TRUE(WaitFor([&] { return !Viewable(dialog) || Dialog() != dialog; }));
+}
+
+void FrontEnd::DialogRight() {
+  const Window dialog = WaitDialog();
+  const Box box = BoxOf(dialog);
+  ClickChild(dialog, box.width - 72, box.height - 32);
+  EXPECT_TRUE(WaitFor([&] { return !Viewable(dialog); })) << "the dialog stays";
+}
+
+// --- The windows --------------------------------------------------------------------------------
+
+Window FrontEnd::PluginButton() {
+  return WaitChild(MainWindow(), 4, ItemHeight() + 6 + kLogoHeight + 6);
+}
+
+void FrontEnd::OutwaitDoubleClick() {
+  const auto start = std::chrono::steady_clock::now();
+  WaitFor([&] { return std::chrono::steady_clock::now() - start > kDoubleClick; });
+}
+
+Point FrontEnd::Cell(int cell) {
+  constexpr int kColumns = 6;
+  const int top = ItemHeight() + 6 + kLogoHeight + 6 + 26;
+  const int height = 32 + 2 * TextHeight() + 8;
+  return {8 + kCellWidth * (cell % kColumns) + 32, top + height * (cell / kColumns) + 8 + 16};
+}
+
+void FrontEnd::ClickCell(int cell) {
+  OutwaitDoubleClick();
+  const Point at = Cell(cell);
+  const bool before = IsSelected(cell);
+  ClickIn(MainWindow(), at.x, at.y);
+  EXPECT_TRUE(WaitFor([&] { return IsSelected(cell) != before; }))
+      << "the cell's highlight does not change";
+}
+
+bool FrontEnd::IsSelected(int cell) {
+  const Point origin = OriginOf(MainWindow());
+  const Point at = Cell(cell);
+  // The corner of the highlight, where no icon is.
+  return player->Pixel(origin.x + at.x - 31, origin.y + at.y - 17) == 0;
+}
+
+void FrontEnd::SelectCell(int cell) {
+  if (!IsSelected(cell)) ClickCell(cell);
+}
+
+bool FrontEnd::HasIcon(int cell) {
+  constexpr unsigned long kWhite = 0xffffff;
+  const Point origin = OriginOf(MainWindow());
+  const Point at = Cell(cell);
+  for (int i = -15; i <= 15; i++) {
+    // Both diagonals: a line of an icon crosses one of them.
+    if (player->Pixel(origin.x + at.x + i, origin.y + at.y + i) != kWhite) return true;
+    if (player->Pixel(origin.x + at.x + i, origin.y + at.y - i) != kWhite) return true;
+  }
+  return false;
+}
+
+Window FrontEnd::TabBar(Window editor) {
+  return WaitChild(editor, 16, 100);
+}
+
+Window FrontEnd::TabField(Window editor) {
+  return WaitChild(TabBar(editor), 16, 40);
+}
+
+void FrontEnd::ClickTab(Window editor, int type) {
+  int x = 8;
+  for (int i = 0; i < type; i++) x += LabelWidth(kTabs[i]) + 16;
+  ClickIn(TabBar(editor), x + 4, ItemHeight() / 2);
+}
+
+void FrontEnd::AddCommand(Window editor, CommandType type, const std::string& text) {
+  ClickTab(editor, type);
+  if (type == kHotKey) {
+    Enter(TabField(editor));
+    Chord(XK_Control_L, static_cast<KeySym>(static_cast<unsigned char>(text.back())));
+  } else {
+    Fill(TabField(editor), text);
+  }
+  const Window bar = TabBar(editor);
+  const Box box = BoxOf(bar);
+  ClickChild(bar, box.width - 216, box.height - 32);
+}
+
+void FrontEnd::ClickCommand(Window editor, int line) {
+  const Window list = WaitChild(editor, 16, BoxOf(TabBar(editor)).height + 124);
+  ClickIn(list, 40, 4 + line * TextHeight() + TextHeight() / 2);
+}
+
+void FrontEnd::ChooseSymbol(int index) {
+  const Window dialog = WaitDialog();
+  const Window chooser = WaitChild(dialog, 4, kLogoHeight + 8);
+  const int cell = 32 + 2 * TextHeight() + 8;
+  const Point at = {8 + kCellWidth * (index % 4), cell * (index / 4) + 8};
+  const Point origin = OriginOf(chooser);
+  const auto selected = [&] { return player->Pixel(origin.x + at.x + 1, origin.y + at.y) == 0; };
+  OutwaitDoubleClick();
+  // It looks the symbols up when it comes on the screen, and may still show an earlier choice.
+  EXPECT_TRUE(WaitFor([&] {
+    if (selected()) return true;
+    ClickIn(chooser, at.x + 36, at.y + 16);
+    return WaitFor(selected, std::chrono::seconds(1));
+  })) << "no symbol is selected";
+  DialogLeft();
+}
+
+void FrontEnd::MakeSymbol(const std::string& name, const std::vector<Point>& corners,
+                          const std::vector<Point>& pixels) {
+  Choose(Title::kSymbol, kSymbolNew);
+  const Window editor = WaitShown("SymbolEditor");
+  const Window area = WaitChild(editor, 16, 100);
+  const Point origin = OriginOf(area);
+  for (const Point& corner : corners) {
+    ClickIn(area, corner.x, corner.y);
+    EXPECT_TRUE(WaitFor([&] {
+      return player->Pixel(origin.x + corner.x - 3, origin.y + corner.y - 3) == 0;
+    })) << "no square at the corner";
+  }
+  ClickIn(area, corners.back().x, corners.back().y);
+
+  const auto press_next_step = [&] {
+    const Window now = WaitChild(editor, 400, 414);
+    ClickChild(editor, 400, 414);
+    EXPECT_TRUE(WaitFor([&] {
+      const Window next = ChildAt(editor, 400, 414);
+      return next != 0 && next != now;
+    })) << "the step does not change";
+  };
+  press_next_step();
+  for (const Point& pixel : pixels) {
+    const Point at = {13 + 8 * pixel.x + 3, 13 + 8 * pixel.y + 3};
+    const unsigned long before = player->Pixel(origin.x + at.x, origin.y + at.y);
+    ClickIn(area, at.x, at.y);
+    EXPECT_TRUE(WaitFor([&] { return player->Pixel(origin.x + at.x, origin.y + at.y) != before; }))
+        << "the icon's pixel does not turn";
+  }
+  press_next_step();
+  Replace(WaitChild(editor, 16, 100), name);
+  ClickChild(editor, 400, 414);
+  EXPECT_TRUE(WaitHidden("SymbolEditor"));
+}
+
+std::string FrontEnd::SymbolFile(const std::string& name) const {
+  return *install / "symbols/" + name + GromlitSymbolFileExt;
+}
+
+std::string FrontEnd::PluginFile(const std::string& classname) const {
+  return *install / "plugins/" + classname + GromlitPluginFileExt;
+}
+
+}  // namespace gromlit::testing

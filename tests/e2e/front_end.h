@@ -1,0 +1,134 @@
+// Hands and eyes of a user in front of the built program: its windows by name, its widgets by their
+// place, its menus by title and row.
+//
+// Nothing here reads the program's memory. A widget is a child window that is found where the
+// window has it; before a press the pointer must be over that very window, so that a press never
+// goes to something that lies on top of it.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tests/e2e/shell_run.h"
+
+namespace gromlit::testing {
+
+struct Box {
+  int x;  // of the window's inside: root pixels, or pixels of the parent
+  int y;
+  int width;
+  int height;
+};
+
+// The titles of the main window's menu bar and the rows of their menus.
+enum class Title { kPlugIn, kAction, kSymbol, kOptions, kHelp };
+enum PlugInRow { kPlugInNew, kPlugInEdit, kPlugInDelete, kPlugInDownload, kPlugInUpload, kExit };
+enum ActionRow { kActionNew, kActionEdit, kActionDelete, kActionExport };
+enum SymbolRow { kSymbolNew, kSymbolEdit, kSymbolDelete };
+enum OptionsRow { kPreferences };
+enum HelpRow { kHelpIndex, kHelpAbout };
+enum PopupRow {
+  kPopupCut,
+  kPopupCopy,
+  kPopupPaste,
+  kPopupDelete,
+  kPopupEdit,
+  kPopupExport,
+  kPopupNew,
+  kPopupEditSymbol
+};
+
+class FrontEnd : public ShellRun {
+ protected:
+  void SetUp() override;
+
+  // --- Finding ---
+
+  // The program's top-level window with this name part of the class hint; 0 when it is not shown.
+  Window Shown(const std::string& name);
+  // The same, waited for; fails the test when it does not come up.
+  Window WaitShown(const std::string& name);
+  bool WaitHidden(const std::string& name);
+  bool Viewable(Window window);
+  std::vector<Window> Children(Window window);
+  Box BoxOf(Window window);       // in its parent
+  Point OriginOf(Window window);  // on the screen
+  // The viewable child whose inside starts at (x, y) of its parent; 0 when there is none.
+  Window ChildAt(Window parent, int x, int y);
+  // The same, waited for; fails the test when there is none.
+  Window WaitChild(Window parent, int x, int y);
+
+  // Override-redirect windows on the screen.
+  std::vector<Window> Overlays();
+  // The dialog, or the menu, that is open; 0 when none is.
+  Window Dialog();
+  Window Menu();
+  Window WaitDialog();
+  bool WaitNoDialog();
+
+  // --- Doing ---
+
+  // Puts the pointer over a point of a window; false, with the test failed, when something else
+  // stays in front of it.
+  bool Over(Window window, int x, int y);
+  void ClickIn(Window window, int x, int y, int button = 1);
+  // Clicks on the button at this place, and waits until it has gone down and come up.
+  void ClickChild(Window parent, int x, int y);
+  // Puts the pointer into a text field and waits until the field has the keyboard.
+  void Enter(Window field);
+  void Chord(KeySym held, KeySym key);
+  void TypeText(const std::string& text);
+  void Fill(Window field, const std::string& text);     // into an empty field
+  void Replace(Window field, const std::string& text);  // of what it holds
+
+  // Chooses an entry of the menu bar by press, drag and release; `main` is the main window.
+  void Choose(Title title, int row);
+  // Chooses from the popup over a cell of the main window's grid.
+  void ChoosePopup(int cell, int row);
+  // Chooses a row of a pulldown button's menu.
+  void ChoosePulldown(Window button, int row);
+  // The left and the right button of the open dialog; return when it has gone.
+  void DialogLeft();
+  void DialogRight();
+
+  // --- The windows ---
+
+  Window PluginButton();     // of the main window
+  void ClickCell(int cell);  // of the main window's grid, once, no double click
+  // Lets the time pass in which a click would be the second one of a double click.
+  void OutwaitDoubleClick();
+  void SelectCell(int cell);  // clicks when it is not selected
+  bool IsSelected(int cell);
+  bool HasIcon(int cell);  // whether the grid shows something there
+  Point Cell(int cell);    // its place in the main window
+  void ClickTab(Window editor, int type);
+  Window TabBar(Window editor);
+  Window TabField(Window editor);
+  // Adds a command on a tab of the action editor.
+  void AddCommand(Window editor, CommandType type, const std::string& text);
+  void ClickCommand(Window editor, int line);
+  // Chooses in the open symbol dialog and leaves it with OK.
+  void ChooseSymbol(int index);
+  // Draws a symbol in the symbol editor, turns the icon's pixels given as (column, row), and saves.
+  void MakeSymbol(const std::string& name, const std::vector<Point>& corners,
+                  const std::vector<Point>& pixels = {});
+
+  std::string SymbolFile(const std::string& name) const;
+  std::string PluginFile(const std::string& classname) const;
+  std::string OptionsFile() const { return *install / "options/default.user"; }
+
+  // Heights and widths of the program's fonts, pixels.
+  int TextHeight();
+  int ItemHeight();  // of a row in a menu
+  int LabelWidth(const std::string& text);
+
+ private:
+  XFontStruct* Font(const char* name);
+  void GoToRow(Window menu, int row, int above);
+  void ReleaseOnRow(Window menu, int row, int above);
+
+  XFontStruct* txt_ = nullptr;
+  XFontStruct* label_ = nullptr;
+};
+
+}  // namespace gromlit::testing
