@@ -20,7 +20,8 @@
 namespace gromlit {
 namespace {
 
-// Class text of the program's own main window: strokes on it never ask for a plug-in.
+// Class text of the program's main window, here and in another instance. Strokes on it and on the
+// program's other windows never ask for a plug-in.
 constexpr std::string_view kOwnClass = "Gromlit.Application";
 
 using Clock = std::chrono::steady_clock;
@@ -73,6 +74,7 @@ class Capture {
   GromlitDraw* draw_;
   const XButtonEvent press_;  // its time goes with every call, so that none acts on a newer grab
   const long mask_;           // events of the widened grab
+  bool own_ = false;          // the press is on one of the program's own windows
   Window mwin_ = None;        // click target
   Window kwin_ = None;        // key target
   int winx_ = 0;              // pointer in the target
@@ -102,6 +104,8 @@ void Capture::FindTargets() {
     return;
   }
   const Window userapp = GetXApp(press_.subwindow, cname_);
+  // A window manager's frame is not ours, but the window in it may be.
+  own_ = IsOwnWindow(press_.subwindow) || (userapp != None && IsOwnWindow(userapp));
   if (userapp == None) return;
   mwin_ = GetXAppClick(userapp, &winx_, &winy_);
   // Second, so that its position wins where both searches find a window.
@@ -198,7 +202,7 @@ void Capture::Release(const XButtonEvent& release) {
     SendClick();
   } else if (headplugin_ != nullptr) {
     Recognise(headplugin_->plugin);
-  } else if (cname_.data() != kOwnClass &&
+  } else if (!own_ && cname_.data() != kOwnClass &&
              FindNewPlugin(draw_->app, cname_.data(), release.x_root, release.y_root) != 0) {
     Recognise(DefaultPlugin);
   }

@@ -163,6 +163,20 @@ TEST_F(GromlitDrawTest, UnknownApplicationIsOfferedAPluginAtTheReleaseAndThenSer
   EXPECT_FALSE(Viewable(app->dlog->window));
 }
 
+TEST_F(GromlitDrawTest, StrokeOnAnOwnDialogNeitherAsksForAPluginNorActs) {
+  MakeShowing(DefaultPlugin);
+  Make("Below", "b");
+  HideMain();
+  PopUpDialog(app->newdlog, "New Plugin", 800, 150);
+  Pump();
+  for (int i = 0; i < 2; i++) {
+    DrawRight();
+    EXPECT_FALSE(Viewable(app->dlog->window));
+    EXPECT_FALSE(Acted());
+  }
+  DialogNo(app->newdlog);
+}
+
 TEST_F(GromlitDrawTest, ClickOnAWindowWithoutANameReachesNobody) {
   Make(nullptr, nullptr);
   player->MoveTo(750, 150);
