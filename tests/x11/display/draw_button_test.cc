@@ -23,7 +23,7 @@ class DrawButtonTest : public testing::XFixture {
   }
   void TearDown() override {
     // The grab ends with the connection; the module's own record is made to forget it.
-    if (GrabbedDrawButton() != 0) forgotten_.push_back(new DrawButtonLifted);
+    if (GrabbedDrawButton() != 0) Forgotten().push_back(new DrawButtonLifted);
     XFixture::TearDown();
   }
   // Presses the button; whether the program's grab caught it (else the other client got it).
@@ -48,10 +48,12 @@ class DrawButtonTest : public testing::XFixture {
   }
 
   Window window_ = 0;
-  static std::vector<DrawButtonLifted*> forgotten_;  // never destroyed: their grabs are gone
+  // Never destroyed, as their grabs are gone; reachable to the end.
+  static std::vector<DrawButtonLifted*>& Forgotten() {
+    static auto* const forgotten = new std::vector<DrawButtonLifted*>;
+    return *forgotten;
+  }
 };
-
-std::vector<DrawButtonLifted*> DrawButtonTest::forgotten_;
 
 TEST_F(DrawButtonTest, MotionMaskOfEachButton) {
   EXPECT_EQ(ButtonToMotionMask(1), 0x100);
