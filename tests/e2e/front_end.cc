@@ -31,6 +31,12 @@ void FrontEnd::SetUp() {
   label_ = Font(buttonFontname);
 }
 
+void FrontEnd::TearDown() {
+  for (XFontStruct* font : {txt_, label_})
+    if (font != nullptr) XFreeFont(player->display(), font);
+  ShellRun::TearDown();
+}
+
 XFontStruct* FrontEnd::Font(const char* name) {
   XFontStruct* font = XLoadQueryFont(player->display(), name);
   if (font == nullptr) font = XLoadQueryFont(player->display(), "fixed");
@@ -193,6 +199,19 @@ bool FrontEnd::WaitNoDialog() {
   return WaitFor([&] { return Dialog() == 0; });
 }
 
+std::string FrontEnd::Look(Window window) {
+  const Box box = BoxOf(window);
+  const Point origin = OriginOf(window);
+  std::string look;
+  XImage* image = XGetImage(player->display(), player->root(), origin.x, origin.y,
+                            static_cast<unsigned>(box.width), static_cast<unsigned>(box.height),
+                            AllPlanes, ZPixmap);
+  if (image == nullptr) return look;
+  look.assign(image->data, static_cast<size_t>(image->bytes_per_line * image->height));
+  XDestroyImage(image);
+  return look;
+}
+
 // --- Doing --------------------------------------------------------------------------------------
 
 bool FrontEnd::Over(Window window, int x, int y) {
@@ -225,6 +244,14 @@ bool FrontEnd::Over(Window window, int x, int y) {
                   << origin.x + x << ", " << origin.y + y << ")";
   }
   return over;
+}
+
+bool FrontEnd::PassOver(Window application, const std::function<bool()>& shown) {
+  return WaitFor([&] {
+    if (Over(application, 20, 250) && WaitFor(shown, std::chrono::seconds(1))) return true;
+    player->MoveTo(1, 1);
+    return false;
+  });
 }
 
 void FrontEnd::ClickIn(Window window, int x, int y, int button) {

@@ -6,6 +6,7 @@
 // goes to something that lies on top of it.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -41,6 +42,7 @@ enum PopupRow {
 class FrontEnd : public ShellRun {
  protected:
   void SetUp() override;
+  void TearDown() override;
 
   // --- Finding ---
 
@@ -66,11 +68,17 @@ class FrontEnd : public ShellRun {
   Window WaitDialog();
   bool WaitNoDialog();
 
+  // The pixels of a window, as they are on the screen.
+  std::string Look(Window window);
+
   // --- Doing ---
 
   // Puts the pointer over a point of a window; false, with the test failed, when something else
   // stays in front of it.
   bool Over(Window window, int x, int y);
+  // Passes over an application until the main window shows what it is expected to. The program may
+  // not follow the pointer into every window yet when it has just started.
+  bool PassOver(Window application, const std::function<bool()>& shown);
   void ClickIn(Window window, int x, int y, int button = 1);
   // Clicks on the button at this place, and waits until it has gone down and come up.
   void ClickChild(Window parent, int x, int y);

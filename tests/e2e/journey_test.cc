@@ -148,8 +148,8 @@ class JourneyTest : public testing::FrontEnd {
   // Shows the application's actions in the main window, by passing over the application, and
   // selects the first one.
   void SelectAction() {
-    Over(probe_->window(), 20, 250);
-    EXPECT_TRUE(WaitFor([this] { return HasIcon(0); })) << "the main window shows no action";
+    EXPECT_TRUE(PassOver(probe_->window(), [this] { return HasIcon(0); }))
+        << "the main window shows no action";
     SelectCell(0);
   }
   Window ActionEditor() { return WaitShown("ActionEditor"); }

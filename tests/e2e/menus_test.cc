@@ -1,0 +1,338 @@
+// The main window's menus on the built program, entry by entry, and the dialogs behind them.
+#include "tests/e2e/front_end.h"
+
+#include "core/plugin_files.h"
+
+namespace gromlit {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::Box;
+using testing::Exists;
+using testing::kDown;
+using testing::kRight;
+using testing::Point;
+using testing::ProbeClient;
+using testing::ReadText;
+using testing::Title;
+using testing::WaitFor;
+
+constexpr const char* kClass = "Probe.probe";
+const std::vector<Point> kDrawRight = {{920, 200}, {1120, 200}};
+
+// The parameter is the window manager; empty for none.
+class MenusTest : public testing::FrontEnd, public ::testing::WithParamInterface<const char*> {
+ protected:
+  void SetUp() override {
+    FrontEnd::SetUp();
+    if (*GetParam() != '\0') StartWindowManager(GetParam());
+    probe_ = std::make_unique<ProbeClient>(
+        install->path(), std::vector<std::string>{"--class", "Probe", "probe", "--geometry",
+                                                  "340x300+880+80", "--title", "Probe"});
+  }
+  void TearDown() override {
+    if (HasFailure()) {
+      if (const char* directory = std::getenv("GROMLIT_SCREENSHOTS"))
+        testing::SaveScreen(player->display(), std::string(directory) + "/menus-failed.png");
+    }
+    FrontEnd::TearDown();
+  }
+  void Open() {
+    LaunchInstalled({.environment = {"RECORDER_FILE=" + *install / "recorded"}});
+    ASSERT_NE(WaitShown("Application"), Window{0});
+  }
+  // A plug-in of the probe with two actions, shown in the main window.
+  void OpenWithPlugin() {
+    WritePlugin(kClass, {{"right", kRight, {Touch("right")}}, {"down", kDown, {Touch("down")}}});
+    Open();
+    ASSERT_TRUE(PassOver(probe_->window(), [this] { return HasName(0); }));
+  }
+  // Whether there is a name below a cell.
+  bool HasName(int cell) {
+    const Point origin = OriginOf(MainWindow());
+    const Point at = Cell(cell);
+    for (int y = 18; y < 18 + TextHeight(); y++)
+      for (int x = -20; x <= 20; x++)
+        if (player->Pixel(origin.x + at.x + x, origin.y + at.y + y) == 0) return true;
+    return false;
+  }
+  GromlitPlugin Header() {
+    GromlitPlugin plugin{};
+    const std::string name = std::string(kClass) + GromlitPluginFileExt;
+    EXPECT_NE(ReadPluginHeader(name.c_str(), &plugin), nullptr);
+    return plugin;
+  }
+  int StoredActions() {
+    auto plugin = std::make_unique<GromlitPlugin>();
+    const std::string name = std::string(kClass) + GromlitPluginFileExt;
+    EXPECT_NE(ReadPluginActions(name.c_str(), plugin.get()), nullptr);
+    const int count = plugin->nactions;
+    for (int i = 0; i < count; i++) {
+      for (uint32_t j = 0; j < plugin->actions[i]->ncmds; j++) {
+        std::free(plugin->actions[i]->cmds[j]->text);
+        delete plugin->actions[i]->cmds[j];
+      }
+      delete plugin->actions[i];
+    }
+    return count;
+  }
+  bool HasActions(int count) {
+    return WaitFor([&] { return StoredActions() == count; });
+  }
+  bool Records(const std::string& text) {
+    return WaitFor([&] { return ReadText(*install / "recorded").find(text) != std::string::npos; });
+  }
+  // Leaves an editor or the preferences by Cancel, which all have at the same place.
+  void Cancel(const std::string& name) {
+    const Window window = WaitShown(name);
+    const Box box = BoxOf(window);
+    ClickChild(window, box.width - 80, box.height - 40);
+    EXPECT_TRUE(WaitHidden(name));
+  }
+
+  std::unique_ptr<ProbeClient> probe_;
+};
+
+TEST_P(MenusTest, PlugInEditChangesTheNameAndNotTheClass) {
+  OpenWithPlugin();
+  const std::string former = Look(PluginButton());
+  Choose(Title::kPlugIn, testing::kPlugInEdit);
+  const Window dialog = WaitDialog();
+  Window field = 0;
+  ASSERT_TRUE(WaitFor([&] {
+    for (const Window child : Children(dialog))
+      if (Viewable(child) && BoxOf(child).width > 64) field = child;
+    return field != 0;
+  }));
+  Replace(field, "My probe");
+  DialogLeft();
+  EXPECT_TRUE(WaitFor([this] { return std::string(Header().appname) == "My probe"; }))
+      << Header().appname;
+  EXPECT_STREQ(Header().classname, kClass);
+  EXPECT_EQ(StoredActions(), 2);
+  // The pulldown button, bare again and with the pointer back from the application, says it.
+  ASSERT_TRUE(WaitNoDialog());
+  ASSERT_TRUE(PassOver(probe_->window(), [this] { return HasName(0); }));
+  EXPECT_TRUE(WaitFor([&] { return Look(PluginButton()) != former; }));
+  // It still serves its application.
+  Draw(kDrawRight);
+  EXPECT_TRUE(Appears("right"));
+}
+
+TEST_P(MenusTest, ThePulldownShowsThePlugInChosen) {
+  OpenWithPlugin();
+  // Both plug-ins are listed; only one has actions.
+  std::string shown;
+  for (int row = 0; row < 2; row++) {
+    ChoosePulldown(PluginButton(), row);
+    // A dialog over the window, opened and closed: the choice was worked off before it.
+    Choose(Title::kHelp, testing::kHelpAbout);
+    DialogRight();
+    shown += HasName(0) ? 'p' : 'd';
+  }
+  EXPECT_EQ(shown, "dp");
+}
+
+TEST_P(MenusTest, PlugInEditIsLeftByCancelWithoutAChange) {
+  OpenWithPlugin();
+  const std::string before = ReadText(PluginFile(kClass));
+  Choose(Title::kPlugIn, testing::kPlugInEdit);
+  DialogRight();
+  EXPECT_EQ(ReadText(PluginFile(kClass)), before);
+}
+
+TEST_P(MenusTest, PlugInDeleteAsksAndNoKeepsTheFile) {
+  OpenWithPlugin();
+  Choose(Title::kPlugIn, testing::kPlugInDelete);
+  DialogRight();
+  EXPECT_EQ(StoredActions(), 2);
+  Draw(kDrawRight);
+  EXPECT_TRUE(Appears("right"));
+}
+
+TEST_P(MenusTest, PlugInDeleteRemovesTheFileAndShowsTheDefault) {
+  OpenWithPlugin();
+  Choose(Title::kPlugIn, testing::kPlugInDelete);
+  DialogLeft();
+  EXPECT_TRUE(WaitFor([this] { return !Exists(PluginFile(kClass)); }));
+  EXPECT_TRUE(WaitFor([this] { return !HasName(0); }));
+}
+
+TEST_P(MenusTest, ExitAsksAndNoLeavesEverything) {
+  OpenWithPlugin();
+  Choose(Title::kPlugIn, testing::kExit);
+  DialogRight();
+  Draw(kDrawRight);
+  EXPECT_TRUE(Appears("right"));
+  EXPECT_TRUE(gromlit->Running());
+}
+
+TEST_P(MenusTest, ExitEndsTheProgramWithStatusZero) {
+  Open();
+  Choose(Title::kPlugIn, testing::kExit);
+  const Box box = BoxOf(WaitDialog());
+  ClickChild(WaitDialog(), box.width - 144, box.height - 32);
+  EXPECT_EQ(gromlit->Wait(), 0);
+}
+
+TEST_P(MenusTest, PlugInNewMakesOneForTheApplicationClickedOn) {
+  Open();
+  Choose(Title::kPlugIn, testing::kPlugInNew);
+  const std::vector<Window> before = Overlays();
+  DialogLeft();
+  ASSERT_TRUE(WaitFor([&] {
+    const std::vector<Window> now = Overlays();
+    return std::any_of(now.begin(), now.end(), [&](Window window) {
+      return std::find(before.begin(), before.end(), window) == before.end();
+    });
+  }));
+  ClickIn(probe_->window(), 150, 150);
+  ASSERT_TRUE(WaitFor([this] { return Exists(PluginFile(kClass)); }));
+  EXPECT_STREQ(Header().appname, kClass);
+  EXPECT_STREQ(Header().classname, kClass);
+  EXPECT_EQ(StoredActions(), 0);
+  EXPECT_TRUE(probe_->Lines("Button").empty()) << "the click went to the application";
+}
+
+TEST_P(MenusTest, PlugInNewIsLeftByNoWithoutAPlugIn) {
+  Open();
+  Choose(Title::kPlugIn, testing::kPlugInNew);
+  DialogRight();
+  EXPECT_TRUE(PointerBecomesFree());
+  EXPECT_EQ(NamesIn(*install / "plugins"), std::vector<std::string>{"Default.sla"});
+}
+
+TEST_P(MenusTest, DownloadUploadAndHelpOpenTheirPages) {
+  Open();
+  Choose(Title::kPlugIn, testing::kPlugInDownload);
+  EXPECT_TRUE(Records("/s.smart?x=1&d=1&s=5&sv=5&sl=1&pl=1&ol=1&o=0&sva=1&svb=2&c=\"]"));
+  Choose(Title::kPlugIn, testing::kPlugInUpload);
+  EXPECT_TRUE(Records("/upload/plugin?\"]"));
+  Choose(Title::kHelp, testing::kHelpIndex);
+  EXPECT_TRUE(Records("\"file:" + install->path() + "/help/index.html\"]"));
+}
+
+TEST_P(MenusTest, AboutIsShownUntilOk) {
+  Open();
+  Choose(Title::kHelp, testing::kHelpAbout);
+  DialogRight();
+  EXPECT_EQ(Dialog(), Window{0});
+}
+
+TEST_P(MenusTest, ActionNewAndExportOpenTheActionEditor) {
+  OpenWithPlugin();
+  for (const int row : {testing::kActionNew, testing::kActionExport}) {
+    Choose(Title::kAction, row);
+    Cancel("ActionEditor");
+  }
+  EXPECT_EQ(StoredActions(), 2);
+}
+
+TEST_P(MenusTest, ActionEditNeedsASelection) {
+  OpenWithPlugin();
+  Choose(Title::kAction, testing::kActionEdit);
+  // What comes next is worked off after it.
+  Choose(Title::kHelp, testing::kHelpAbout);
+  DialogRight();
+  EXPECT_EQ(Shown("ActionEditor"), Window{0});
+  SelectCell(1);
+  Choose(Title::kAction, testing::kActionEdit);
+  Cancel("ActionEditor");
+}
+
+TEST_P(MenusTest, ActionDeleteRemovesTheSelectedActionAtOnce) {
+  OpenWithPlugin();
+  SelectCell(0);
+  Choose(Title::kAction, testing::kActionDelete);
+  EXPECT_TRUE(HasActions(1));
+  EXPECT_TRUE(WaitFor([this] { return !HasName(1); }));
+  EXPECT_TRUE(IsSelected(0)) << "the next one takes its place";
+}
+
+TEST_P(MenusTest, DoubleClickOpensTheActionEditor) {
+  OpenWithPlugin();
+  OutwaitDoubleClick();
+  const Point at = Cell(0);
+  ASSERT_TRUE(Over(MainWindow(), at.x, at.y));
+  player->Click(1);
+  player->Click(1);
+  Cancel("ActionEditor");
+  EXPECT_EQ(StoredActions(), 2);
+}
+
+TEST_P(MenusTest, ButtonThreeOverTheGridOpensThePopup) {
+  OpenWithPlugin();
+  SelectCell(0);
+  ChoosePopup(0, testing::kPopupCut);
+  EXPECT_TRUE(HasActions(1));
+  ChoosePopup(0, testing::kPopupPaste);
+  EXPECT_TRUE(HasActions(2));
+  SelectCell(0);
+  ChoosePopup(0, testing::kPopupCopy);
+  ChoosePopup(0, testing::kPopupPaste);
+  EXPECT_TRUE(HasActions(3));
+  ChoosePopup(0, testing::kPopupDelete);
+  EXPECT_TRUE(HasActions(2));
+}
+
+TEST_P(MenusTest, ThePopupsOtherEntriesOpenTheirWindows) {
+  OpenWithPlugin();
+  SelectCell(0);
+  for (const int row : {testing::kPopupEdit, testing::kPopupExport, testing::kPopupNew}) {
+    ChoosePopup(0, row);
+    Cancel("ActionEditor");
+    // On its way out of the editor the pointer may have been over other applications.
+    ASSERT_TRUE(PassOver(probe_->window(), [this] { return HasName(0); }));
+    SelectCell(0);
+  }
+  ChoosePopup(0, testing::kPopupEditSymbol);
+  DialogRight();
+}
+
+TEST_P(MenusTest, SymbolNewOpensTheEditorAndTheOthersTheChooser) {
+  Open();
+  Choose(Title::kSymbol, testing::kSymbolNew);
+  Cancel("SymbolEditor");
+  Choose(Title::kSymbol, testing::kSymbolEdit);
+  DialogRight();
+  Choose(Title::kSymbol, testing::kSymbolDelete);
+  DialogRight();
+  // OK without a choice edits a new symbol.
+  Choose(Title::kSymbol, testing::kSymbolEdit);
+  DialogLeft();
+  Cancel("SymbolEditor");
+}
+
+TEST_P(MenusTest, PreferencesOpenAndCancelStoresNothing) {
+  Open();
+  const std::string before = ReadText(OptionsFile());
+  Choose(Title::kOptions, testing::kPreferences);
+  const Window window = WaitShown("Preferences");
+  Replace(WaitChild(window, 16, TextHeight() + 140), "9");
+  Cancel("Preferences");
+  EXPECT_EQ(ReadText(OptionsFile()), before);
+}
+
+TEST_P(MenusTest, AnApplicationWithoutAPlugInIsOfferedOneOnce) {
+  WritePlugin("Default", {{"right", kRight, {Touch("default")}}});
+  Open();
+  Draw(kDrawRight);
+  DialogRight();
+  EXPECT_FALSE(Exists(MarkFile("default")));
+  Draw(kDrawRight);
+  EXPECT_TRUE(Appears("default"));
+  EXPECT_EQ(Dialog(), Window{0});
+}
+
+TEST_P(MenusTest, TheOffersYesOpensTheDownloadPageOfTheClass) {
+  Open();
+  Draw(kDrawRight);
+  DialogLeft();
+  EXPECT_TRUE(Records("&c=" + std::string(kClass) + "\"]"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Alone, MenusTest, ::testing::Values(""));
+INSTANTIATE_TEST_SUITE_P(Openbox, MenusTest, ::testing::Values("openbox"));
+
+}  // namespace
+}  // namespace gromlit
