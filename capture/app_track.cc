@@ -36,7 +36,9 @@ void GromlitAppTrackEnter(void*, XEvent* event) {
   if (event->xcrossing.mode == NotifyGrab || editingPlugin != 0) return;
   std::array<char, kClassBuffer> cname{};
   const Window entered = GetXApp(event->xcrossing.window, cname);
-  if (entered == None || entered == app->window) return;
+  // The program's own windows are found inside a window manager's frames. On the way to one of them
+  // the main window must keep what its menus are about to act on.
+  if (entered == None || (entered != root && IsOwnWindow(entered))) return;
   int updated = 0;
   UpdateGromlitApp(app, cname.data(), &updated);
   if (updated != 0) DrawGromlitApp(app);

@@ -11,7 +11,7 @@ namespace gromlit {
 void CreateAppTrack();
 
 // EnterNotify: shows the plug-in of the application that was entered. Nothing while an action is
-// being edited, for crossings that a grab causes, and for the program's own main window.
+// being edited, for crossings that a grab causes, and for the program's own windows.
 void GromlitAppTrackEnter(void* obj, XEvent* event);
 
 // CreateNotify: asks for crossings of another client's new top-level window.

@@ -68,8 +68,10 @@ void DisclaimWindow(Window window) {
 
 bool IsOwnWindow(Window window) {
   const std::vector<Window>& claimed = ClaimedWindows();
-  return std::find(claimed.begin(), claimed.end(), window) != claimed.end() ||
-         HasWindowObj(window) != nullptr;
+  if (std::find(claimed.begin(), claimed.end(), window) != claimed.end()) return true;
+  // The default entry, which stands for the windows of all others, has no owner.
+  const WindowObj* entry = HasWindowObj(window);
+  return entry != nullptr && entry->obj != nullptr;
 }
 
 WindowObj* FindWindowObj(Window window) {

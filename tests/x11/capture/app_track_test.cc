@@ -15,6 +15,7 @@
 #include "core/option_files.h"
 #include "display/x_errors.h"
 #include "display/x_handles.h"
+#include "toolkit/dialog.h"
 #include "toolkit/pulldown_button.h"
 
 namespace gromlit {
@@ -198,6 +199,22 @@ TEST_F(AppTrackTest, FrameOfTheOwnMainWindowKeepsWhatIsShown) {
   Make(700, 100, "Edit", "edit");
   const Window frame = Make(0, 0, nullptr, nullptr);
   XReparentWindow(player->display(), app->window, frame, 0, 20);
+  XSync(player->display(), False);
+  Follow();
+  MovePointer(750, 150);
+  ASSERT_EQ(app->plugin, edit);
+  Enter(frame, NotifyNormal);
+  EXPECT_EQ(app->plugin, edit);
+}
+
+TEST_F(AppTrackTest, FrameOfAnotherOwnWindowKeepsWhatIsShown) {
+  // What the menus act on must not change on the way to one of the program's editors.
+  Make(700, 100, "Edit", "edit");
+  const Window frame = Make(0, 400, nullptr, nullptr);
+  static const char* const kLines[] = {"A line.", nullptr};
+  XDialog* dlog = MakeMsgDialog("Title", kLines, 100, 50);
+  XSync(dpy, False);  // the other client knows the window from here on
+  XReparentWindow(player->display(), dlog->window, frame, 0, 20);
   XSync(player->display(), False);
   Follow();
   MovePointer(750, 150);
