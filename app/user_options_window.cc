@@ -36,7 +36,6 @@ constexpr int kCommandWidth = 300;
 constexpr int kHelpLinesX = 332;
 
 constexpr const char* kHelpFile = "help/preferences.html";
-constexpr const char* kButtonInUse = "Drawing Button used by another application.";
 constexpr const char* kNotSaved = "The preferences hold until Gromlit ends, but were not saved.";
 
 const char* const UserOptionMsgs[] = {
@@ -217,7 +216,7 @@ void optClickSave(void*) {
   ReadFields(opt);
   const bool granted = PutInForce(opt->usr);
   if (!granted) {
-    std::printf("%s\n", kButtonInUse);
+    std::printf("%s\n", kDrawButtonTaken);
     std::fflush(stdout);
   }
   const bool saved = SaveUserOptions(user, defaultOptionFile) != 0;
@@ -227,7 +226,7 @@ void optClickSave(void*) {
     return;
   }
   std::string told;
-  if (!granted) told = kButtonInUse;
+  if (!granted) told = kDrawButtonTaken;
   if (saved) {
     ShowFailure(told.c_str());
     return;

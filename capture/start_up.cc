@@ -75,7 +75,7 @@ void MakeResources() {
 
 void GrabDrawButtonOrExit() {
   if (GrabDrawButton(EffectiveButton(user))) return;
-  std::printf("%s", kDrawButtonTaken);
+  std::printf("%s\n", kDrawButtonTaken);
   std::exit(0);
 }
 

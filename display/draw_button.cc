@@ -72,7 +72,7 @@ DrawButtonLifted::DrawButtonLifted() : button_(grabbed) {
 
 DrawButtonLifted::~DrawButtonLifted() {
   if (button_ == 0) return;
-  if (!GrabDrawButton(button_)) std::printf("%s", kDrawButtonTaken);
+  if (!GrabDrawButton(button_)) std::printf("%s\n", kDrawButtonTaken);
 }
 
 }  // namespace gromlit

@@ -10,8 +10,8 @@
 
 namespace gromlit {
 
-// What is printed when another client holds the draw button.
-inline constexpr const char* kDrawButtonTaken = "Drawing Button used by another application.\n";
+// What is told, as a line of its own, when another client holds the draw button.
+inline constexpr const char* kDrawButtonTaken = "Drawing Button used by another application.";
 
 // Motion mask of a mouse button 1..5; any other value gives button 3's.
 long ButtonToMotionMask(int button);
