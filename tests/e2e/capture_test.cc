@@ -49,6 +49,13 @@ class CaptureTest : public testing::GromlitRun, public ::testing::WithParamInter
                           &child);
     return origin;
   }
+  // A stroke to the right marks the start and, two seconds later, the end of its action.
+  Action SlowAction() const {
+    std::vector<Command> commands = {Touch("started")};
+    commands.insert(commands.end(), 8, {kRun, "system:wait"});
+    commands.push_back(Touch("ended"));
+    return {"slow", kRight, commands};
+  }
   std::string ButtonLine(const char* type, Point root, Window window, unsigned state, bool sent) {
     const Point origin = Origin(window);
     char line[200];
@@ -180,18 +187,7 @@ TEST_P(CaptureTest, SecondButtonAbandonsTheStroke) {
 }
 
 TEST_P(CaptureTest, PressesWhileAnActionWaitsFreezeNothing) {
-  WritePlugin("Probe.probe", {{"slow",
-                               kRight,
-                               {Touch("started"),
-                                {kRun, "system:wait"},
-                                {kRun, "system:wait"},
-                                {kRun, "system:wait"},
-                                {kRun, "system:wait"},
-                                {kRun, "system:wait"},
-                                {kRun, "system:wait"},
-                                {kRun, "system:wait"},
-                                {kRun, "system:wait"},
-                                Touch("ended")}}});
+  WritePlugin("Probe.probe", {SlowAction()});
   const auto probe = StartProbe();
   StartGromlit();
   DrawOnly(kDrawRight);
@@ -296,18 +292,7 @@ TEST_P(CaptureTest, TrailSwitchesToTheFullScreenNearItsLeftAndTopEdge) {
 }
 
 TEST_P(CaptureTest, TrailStaysUntilTheActionHasRun) {
-  WritePlugin("Probe.probe", {{"slow",
-                               kRight,
-                               {Touch("started"),
-                                {kRun, "system:wait"},
-                                {kRun, "system:wait"},
-                                {kRun, "system:wait"},
-                                {kRun, "system:wait"},
-                                {kRun, "system:wait"},
-                                {kRun, "system:wait"},
-                                {kRun, "system:wait"},
-                                {kRun, "system:wait"},
-                                Touch("ended")}}});
+  WritePlugin("Probe.probe", {SlowAction()});
   const auto probe = StartProbe();
   StartGromlit();
   DrawOnly(kDrawRight);
