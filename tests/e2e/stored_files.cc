@@ -1,0 +1,22 @@
+#include "tests/e2e/stored_files.h"
+
+#include <gtest/gtest.h>
+
+#include "core/gromlit.h"
+#include "tests/support/temp_install.h"
+#include "tests/support/x_server.h"
+
+namespace gromlit::testing {
+
+nlohmann::json ShowFile(const std::string& path) {
+  // The installation directory of the running test has a place for what the tool prints.
+  const std::string output = std::string(GromlitPath) + "/shown.json";
+  const int status =
+      Process({std::string(GROMLIT_BUILD) + "/gromlit-tool", "show", path}, output).Wait();
+  const std::string text = ReadText(output);
+  EXPECT_EQ(status, 0) << text;
+  if (status != 0) return nullptr;
+  return nlohmann::json::parse(text);
+}
+
+}  // namespace gromlit::testing
