@@ -4,14 +4,13 @@
 
 #include <X11/keysym.h>
 
-#include "core/option_files.h"
-#include "core/plugin_files.h"
-#include "core/symbol_files.h"
 #include "recognition/symbol_icon.h"
+#include "tests/e2e/stored_files.h"
 
 namespace gromlit {
 namespace {
 
+using Json = nlohmann::json;
 namespace fs = std::filesystem;
 using testing::Exists;
 using testing::kEll;
@@ -19,6 +18,7 @@ using testing::kRight;
 using testing::Point;
 using testing::ProbeClient;
 using testing::ReadText;
+using testing::ShowFile;
 using testing::Title;
 using testing::WaitFor;
 
@@ -27,6 +27,38 @@ constexpr const char* kClass = "Probe.probe";
 // Strokes over the probe, which match the shapes L and "to the right".
 const std::vector<Point> kDrawEll = {{940, 150}, {940, 300}, {1090, 300}};
 const std::vector<Point> kDrawRight = {{920, 200}, {1120, 200}};
+
+// The types of the six commands after their order was changed.
+constexpr const char* kNewOrder = "Menu HotKey Sound Run Text Internet";
+
+// Points as gromlit-tool shows them.
+Json Points(const std::vector<Point>& points) {
+  Json list = Json::array();
+  for (const Point& point : points) list.push_back({point.x, point.y});
+  return list;
+}
+
+// The icon that is drawn from a shape, as gromlit-tool shows it.
+Json IconOf(const std::vector<Point>& corners) {
+  GromlitSymbol sym{};
+  for (const Point& corner : corners) {
+    sym.npoints++;
+    sym.x[sym.npoints] = static_cast<int16_t>(corner.x);
+    sym.y[sym.npoints] = static_cast<int16_t>(corner.y);
+  }
+  VectorToBitmap(&sym);
+  Json rows = Json::array();
+  for (int y = 0; y < kIconSize; y++) {
+    std::string row;
+    for (int x = 0; x < kIconSize; x++) row += iconGet(&sym, x, y) != 0 ? '#' : '.';
+    rows.push_back(row);
+  }
+  return rows;
+}
+
+char& At(Json& icon, int x, int y) {
+  return icon[static_cast<size_t>(y)].get_ref<std::string&>()[static_cast<size_t>(x)];
+}
 
 class JourneyTest : public testing::FrontEnd {
  public:
@@ -75,43 +107,15 @@ class JourneyTest : public testing::FrontEnd {
 
   // --- What is stored ---
 
-  GromlitUserOptions StoredOptions() {
-    GromlitUserOptions options{};
-    if (GromlitUserOptions* read = LoadUserOptions("default.user")) {
-      options = *read;
-      delete read;
-    }
-    return options;
-  }
-  struct Stored {
-    GromlitPlugin plugin{};
-    ~Stored() {
-      for (int i = 0; i < plugin.nactions; i++) {
-        for (uint32_t j = 0; j < plugin.actions[i]->ncmds; j++) {
-          std::free(plugin.actions[i]->cmds[j]->text);
-          delete plugin.actions[i]->cmds[j];
-        }
-        delete plugin.actions[i];
-      }
-    }
-  };
-  std::unique_ptr<Stored> StoredPlugin() {
-    auto stored = std::make_unique<Stored>();
-    const std::string name = std::string(kClass) + GromlitPluginFileExt;
-    EXPECT_NE(ReadPluginActions(name.c_str(), &stored->plugin), nullptr);
-    return stored;
-  }
-  // The types of an action's commands, as digits in their order.
-  static std::string Types(const GromlitAction& action) {
+  Json Options() { return ShowFile(OptionsFile()); }
+  Json Plugin() { return ShowFile(PluginFile(kClass)); }
+  size_t Actions() { return Plugin()["actions"].size(); }
+  // The types of an action's commands, in their order.
+  static std::string Types(const Json& action) {
     std::string types;
-    for (uint32_t j = 0; j < action.ncmds; j++)
-      types += static_cast<char>('0' + action.cmds[j]->type);
+    for (const Json& command : action["commands"])
+      types += (types.empty() ? "" : " ") + command["type"].get<std::string>();
     return types;
-  }
-  static std::vector<Point> Corners(const GromlitSymbol& symbol) {
-    std::vector<Point> corners;
-    for (int k = 1; k <= symbol.npoints; k++) corners.push_back({symbol.x[k], symbol.y[k]});
-    return corners;
   }
   // Every file below the three directories, with its bytes.
   std::string Everything() {
@@ -168,29 +172,27 @@ void JourneyTest::SetSoundAndBrowserCommands() {
   Picture("preferences");
   Ok(window);
   ASSERT_TRUE(WaitHidden("Preferences"));
-  const GromlitUserOptions options = StoredOptions();
-  EXPECT_STREQ(options.sndcmd, "recorder sound %s");
-  EXPECT_STREQ(options.urlcmd, "recorder url %s");
-  EXPECT_EQ(options.splash, 0);
-  EXPECT_EQ(options.button, 3);
+  const Json options = Options();
+  EXPECT_EQ(options["sndcmd"], "recorder sound %s");
+  EXPECT_EQ(options["urlcmd"], "recorder url %s");
+  EXPECT_EQ(options["splash"], 0);
+  EXPECT_EQ(options["button"], 3);
 }
 
 void JourneyTest::MakeTwoSymbols() {
   MakeSymbol("Ell", kEll, {{20, 5}, {0, 3}});
   MakeSymbol("Bar", kRight);
   EXPECT_EQ(NamesIn(*install / "symbols"), (std::vector<std::string>{"Bar.sls", "Ell.sls"}));
-  const std::unique_ptr<GromlitSymbol> ell(LoadSymbol("Ell", GromlitSymbolFileExt));
-  ASSERT_NE(ell, nullptr);
-  EXPECT_STREQ(ell->name, "Ell");
-  EXPECT_EQ(Corners(*ell), kEll);
+  const Json ell = ShowFile(SymbolFile("Ell"));
+  EXPECT_EQ(ell["name"], "Ell");
+  EXPECT_EQ(ell["points"], Points(kEll));
   // One pixel was set and one of the vector's taken away.
-  GromlitSymbol drawn = *ell;
-  for (uint32_t& row : drawn.icon) row = 0;
-  VectorToBitmap(&drawn);
-  ASSERT_NE(iconGet(&drawn, 0, 3), 0);
-  iconClr(&drawn, 0, 3);
-  iconSet(&drawn, 20, 5);
-  for (int row = 0; row < kIconSize; row++) EXPECT_EQ(ell->icon[row], drawn.icon[row]) << row;
+  Json icon = IconOf(kEll);
+  ASSERT_EQ(At(icon, 0, 3), '#');
+  At(icon, 0, 3) = '.';
+  ASSERT_EQ(At(icon, 20, 5), '.');
+  At(icon, 20, 5) = '#';
+  EXPECT_EQ(ell["icon"], icon);
 }
 
 void JourneyTest::MakeThePlugIn() {
@@ -206,10 +208,10 @@ void JourneyTest::MakeThePlugIn() {
   }));
   ClickIn(probe_->window(), 150, 150);
   ASSERT_TRUE(WaitFor([this] { return Exists(PluginFile(kClass)); }));
-  const auto stored = StoredPlugin();
-  EXPECT_STREQ(stored->plugin.classname, kClass);
-  EXPECT_STREQ(stored->plugin.appname, kClass);
-  EXPECT_EQ(stored->plugin.nactions, 0);
+  const Json stored = Plugin();
+  EXPECT_EQ(stored["classname"], kClass);
+  EXPECT_EQ(stored["appname"], kClass);
+  EXPECT_TRUE(stored["actions"].empty());
 }
 
 void JourneyTest::MakeAnActionOfAllTypes() {
@@ -229,19 +231,20 @@ void JourneyTest::MakeAnActionOfAllTypes() {
   Ok(editor);
   ASSERT_TRUE(WaitHidden("ActionEditor"));
 
-  const auto stored = StoredPlugin();
-  ASSERT_EQ(stored->plugin.nactions, 1);
-  const GromlitAction& action = *stored->plugin.actions[0];
-  EXPECT_STREQ(action.name, "Everything");
-  EXPECT_STREQ(action.sym.name, "Ell");
-  EXPECT_EQ(Corners(action.sym), kEll);
-  ASSERT_EQ(Types(action), "012345");
-  EXPECT_STREQ(action.cmds[0]->text, "Control-s");
-  EXPECT_STREQ(action.cmds[1]->text, "f");
-  EXPECT_STREQ(action.cmds[2]->text, "Hi");
-  EXPECT_STREQ(action.cmds[3]->text, "ding.wav");
-  EXPECT_EQ(action.cmds[4]->text, "touch " + MarkFile("ran"));
-  EXPECT_STREQ(action.cmds[5]->text, "example.org");
+  const Json stored = Plugin()["actions"];
+  ASSERT_EQ(stored.size(), 1u);
+  const Json& action = stored[0];
+  EXPECT_EQ(action["name"], "Everything");
+  EXPECT_EQ(action["symbol"]["name"], "Ell");
+  EXPECT_EQ(action["symbol"]["points"], Points(kEll));
+  ASSERT_EQ(Types(action), "HotKey Menu Text Sound Run Internet");
+  const Json& commands = action["commands"];
+  EXPECT_EQ(commands[0]["text"], "Control-s");
+  EXPECT_EQ(commands[1]["text"], "f");
+  EXPECT_EQ(commands[2]["text"], "Hi");
+  EXPECT_EQ(commands[3]["text"], "ding.wav");
+  EXPECT_EQ(commands[4]["text"], "touch " + MarkFile("ran"));
+  EXPECT_EQ(commands[5]["text"], "example.org");
 }
 
 void JourneyTest::DrawAndSeeAllSixAct() {
@@ -281,12 +284,12 @@ void JourneyTest::ChangeOrderAndSymbol() {
   Ok(editor);
   ASSERT_TRUE(WaitHidden("ActionEditor"));
 
-  const auto stored = StoredPlugin();
-  ASSERT_EQ(stored->plugin.nactions, 1);
-  EXPECT_EQ(Types(*stored->plugin.actions[0]), "103425");
-  EXPECT_STREQ(stored->plugin.actions[0]->name, "Everything");
-  EXPECT_STREQ(stored->plugin.actions[0]->sym.name, "Bar");
-  EXPECT_EQ(Corners(stored->plugin.actions[0]->sym), kRight);
+  const Json stored = Plugin()["actions"];
+  ASSERT_EQ(stored.size(), 1u);
+  EXPECT_EQ(Types(stored[0]), kNewOrder);
+  EXPECT_EQ(stored[0]["name"], "Everything");
+  EXPECT_EQ(stored[0]["symbol"]["name"], "Bar");
+  EXPECT_EQ(stored[0]["symbol"]["points"], Points(kRight));
 
   // The new shape acts, in the new order; the old one does not any more.
   FocusProbe();
@@ -306,12 +309,12 @@ void JourneyTest::CopyAndDeleteAnAction() {
   SelectAction();
   ChoosePopup(0, testing::kPopupCopy);
   ChoosePopup(0, testing::kPopupPaste);
-  ASSERT_TRUE(WaitFor([this] { return StoredPlugin()->plugin.nactions == 2; }));
+  ASSERT_TRUE(WaitFor([this] { return Actions() == 2; }));
   Choose(Title::kAction, testing::kActionDelete);
-  ASSERT_TRUE(WaitFor([this] { return StoredPlugin()->plugin.nactions == 1; }));
-  const auto stored = StoredPlugin();
-  EXPECT_STREQ(stored->plugin.actions[0]->name, "Everything");
-  EXPECT_EQ(Types(*stored->plugin.actions[0]), "103425");
+  ASSERT_TRUE(WaitFor([this] { return Actions() == 1; }));
+  const Json stored = Plugin()["actions"];
+  EXPECT_EQ(stored[0]["name"], "Everything");
+  EXPECT_EQ(Types(stored[0]), kNewOrder);
   // The copy acts in the place of the deleted one.
   FocusProbe();
   fs::remove(MarkFile("ran"));
@@ -327,12 +330,12 @@ void JourneyTest::ChangePreferences() {
   Replace(WaitChild(window, 16, TextHeight() + 140), "7");
   Ok(window);
   ASSERT_TRUE(WaitHidden("Preferences"));
-  const GromlitUserOptions options = StoredOptions();
-  EXPECT_EQ(options.button, 2);
-  EXPECT_EQ(options.tolerance, 4);
-  EXPECT_EQ(options.sensitivity, 7);
-  EXPECT_EQ(options.splash, 0);
-  EXPECT_STREQ(options.sndcmd, "recorder sound %s");
+  const Json options = Options();
+  EXPECT_EQ(options["button"], 2);
+  EXPECT_EQ(options["tolerance"], 4);
+  EXPECT_EQ(options["sensitivity"], 7);
+  EXPECT_EQ(options["splash"], 0);
+  EXPECT_EQ(options["sndcmd"], "recorder sound %s");
   // The other button draws at once.
   FocusProbe();
   fs::remove(MarkFile("ran"));
@@ -364,7 +367,7 @@ void JourneyTest::FindEverythingAfterARestart() {
 void JourneyTest::DeleteEverything() {
   SelectAction();
   Choose(Title::kAction, testing::kActionDelete);
-  EXPECT_TRUE(WaitFor([this] { return StoredPlugin()->plugin.nactions == 0; }));
+  EXPECT_TRUE(WaitFor([this] { return Actions() == 0; }));
   Choose(Title::kPlugIn, testing::kPlugInDelete);
   DialogLeft();
   EXPECT_TRUE(WaitFor([this] { return !Exists(PluginFile(kClass)); }));

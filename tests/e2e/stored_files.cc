@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "core/gromlit.h"
 #include "tests/support/temp_install.h"
 #include "tests/support/x_server.h"
@@ -11,6 +13,7 @@ namespace gromlit::testing {
 nlohmann::json ShowFile(const std::string& path) {
   // The installation directory of the running test has a place for what the tool prints.
   const std::string output = std::string(GromlitPath) + "/shown.json";
+  std::filesystem::remove(output);  // it would be appended to
   const int status =
       Process({std::string(GROMLIT_BUILD) + "/gromlit-tool", "show", path}, output).Wait();
   const std::string text = ReadText(output);
