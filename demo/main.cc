@@ -1,18 +1,20 @@
-// Gromlit's main job, shown on a virtual display: strokes are drawn over other clients' windows,
-// and what the actions did is looked at from outside.
+// Gromlit's main job, shown on a virtual display: the main window follows the pointer, strokes are
+// drawn over other clients' windows, and what came of it is looked at from outside.
 //
 //   gromlit-demo BUILD SOURCE OUT
 //
 // BUILD holds the programs and the starter library, SOURCE the demo's own files; pictures go to
-// OUT. One line per stroke. Status 0 when every action was seen, 1 when one was not, 2 when the
-// stage could not be set.
+// OUT. One line per move and per stroke. Status 0 when all was seen that should be, 1 when
+// something was not, 2 when the stage could not be set.
 #include <X11/keysym.h>
 
 #include <cstdio>
 #include <filesystem>
+#include <map>
 #include <memory>
 
 #include "demo/desk.h"
+#include "demo/shown_plugin.h"
 #include "tests/support/temp_install.h"
 
 namespace gromlit::demo {
@@ -24,6 +26,9 @@ using testing::Process;
 using testing::ReadText;
 using testing::WaitFor;
 using testing::XServer;
+
+// Nothing is there but the root window.
+constexpr Area kBareDesktop{1110, 400, 150, 200};
 
 [[noreturn]] void GiveUp(const std::string& why) {
   std::fprintf(stderr, "gromlit-demo: %s\n", why.c_str());
@@ -122,9 +127,12 @@ class Demo {
   void LookAtTheTrail(const Point& drawn, unsigned long before);
   void Judge(const std::string& what, const Expectation& expectation);
   Expectation ProbeGets(const std::vector<std::string>& lines, const std::string& what);
+  const std::vector<Icon>& IconsOf(const std::string& plugin);
+  Expectation MainWindowShows(const std::string& plugin);
   void HideMainWindow();
   void Picture(const std::string& name) { testing::SaveScreen(display(), out_ + "/" + name); }
 
+  void FollowThePointer();
   void EditorStrokes();
   void ProbeStrokes();
   void TerminalStrokes();
@@ -144,7 +152,9 @@ class Demo {
   Window terminal_ = None;
   Window stranger_ = None;
   size_t probe_read_ = 0;  // bytes of the probe's lines that earlier strokes account for
-  int strokes_ = 0;
+  std::map<std::string, std::vector<Icon>> icons_;  // by the plug-in's file name
+  std::map<std::string, std::string> captions_;     // seen while the plug-in was shown
+  int checks_ = 0;
   int failures_ = 0;
 };
 
@@ -256,7 +266,7 @@ bool Demo::TrailIsMapped() {
 }
 
 void Demo::Judge(const std::string& what, const Expectation& expectation) {
-  strokes_++;
+  checks_++;
   std::string seen;
   const bool good =
       WaitFor([&] { return expectation.look(&seen); }) && WaitFor([&] { return !TrailIsMapped(); });
@@ -265,7 +275,7 @@ void Demo::Judge(const std::string& what, const Expectation& expectation) {
     // What came instead is no part of what the next stroke gives.
     probe_read_ = ReadText(scratch_ / "probe.events").size();
   }
-  std::printf("%-6s %2d  %s: expected %s; saw %s\n", good ? "ok" : "FAILED", strokes_, what.c_str(),
+  std::printf("%-6s %2d  %s: expected %s; saw %s\n", good ? "ok" : "FAILED", checks_, what.c_str(),
               expectation.expected.c_str(), seen.c_str());
   std::fflush(stdout);
 }
@@ -319,6 +329,75 @@ Expectation Demo::ProbeGets(const std::vector<std::string>& lines, const std::st
             probe_read_ = at;
             return true;
           }};
+}
+
+const std::vector<Icon>& Demo::IconsOf(const std::string& plugin) {
+  const auto known = icons_.find(plugin);
+  if (known != icons_.end()) return known->second;
+  const std::string output = scratch_ / "shown-" + plugin;
+  const std::string file = scratch_ / "gromlit/plugins/" + plugin + ".sla";
+  if (RunTool({build_ + "/gromlit-tool", "show", file}, output) != 0) GiveUp(ReadText(output));
+  return icons_[plugin] = IconsOfActions(ReadText(output));
+}
+
+// That the main window shows the icons of this plug-in's actions and no others, below a caption
+// that no other plug-in had, and that is the same every time.
+Expectation Demo::MainWindowShows(const std::string& plugin) {
+  const std::vector<Icon>& icons = IconsOf(plugin);
+  const auto number = [](size_t count) {
+    return std::to_string(count) + (count == 1 ? " action" : " actions");
+  };
+  const auto known = captions_.find(plugin);
+  const std::string caption = known != captions_.end() ? known->second : "";
+  const std::string wanted = caption.empty() ? "a caption of its own" : "its caption as before";
+  return {"plug-in " + plugin + " in the main window, with the icons of its " +
+              number(icons.size()) + " and " + wanted,
+          [=, this, &icons, before = std::string()](std::string* seen) mutable {
+            const ShownPlugin shown = LookAtMainWindow(display(), gromlit_);
+            *seen = number(shown.icons.size());
+            *seen += shown.icons == icons ? ", its icons" : ", not its icons";
+            bool right = !shown.caption.empty() && (caption.empty() || shown.caption == caption);
+            for (const auto& [other, others] : captions_)
+              right = right && (other == plugin || others != shown.caption);
+            *seen += right ? ", " + wanted : ", another caption";
+            // Two looks in a row: the first may have come in the middle of the drawing.
+            const bool still = shown.caption == before;
+            before = shown.caption;
+            if (!still || !right || shown.icons != icons || !shown.menus) return false;
+            captions_[plugin] = shown.caption;
+            return true;
+          }};
+}
+
+void Demo::FollowThePointer() {
+  const auto enter = [this](Window window) {
+    const Point at = AreaOf(display(), window).At(0.5, 0.7);
+    player_->MoveTo(at.x, at.y);
+  };
+  // The main window is on the screen a moment before it follows: until then nothing is judged.
+  const Expectation ready = MainWindowShows("FeatherPad.featherpad");
+  WaitFor(
+      [&] {
+        enter(terminal_);
+        enter(editor_);
+        std::string ignored;
+        return WaitFor([&] { return ready.look(&ignored); }, std::chrono::seconds(1));
+      },
+      std::chrono::seconds(30));
+
+  enter(terminal_);
+  Judge("the pointer goes into xterm", MainWindowShows("XTerm.xterm"));
+  enter(probe_);
+  Judge("the pointer goes into the probe", MainWindowShows("Probe.probe"));
+  Picture("follows.png");
+  player_->MoveTo(kBareDesktop.x, kBareDesktop.y);
+  Judge("the pointer goes onto the desktop", MainWindowShows("Desktop"));
+  enter(stranger_);
+  Judge("the pointer goes into an application without a plug-in", MainWindowShows("Default"));
+  enter(editor_);
+  Judge("the pointer goes into FeatherPad", MainWindowShows("FeatherPad.featherpad"));
+  enter(terminal_);
+  Judge("the pointer comes back to xterm", MainWindowShows("XTerm.xterm"));
 }
 
 void Demo::EditorStrokes() {
@@ -383,8 +462,7 @@ void Demo::TerminalStrokes() {
 }
 
 void Demo::DesktopStrokes() {
-  // Nothing is there but the root window.
-  const Area bare{1110, 400, 150, 200};
+  const Area& bare = kBareDesktop;
   Stroke("a line to the right over the desktop (opens a page)",
          {bare.At(0.1, 0.3), bare.At(0.9, 0.3)},
          {"the browser asked for the redirection to www.example.org",
@@ -421,6 +499,13 @@ void Demo::StrangerStrokes() {
     *seen = there ? "the main window" : "no main window";
     return there;
   };
+  const auto drawn = [this, shown](std::string* seen) {
+    if (!shown(seen)) return false;
+    const ShownPlugin plugin = LookAtMainWindow(display(), gromlit_);
+    const bool whole = plugin.menus && plugin.icons == IconsOf("Default");
+    *seen += whole ? " with that plug-in" : ", something else in it";
+    return whole;
+  };
   // The first stroke over an application without a plug-in is at most answered with an offer to
   // make one, where the stroke ends; later ones, drawn beside that offer, use the default plug-in.
   Stroke("a first line up over an application without a plug-in",
@@ -431,19 +516,21 @@ void Demo::StrangerStrokes() {
             return !WaitFor([&] { return shown(seen); }, std::chrono::milliseconds(500));
           }});
   Stroke("a second line up over the same application (shows Gromlit's window)",
-         {area.At(0.15, 0.9), area.At(0.15, 0.2)}, {"the main window on the screen", shown});
+         {area.At(0.15, 0.9), area.At(0.15, 0.2)},
+         {"the main window with the default plug-in on the screen", drawn});
 }
 
 int Demo::Run() {
   SetTheStage();
   Picture("start.png");
+  FollowThePointer();
   EditorStrokes();
   ProbeStrokes();
   TerminalStrokes();
   DesktopStrokes();
   StrangerStrokes();
   Picture("end.png");
-  if (failures_ == 0) std::printf("all %d strokes did what they should; ", strokes_);
+  if (failures_ == 0) std::printf("all %d moves and strokes did what they should; ", checks_);
   if (failures_ != 0) std::printf("%d FAILED; ", failures_);
   std::printf("pictures are in %s\n", out_.c_str());
   return failures_ == 0 ? 0 : 1;
