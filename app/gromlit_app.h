@@ -56,6 +56,7 @@ struct GromlitApp {
   int validcut;           // non-zero when `cut` holds an action
   XMenu* popup;           // menu of button 3
   PluginMenus* menus;     // windows of the plug-in menu; made and used by MakePluginsMenu
+  unsigned long lifted;   // request that took the plug-in menu from under the pointer; 0 for none
 };
 
 extern GromlitApp* app;

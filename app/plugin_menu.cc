@@ -70,7 +70,12 @@ void UpdatePluginsMenu() {
 
 void MenuMore(XMenu*, void*) {}
 
-void SelectPlugin(XMenu*, void* plugin) {
+void SelectPlugin(XMenu* menu, void* plugin) {
+  if (menu != nullptr) {
+    // Before drawing: whatever the pointer enters from the next request on, it was moved there.
+    app->lifted = NextRequest(dpy);
+    PullUpMenu(menu);
+  }
   UpdateGromlitApp(app, static_cast<GromlitPlugin*>(plugin)->classname, nullptr);
   DrawGromlitApp(app);
 }

@@ -34,6 +34,8 @@ void CreateAppTrack() {
 
 void GromlitAppTrackEnter(void*, XEvent* event) {
   if (event->xcrossing.mode == NotifyGrab || editingPlugin != 0) return;
+  // A plug-in was chosen from a menu that lay over this window: it would not be shown even once.
+  if (app->lifted != 0 && event->xcrossing.serial == app->lifted) return;
   std::array<char, kClassBuffer> cname{};
   const Window entered = GetXApp(event->xcrossing.window, cname);
   // The program's own windows are found inside a window manager's frames. On the way to one of them

@@ -189,6 +189,30 @@ Window FrontEnd::Menu() {
   return 0;
 }
 
+Window FrontEnd::MenuBeside(Window menu) {
+  const Box box = BoxOf(menu);
+  for (const Window window : Overlays()) {
+    const Box other = BoxOf(window);
+    if (other.x == box.x + box.width && other.y == box.y) return window;
+  }
+  return 0;
+}
+
+int FrontEnd::Rows(Window menu) {
+  return (BoxOf(menu).height - 6) / ItemHeight();
+}
+
+Window FrontEnd::DialogField() {
+  const Window dialog = WaitDialog();
+  Window field = 0;
+  EXPECT_TRUE(WaitFor([&] {
+    for (const Window child : Children(dialog))
+      if (Viewable(child) && BoxOf(child).width > kButtonWidth) field = child;
+    return field != 0;
+  })) << "no field in the dialog";
+  return field;
+}
+
 Window FrontEnd::WaitDialog() {
   Window dialog = 0;
   EXPECT_TRUE(WaitFor([&] { return (dialog = Dialog()) != 0; })) << "no dialog";
@@ -316,19 +340,21 @@ void FrontEnd::Replace(Window field, const std::string& text) {
   TypeText(text);
 }
 
-// Moves to a row of an open menu until it is highlighted. `above` is by how many pixels the menu
-// takes the pointer to be higher than it is.
 void FrontEnd::GoToRow(Window menu, int row, int above) {
   const Point origin = OriginOf(menu);
   const int top = row * ItemHeight();
   constexpr unsigned long kWhite = 0xffffff;
-  int x = 12;
+  // Of a menu at the screen's right edge there may be few pixels.
+  const int edge = DisplayWidth(player->display(), DefaultScreen(player->display())) - 1;
+  const int far = std::min(13, edge - origin.x);
+  int x = far;
   EXPECT_TRUE(WaitFor([&] {
     // The menu's grab may come later than its window; only then does it see the pointer move.
-    x = 25 - x;
+    x = 2 * far - 1 - x;
     player->MoveTo(origin.x + x, origin.y + above + 4 + top + ItemHeight() / 2);
-    return WaitFor([&] { return player->Pixel(origin.x + 5, origin.y + top + 2) == kWhite; },
-                   std::chrono::milliseconds(200));
+    return WaitFor(
+        [&] { return player->Pixel(origin.x + std::min(5, far), origin.y + top + 2) == kWhite; },
+        std::chrono::milliseconds(200));
   })) << "row "
       << row << " is not highlighted";
 }
@@ -364,12 +390,16 @@ void FrontEnd::ChoosePopup(int cell, int row) {
   EXPECT_TRUE(WaitFor([&] { return !Viewable(menu); })) << "the popup stays open";
 }
 
-void FrontEnd::ChoosePulldown(Window button, int row) {
-  if (!Over(button, 12, 12)) return;
+Window FrontEnd::PressPulldown(Window button) {
+  if (!Over(button, 12, 12)) return 0;
   player->Press(1);
   Window menu = 0;
   EXPECT_TRUE(WaitFor([&] { return (menu = Menu()) != 0; })) << "no pulldown menu";
-  ReleaseOnRow(menu, row, 0);
+  return menu;
+}
+
+void FrontEnd::ChoosePulldown(Window button, int row) {
+  if (const Window menu = PressPulldown(button)) ReleaseOnRow(menu, row);
 }
 
 void FrontEnd::DialogLeft() {
@@ -433,6 +463,15 @@ bool FrontEnd::HasIcon(int cell) {
     if (player->Pixel(origin.x + at.x + i, origin.y + at.y + i) != kWhite) return true;
     if (player->Pixel(origin.x + at.x + i, origin.y + at.y - i) != kWhite) return true;
   }
+  return false;
+}
+
+bool FrontEnd::HasName(int cell) {
+  const Point origin = OriginOf(MainWindow());
+  const Point at = Cell(cell);
+  for (int y = 18; y < 18 + TextHeight(); y++)
+    for (int x = -20; x <= 20; x++)
+      if (player->Pixel(origin.x + at.x + x, origin.y + at.y + y) == 0) return true;
   return false;
 }
 

@@ -65,8 +65,13 @@ class FrontEnd : public ShellRun {
   // The dialog, or the menu, that is open; 0 when none is.
   Window Dialog();
   Window Menu();
+  // The menu that an item of this one has opened; 0 when none is open beside it.
+  Window MenuBeside(Window menu);
+  int Rows(Window menu);
   Window WaitDialog();
   bool WaitNoDialog();
+  // The text field of the open dialog.
+  Window DialogField();
 
   // The pixels of a window, as they are on the screen.
   std::string Look(Window window);
@@ -93,6 +98,13 @@ class FrontEnd : public ShellRun {
   void Choose(Title title, int row);
   // Chooses from the popup over a cell of the main window's grid.
   void ChoosePopup(int cell, int row);
+  // Presses a pulldown button and holds it; the menu that opens.
+  Window PressPulldown(Window button);
+  // Moves to a row of an open menu until it is highlighted. `above` is by how many pixels the menu
+  // takes the pointer to be higher than it is.
+  void GoToRow(Window menu, int row, int above = 0);
+  // The same, and lets the button go there; returns when the menu has gone.
+  void ReleaseOnRow(Window menu, int row, int above = 0);
   // Chooses a row of a pulldown button's menu.
   void ChoosePulldown(Window button, int row);
   // The left and the right button of the open dialog; return when it has gone.
@@ -108,6 +120,7 @@ class FrontEnd : public ShellRun {
   void SelectCell(int cell);  // clicks when it is not selected
   bool IsSelected(int cell);
   bool HasIcon(int cell);  // whether the grid shows something there
+  bool HasName(int cell);  // or a name below that
   Point Cell(int cell);    // its place in the main window
   void ClickTab(Window editor, int type);
   Window TabBar(Window editor);
@@ -132,8 +145,6 @@ class FrontEnd : public ShellRun {
 
  private:
   XFontStruct* Font(const char* name);
-  void GoToRow(Window menu, int row, int above);
-  void ReleaseOnRow(Window menu, int row, int above);
 
   XFontStruct* txt_ = nullptr;
   XFontStruct* label_ = nullptr;

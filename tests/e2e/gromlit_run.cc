@@ -98,7 +98,7 @@ std::vector<std::string> ProbeClient::Wait(size_t n, const std::string& start) c
 }
 
 void GromlitRun::SetUp() {
-  server = std::make_unique<XServer>();
+  if (server == nullptr) server = std::make_unique<XServer>();
   install = std::make_unique<TempInstall>();
   player = std::make_unique<Player>(server->name());
   XSetErrorHandler(IgnoreError);  // the test looks at windows of others that may just be gone
@@ -122,9 +122,10 @@ void GromlitRun::TearDown() {
   server.reset();
 }
 
-void GromlitRun::WritePlugin(const std::string& classname, const std::vector<Action>& actions) {
+void GromlitRun::WritePlugin(const std::string& classname, const std::vector<Action>& actions,
+                             const std::string& appname) {
   GromlitPlugin plugin{};
-  CopyText(plugin.appname, classname);
+  CopyText(plugin.appname, appname.empty() ? classname : appname);
   CopyText(plugin.classname, classname);
   for (const Action& from : actions) {
     auto* action = new GromlitAction{};

@@ -71,8 +71,10 @@ class GromlitRun : public ::testing::Test {
   void SetUp() override;
   void TearDown() override;
 
-  // Writes a plug-in of this class into the installation directory.
-  void WritePlugin(const std::string& classname, const std::vector<Action>& actions);
+  // Writes a plug-in of this class into the installation directory; its name is the class unless
+  // another one is given.
+  void WritePlugin(const std::string& classname, const std::vector<Action>& actions,
+                   const std::string& appname = "");
   // Options for a run without a splash; `change` may alter them.
   void WriteOptions(int button = 3, int sensitivity = 4);
 

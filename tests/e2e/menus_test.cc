@@ -47,15 +47,6 @@ class MenusTest : public testing::FrontEnd, public ::testing::WithParamInterface
     Open();
     ASSERT_TRUE(PassOver(probe_->window(), [this] { return HasName(0); }));
   }
-  // Whether there is a name below a cell.
-  bool HasName(int cell) {
-    const Point origin = OriginOf(MainWindow());
-    const Point at = Cell(cell);
-    for (int y = 18; y < 18 + TextHeight(); y++)
-      for (int x = -20; x <= 20; x++)
-        if (player->Pixel(origin.x + at.x + x, origin.y + at.y + y) == 0) return true;
-    return false;
-  }
   GromlitPlugin Header() {
     GromlitPlugin plugin{};
     const std::string name = std::string(kClass) + GromlitPluginFileExt;
@@ -97,14 +88,7 @@ TEST_P(MenusTest, PlugInEditChangesTheNameAndNotTheClass) {
   OpenWithPlugin();
   const std::string former = Look(PluginButton());
   Choose(Title::kPlugIn, testing::kPlugInEdit);
-  const Window dialog = WaitDialog();
-  Window field = 0;
-  ASSERT_TRUE(WaitFor([&] {
-    for (const Window child : Children(dialog))
-      if (Viewable(child) && BoxOf(child).width > 64) field = child;
-    return field != 0;
-  }));
-  Replace(field, "My probe");
+  Replace(DialogField(), "My probe");
   DialogLeft();
   EXPECT_TRUE(WaitFor([this] { return std::string(Header().appname) == "My probe"; }))
       << Header().appname;

@@ -223,6 +223,37 @@ TEST_F(AppTrackTest, FrameOfAnotherOwnWindowKeepsWhatIsShown) {
   EXPECT_EQ(app->plugin, edit);
 }
 
+TEST_F(AppTrackTest, PluginChosenFromAMenuOverAnApplicationIsShownUntilThePointerGoesOn) {
+  // Below the main window's lower edge, where the last rows of a long menu are.
+  Make(0, app->height + 10, "Edit", "edit");
+  const GromlitPlugin* chosen = nullptr;
+  for (int i = 0; i < 18; i++) {
+    const GromlitPlugin* plugin = Plugin("P", "Class" + std::to_string(i), 1);
+    if (i == 0) chosen = plugin;
+  }
+  UpdatePluginsMenu();
+  Follow();
+  const XMenu* menu = app->txt->menu;
+  int row = 0;
+  while (menu->items[row]->arg != chosen) row++;
+  MovePointer(200, app->icony - 14);
+  player->Press(1);
+  Pump();
+  const int below = menu->y + 4 + row * menu->itemheight + 4;
+  ASSERT_GT(below, app->height + 10);
+  MovePointer(menu->x + 20, below);
+  player->Release(1);
+  Pump();
+  EXPECT_FALSE(Viewable(menu->window));
+  EXPECT_EQ(app->plugin, chosen);
+  MovePointer(menu->x + 21, below);
+  EXPECT_EQ(app->plugin, chosen) << "nothing new was entered";
+  MoveOut();
+  EXPECT_EQ(app->plugin, DefaultPlugin);
+  MovePointer(menu->x + 21, below);
+  EXPECT_EQ(app->plugin, edit);
+}
+
 TEST_F(AppTrackTest, WindowThatIsGoneChangesNothing) {
   const Window window = Make(700, 100, "Edit", "edit");
   Follow();
