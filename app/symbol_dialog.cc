@@ -3,10 +3,27 @@
 #include "app/dialogs.h"
 #include "app/symbol_editor.h"
 #include "app/symbol_library.h"
+#include "core/strings.h"
 #include "display/display.h"
 #include "toolkit/image.h"
 
 namespace gromlit {
+namespace {
+
+// The library's record of a symbol: the same one or, when it was saved anew in the meantime, the
+// one that took its name. Null when it is gone.
+const GromlitSymbol* InLibrary(const GromlitSymbol* sym) {
+  const GromlitSymbol* namesake = nullptr;
+  for (const auto* node = allSymbols; node != nullptr && node->sym != nullptr; node = node->next) {
+    if (node->sym == sym) return sym;
+    if (namesake == nullptr && FieldText(node->sym->name) == FieldText(sym->name)) {
+      namesake = node->sym;
+    }
+  }
+  return namesake;
+}
+
+}  // namespace
 
 XDialog* symselect = nullptr;
 
@@ -45,7 +62,9 @@ void YesDeleteSymbol(XDialog* dlog) {
 
 void ConfirmDeleteSymbol(XDialog* dlog) {
   DialogYes(dlog);
-  const auto* sym = static_cast<GromlitSymbol*>(dlog->arg);
+  if (dlog->arg == nullptr) return;
+  // A record that is no longer listed would lose its file and stay in the library under its name.
+  const GromlitSymbol* sym = InLibrary(static_cast<GromlitSymbol*>(dlog->arg));
   if (sym == nullptr) return;
   RemoveSymbol(sym, sym->name);
   SymbolDisplay* sd = SymbolChooser();

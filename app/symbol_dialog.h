@@ -32,8 +32,9 @@ void YesEditSymbol(XDialog* dlog);
 // when none is chosen.
 void YesDeleteSymbol(XDialog* dlog);
 
-// "Yes" to that question: closes it, removes the symbol that it was asked about (confirm's `arg`)
-// and clears the chooser's selection.
+// "Yes" to that question: closes it, removes the symbol that it was asked about (confirm's `arg`),
+// also when it was saved anew in the meantime, and clears the chooser's selection. Nothing more
+// when the symbol is gone already.
 void ConfirmDeleteSymbol(XDialog* dlog);
 
 }  // namespace gromlit

@@ -171,6 +171,27 @@ TEST_F(SymbolDialogTest, ADeletedSymbolThatIsBeingEditedCanStillBeSaved) {
   EXPECT_NE(Find("Two"), nullptr);
 }
 
+TEST_F(SymbolDialogTest, ASymbolThatIsSavedAgainWhileTheQuestionIsOpenLeavesFileAndLibrary) {
+  SymInit(sed, Find("Two"));
+  Pump();
+  AskToDelete("Two");
+  ASSERT_EQ(SaveSymbol(sed, sed->sym.name), 1);
+  ClickOn(confirm->yes);
+  EXPECT_FALSE(testing::Exists(*install / "symbols/Two.sls"));
+  EXPECT_EQ(Find("Two"), nullptr) << "listed until the program ends, though its file is gone";
+  EXPECT_EQ(sed->lst->nitems, 2);
+}
+
+TEST_F(SymbolDialogTest, ASymbolThatIsGoneWhenTheQuestionIsAnsweredIsNoFailure) {
+  AskToDelete("Two");
+  ASSERT_EQ(RemoveSymbol(Find("Two"), "Two"), 1);
+  const auto before = Names();
+  ClickOn(confirm->yes);
+  EXPECT_FALSE(Shown(confirm->window));
+  EXPECT_FALSE(Shown(failure->window));
+  EXPECT_EQ(Names(), before);
+}
+
 TEST_F(SymbolDialogTest, BeforeTheDialogIsMadeNothingIsChosen) {
   XDialog* made = symselect;
   symselect = nullptr;
