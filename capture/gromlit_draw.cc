@@ -186,8 +186,14 @@ bool Capture::GrabIsGone() {
 }
 
 void Capture::BeginDrawing(const XMotionEvent& motion) {
-  headplugin_ = UpdateGromlitApp(draw_->app, cname_.data(), nullptr);
-  if (headplugin_ != nullptr && user->showactions != 0) DrawGromlitApp(draw_->app);
+  if (own_) {
+    // A click with an unsteady hand begins like this, too: the main window must keep what its
+    // popup is about to act on.
+    headplugin_ = FindPluginNode(cname_.data());
+  } else {
+    headplugin_ = UpdateGromlitApp(draw_->app, cname_.data(), nullptr);
+    if (headplugin_ != nullptr && user->showactions != 0) DrawGromlitApp(draw_->app);
+  }
   ShowTrail(&trail_, motion.x_root, motion.y_root);
 }
 

@@ -177,6 +177,24 @@ TEST_F(GromlitDrawTest, StrokeOnAnOwnDialogNeitherAsksForAPluginNorActs) {
   DialogNo(app->newdlog);
 }
 
+TEST_F(GromlitDrawTest, UnsteadyClickOnTheMainWindowKeepsWhatItShows) {
+  GromlitPlugin* edit = ShowNew(2);
+  ClickCell(1);
+  ASSERT_EQ(app->selected, 1);
+  MoveInApp(CellX(1) + 32, CellY(1) + 20);
+  Pump();
+  player->Press(3);
+  MoveInApp(CellX(1) + 34, CellY(1) + 20);
+  player->Release(3);
+  Pump();
+  EXPECT_TRUE(Viewable(app->popup->window));
+  EXPECT_EQ(app->plugin, edit) << "the popup's commands would change another plug-in";
+  EXPECT_EQ(app->selected, 1);
+  EXPECT_STREQ(app->txt->label, "Editor");
+  CloseGrabbedMenu();
+  Pump();
+}
+
 TEST_F(GromlitDrawTest, ClickOnAWindowWithoutANameReachesNobody) {
   Make(nullptr, nullptr);
   player->MoveTo(750, 150);
