@@ -87,6 +87,7 @@ int DeletePlugin(GromlitPlugin* killpin, const char* fname) {
     return 0;
   }
   if (app == nullptr || CountPlugins() == before) return 1;
+  GetDefaultPlugin();  // a deleted one is replaced, as the next start would do it
   UpdatePluginsMenu();
   UpdateGromlitApp(app, defaultPluginClassname, nullptr);
   DrawGromlitApp(app);

@@ -37,8 +37,9 @@ void MenuMore(XMenu* menu, void* arg);
 void SelectPlugin(XMenu* menu, void* plugin);
 
 // Deletes the plug-in's file and takes it out of allPlugins and of the menu; the main window shows
-// the default plug-in. `fname` is the file's base name, which is the class. Returns 1; or 0 with
-// everything as it was, after telling the user, when the file cannot be deleted.
+// the default plug-in; when that is the deleted one, a new and empty one. `fname` is the file's
+// base name, which is the class. Returns 1; or 0 with everything as it was, after telling the user,
+// when the file cannot be deleted.
 int DeletePlugin(GromlitPlugin* killpin, const char* fname);
 
 }  // namespace gromlit

@@ -460,11 +460,26 @@ TEST_F(PluginMenuTest, APluginThatIsInNoListLosesItsFileOnly) {
   EXPECT_EQ(app->plugin, plugin);
 }
 
-TEST_F(PluginMenuTest, TheDeletedDefaultPluginServesOnUntilTheEnd) {
-  ASSERT_EQ(DeletePlugin(DefaultPlugin, defaultPluginClassname), 1);
-  EXPECT_FALSE(testing::Exists(FileOf(DefaultPlugin)));
+TEST_F(PluginMenuTest, AnEmptyDefaultPluginTakesThePlaceOfTheDeletedOne) {
+  GromlitPlugin* former = DefaultPlugin;
+  former->actions[former->nactions++] = new GromlitAction(Action("old"));
+  ASSERT_NE(UnLoadPlugin(former, former->classname), nullptr);
+  DrawGromlitApp(app);
+  ClickCell(0);
+  ASSERT_EQ(app->selected, 0);
+  popCopyAction(nullptr, nullptr);
+  ASSERT_EQ(DeletePlugin(former, former->classname), 1);
+  EXPECT_NE(DefaultPlugin, former);
+  EXPECT_EQ(FindPlugin(defaultPluginClassname), DefaultPlugin);
+  EXPECT_EQ(DefaultPlugin->nactions, 0);
+  EXPECT_EQ(NamesInFile(DefaultPlugin), std::vector<std::string>{});
   EXPECT_EQ(app->plugin, DefaultPlugin);
-  EXPECT_EQ(app->txt->menu, nullptr);
+  EXPECT_EQ(app->selected, -1);
+  EXPECT_EQ(LabelsOf(app->txt->menu), Labels{"Default"});
+  // What is added from here on does not bring the deleted actions back.
+  popPasteAction(nullptr, nullptr);
+  popPasteAction(nullptr, nullptr);
+  EXPECT_EQ(NamesInFile(DefaultPlugin), (std::vector<std::string>{"old", "old"}));
   Show(Plugin("Editor", "Edit.edit", 1));
   EXPECT_EQ(UpdateGromlitApp(app, "Nobody", nullptr), nullptr);
   EXPECT_EQ(app->plugin, DefaultPlugin);
