@@ -89,7 +89,13 @@ int actSelectSymbol(void*) {
 
 // --- Opening and closing ----------------------------------------------------------------------
 
+// A symbol chosen later would go into whatever action is edited then.
+void CloseChooser() {
+  if (symselect != nullptr && symselect->yesfn == YesActSelectSymbol) DialogNo(symselect);
+}
+
 void ShowAction(const char* name) {
+  CloseChooser();
   DrawIconWindow(act->icon);
   TextEditorUpdate(act->txt, name);
   ClearTabField(TabsOf(act->tbar));
@@ -97,21 +103,12 @@ void ShowAction(const char* name) {
 }
 
 void CloseActionEditor() {
-  // A symbol chosen later would go into whatever action is edited then.
-  if (symselect != nullptr && symselect->yesfn == YesActSelectSymbol) DialogNo(symselect);
+  CloseChooser();
   XUnmapWindow(dpy, act->window);
   editingPlugin = 0;
 }
 
 // --- OK, Cancel, Help -------------------------------------------------------------------------
-
-bool IsListed(const GromlitPlugin* plugin) {
-  if (allPlugins == nullptr) return false;
-  for (const auto* node = allPlugins; node->plugin != nullptr; node = node->next) {
-    if (node->plugin == plugin) return true;
-  }
-  return false;
-}
 
 bool HasAction(const GromlitPlugin* plugin, const GromlitAction* action) {
   const auto* end = plugin->actions + plugin->nactions;
@@ -140,7 +137,9 @@ void actClickSave(void*) {
   const char* name = TextEditorText(act->txt);
   if (StrLength(name) == 0) return;
   if (!IsListed(act->plugin)) {
-    ShowFailure("The plug-in of this action was deleted.\nThe action was not saved.");
+    ShowFailure(act->plugin != nullptr
+                    ? "The plug-in of this action was deleted.\nThe action was not saved."
+                    : "This action belongs to no plug-in.\nIt was not saved.");
     return;
   }
   if (HasAction(act->plugin, act->edit)) {

@@ -64,15 +64,6 @@ XMenu* MakeTitleMenu(std::span<const Entry> entries, GromlitApp* gromlit) {
   return MakeMenu(root, 0, 0, labelFontinfo, items.get(), nitems);
 }
 
-// Whether a plug-in is still there: a question about it may stay open while it is deleted.
-bool IsListed(const GromlitPlugin* plugin) {
-  if (plugin == nullptr || allPlugins == nullptr) return false;
-  for (const auto* node = allPlugins; node->plugin != nullptr; node = node->next) {
-    if (node->plugin == plugin) return true;
-  }
-  return false;
-}
-
 void Ask(const char* title, const char* const* msgs, void* arg, void (*yesfn)(XDialog* dlog)) {
   if (confirm == nullptr) return;
   confirm->msgs = msgs;
@@ -119,6 +110,7 @@ void SaveNewPluginName(XDialog* dlog) {
   auto* plugin = static_cast<GromlitPlugin*>(dlog->arg);
   if (!IsListed(plugin)) {
     DialogYes(dlog);
+    ShowFailure("This plug-in was deleted.\nIts new name was not saved.");
     return;
   }
   const auto former = std::to_array(plugin->appname);

@@ -32,7 +32,7 @@ void mbPluginEdit(XMenu* menu, void* arg);
 // What the OK of that question (editname) does: gives the plug-in the name, cut to its field, and
 // saves it. The class, and so the application that it serves, stays. When the save fails, the
 // plug-in keeps its old name, the dialog stays open and the user is told. A plug-in that was
-// deleted meanwhile is left alone.
+// deleted meanwhile is left alone, and the user is told.
 void SaveNewPluginName(XDialog* dlog);
 
 // Asks whether to delete the shown plug-in; nothing when none is shown.

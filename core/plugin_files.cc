@@ -271,6 +271,14 @@ GromlitPlugin* FindPlugin(const char* classname) {
   return node == nullptr ? nullptr : node->plugin;
 }
 
+bool IsListed(const GromlitPlugin* plugin) {
+  if (plugin == nullptr) return false;
+  EnsureList();
+  const auto* node = allPlugins;
+  while (node->plugin != nullptr && node->plugin != plugin) node = node->next;
+  return node->plugin != nullptr;
+}
+
 GromlitPlugin* CreatePlugin(const char* appname, const char* classname, bool* saved) {
   if (saved != nullptr) *saved = true;
   if (GromlitPlugin* known = FindPlugin(classname)) return known;

@@ -56,6 +56,10 @@ GromlitPluginList* FindPluginNode(const char* classname);
 // The plug-in of that node, or null.
 GromlitPlugin* FindPlugin(const char* classname);
 
+// Whether this very record is in allPlugins: a question about it or an editor may still be open
+// when it is deleted. False for null.
+bool IsListed(const GromlitPlugin* plugin);
+
 // The plug-in of that class; when there is none, a new empty one, written at once and put at the
 // head of allPlugins (also when writing it failed, which is reported as in UnLoadPlugin). Both
 // names are cut to their fields. A file that has appeared under the new plug-in's name since the

@@ -348,6 +348,20 @@ TEST_F(PluginList, FailedDeletingPrintsTheReasonAndLeavesTheList) {
   EXPECT_TRUE(Exists(PathOf("by-hand.txt")));
 }
 
+TEST_F(PluginList, ARecordIsListedUntilItIsDeleted) {
+  EXPECT_FALSE(IsListed(nullptr));
+  GromlitPlugin* first = CreatePlugin("A", "a");
+  GromlitPlugin* second = CreatePlugin("B", "b");
+  EXPECT_TRUE(IsListed(first));
+  EXPECT_TRUE(IsListed(second));
+  const GromlitPlugin equal = *first;
+  EXPECT_FALSE(IsListed(&equal));
+  ASSERT_EQ(DropPlugin(first, "a"), 1);
+  EXPECT_FALSE(IsListed(first));
+  EXPECT_TRUE(IsListed(second));
+  Retire(first);
+}
+
 TEST_F(PluginList, DeletingNeverTakesAnotherClassesFile) {
   LoadPlugins();
   CreatePlugin("App", "a_b");

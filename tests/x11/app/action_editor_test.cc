@@ -353,6 +353,23 @@ TEST_F(ActionEditorTest, TheChooserClosesWithTheEditor) {
   }
 }
 
+TEST_F(ActionEditorTest, TheChooserClosesWhenAnotherActionIsOpened) {
+  GromlitAction* second = Have("Second", {});
+  for (GromlitAction* next : {second, static_cast<GromlitAction*>(nullptr)}) {
+    EditNewAction(plugin);
+    Pump();
+    ClickIn(act->icon->window, 20, 20);
+    ASSERT_TRUE(Viewable(symselect->window));
+    if (next != nullptr) {
+      EditAction(plugin, next);
+    } else {
+      EditNewAction(plugin);
+    }
+    Pump();
+    EXPECT_FALSE(Viewable(symselect->window)) << "its symbol was meant for the former action";
+  }
+}
+
 TEST_F(ActionEditorTest, ASymbolOfSixtyFourPointsIsCopiedWhole) {
   GromlitSymbol* sym = SymbolNamed("Line");
   sym->npoints = 64;
@@ -409,6 +426,7 @@ TEST_F(ActionEditorTest, ShownBeforeAnyActionWasOpenedNothingCanBeSaved) {
   ClickOn(act->bsave);
   EXPECT_TRUE(Open());
   EXPECT_TRUE(Told());
+  EXPECT_EQ(Notice(), "This action belongs to no plug-in.\nIt was not saved.\n");
   EXPECT_EQ(plugin->nactions, 0);
   CloseNotice();
   ClickOn(act->bcancel);

@@ -212,6 +212,8 @@ TEST_F(MainMenu, RenameOfAPluginDeletedMeanwhileDoesNotBringItBack) {
   DeletePlugin(plugin, plugin->classname);
   ClickOn(editname->yes->window);
   EXPECT_FALSE(Viewable(editname->window));
+  EXPECT_EQ(ShownFailure(), "This plug-in was deleted./Its new name was not saved.");
+  DialogNo(failure);
   EXPECT_FALSE(Exists(file));
   EXPECT_EQ(FindPlugin("Edit.edit"), nullptr);
   EXPECT_THAT(Menu(), ElementsAre("Default"));
