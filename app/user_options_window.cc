@@ -118,12 +118,14 @@ void MakeUserOptionsButtons(UserOptions* options) {
   options->bcancel = make("Cancel", optClickCancel, options->width - 80);
 }
 
-void MakePulldowns(UserOptions* options) {
-  options->button = MakePulldownButton(options, options->window, "Right", kMargin, kPulldownY,
-                                       kPulldownWidth, MakeChoiceMenu<optcmdButton>(kButtons));
-  options->tolerance =
-      MakePulldownButton(options, options->window, "Medium", TolerancePulldownX(), kPulldownY,
-                         kPulldownWidth, MakeChoiceMenu<optcmdTolerance>(kTolerances));
+XButton* MakeDrawButtonPulldown(int x, int y) {
+  return MakePulldownButton(opt, opt->window, "Right", x, y, kPulldownWidth,
+                            MakeChoiceMenu<optcmdButton>(kButtons));
+}
+
+XButton* MakeDrawTolerancePulldown(int x, int y) {
+  return MakePulldownButton(opt, opt->window, "Medium", x, y, kPulldownWidth,
+                            MakeChoiceMenu<optcmdTolerance>(kTolerances));
 }
 
 TextEditor* MakeField(UserOptions* options, int y, int width) {
@@ -163,7 +165,8 @@ bool PutInForce(const GromlitUserOptions& usr) {
 void CreateUserOptions(int argc, char** argv) {
   opt = MakeUserOptions(argc, argv);
   MakeUserOptionsButtons(opt);
-  MakePulldowns(opt);
+  opt->button = MakeDrawButtonPulldown(kMargin, kPulldownY);
+  opt->tolerance = MakeDrawTolerancePulldown(TolerancePulldownX(), kPulldownY);
   opt->txt = MakeField(opt, txtCharht + 140, kSensitivityWidth);
   opt->dosplash = MakeCheckBox(opt, opt->window, optClickDoSplash, kMargin, txtCharht + 180);
   opt->snd = MakeField(opt, 3 * txtCharht + 196, kCommandWidth);

@@ -16,10 +16,9 @@
 // Two failures of OK keep the window open and are told in a dialog besides the line that they
 // print:
 // - The file could not be written. The changed options stay in force until the program ends.
-// - Another client holds the chosen draw button. The former button goes on drawing and stays the
-// one
-//   in the options, everything else is taken over and saved: a start with a button that cannot be
-//   had would end the program before its user could choose another.
+// - Another client holds the chosen draw button. The former button goes on drawing and stays in the
+//   options, everything else is taken over and saved: a start with a button that cannot be had
+//   would end the program before its user could choose another.
 #pragma once
 
 #include <X11/Xlib.h>
