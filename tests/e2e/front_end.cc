@@ -154,6 +154,27 @@ Window FrontEnd::WaitChild(Window parent, int x, int y) {
   return child;
 }
 
+void FrontEnd::Close(Window window) {
+  const auto named = [this](const char* name) {
+    return XInternAtom(player->display(), name, False);
+  };
+  XEvent event{};
+  event.xclient.type = ClientMessage;
+  event.xclient.window = window;
+  event.xclient.format = 32;
+  if (manager != nullptr) {
+    event.xclient.message_type = named("_NET_CLOSE_WINDOW");
+    event.xclient.data.l[1] = 2;  // asked for by the user
+    XSendEvent(player->display(), player->root(), False,
+               SubstructureNotifyMask | SubstructureRedirectMask, &event);
+  } else {
+    event.xclient.message_type = named("WM_PROTOCOLS");
+    event.xclient.data.l[0] = static_cast<long>(named("WM_DELETE_WINDOW"));
+    XSendEvent(player->display(), window, False, NoEventMask, &event);
+  }
+  XSync(player->display(), False);
+}
+
 std::vector<Window> FrontEnd::Overlays() {
   std::vector<Window> overlays;
   for (const Window window : Children(player->root())) {
@@ -234,6 +255,56 @@ std::string FrontEnd::Look(Window window) {
   look.assign(image->data, static_cast<size_t>(image->bytes_per_line * image->height));
   XDestroyImage(image);
   return look;
+}
+
+bool FrontEnd::Reads(Window window, const std::string& text) {
+  return ReadsIn(txt_, window, text) || ReadsIn(label_, window, text);
+}
+
+bool FrontEnd::ReadsIn(XFontStruct* font, Window window, const std::string& text) {
+  Display* display = player->display();
+  const int length = static_cast<int>(text.size());
+  const int width = XTextWidth(font, text.c_str(), length);
+  const int height = font->ascent + font->descent;
+  const Box box = BoxOf(window);
+  if (length == 0 || width > box.width || height > box.height) return false;
+
+  // What the text looks like: one bit for a pixel.
+  const Pixmap drawn = XCreatePixmap(display, player->root(), static_cast<unsigned>(width),
+                                     static_cast<unsigned>(height), 1);
+  const GC gc = XCreateGC(display, drawn, 0, nullptr);
+  XFillRectangle(display, drawn, gc, 0, 0, static_cast<unsigned>(width),
+                 static_cast<unsigned>(height));
+  XSetForeground(display, gc, 1);
+  XSetFont(display, gc, font->fid);
+  XDrawString(display, drawn, gc, 0, font->ascent, text.c_str(), length);
+  const auto release = [](XImage* image) { XDestroyImage(image); };
+  using Picture = std::unique_ptr<XImage, decltype(release)>;
+  const Picture wanted(XGetImage(display, drawn, 0, 0, static_cast<unsigned>(width),
+                                 static_cast<unsigned>(height), 1, XYPixmap),
+                       release);
+  XFreeGC(display, gc);
+  XFreePixmap(display, drawn);
+  const Point origin = OriginOf(window);
+  const Picture seen(
+      XGetImage(display, player->root(), origin.x, origin.y, static_cast<unsigned>(box.width),
+                static_cast<unsigned>(box.height), AllPlanes, ZPixmap),
+      release);
+  if (wanted == nullptr || seen == nullptr) return false;
+
+  const auto stands_at = [&](int x, int y) {
+    // A field's caret may touch the last two columns.
+    for (int row = 0; row < height; row++)
+      for (int column = 0; column < width - 2; column++)
+        if ((XGetPixel(wanted.get(), column, row) != 0) !=
+            ((XGetPixel(seen.get(), x + column, y + row) & 0xffffff) == 0))
+          return false;
+    return true;
+  };
+  for (int y = 0; y + height <= box.height; y++)
+    for (int x = 0; x + width <= box.width; x++)
+      if (stands_at(x, y)) return true;
+  return false;
 }
 
 // --- Doing --------------------------------------------------------------------------------------
@@ -359,9 +430,9 @@ void FrontEnd::GoToRow(Window menu, int row, int above) {
       << row << " is not highlighted";
 }
 
-void FrontEnd::ReleaseOnRow(Window menu, int row, int above) {
+void FrontEnd::ReleaseOnRow(Window menu, int row, int above, int button) {
   GoToRow(menu, row, above);
-  player->Release(1);
+  player->Release(button);
   EXPECT_TRUE(WaitFor([&] { return !Viewable(menu); })) << "the menu stays open";
 }
 

@@ -51,6 +51,8 @@ class FrontEnd : public ShellRun {
   // The same, waited for; fails the test when it does not come up.
   Window WaitShown(const std::string& name);
   bool WaitHidden(const std::string& name);
+  // Closes a top-level window as a user of the window manager does, or one without a manager.
+  void Close(Window window);
   bool Viewable(Window window);
   std::vector<Window> Children(Window window);
   Box BoxOf(Window window);       // in its parent
@@ -75,6 +77,8 @@ class FrontEnd : public ShellRun {
 
   // The pixels of a window, as they are on the screen.
   std::string Look(Window window);
+  // Whether this text stands somewhere in a window, in black, in the font of texts or of buttons.
+  bool Reads(Window window, const std::string& text);
 
   // --- Doing ---
 
@@ -103,8 +107,8 @@ class FrontEnd : public ShellRun {
   // Moves to a row of an open menu until it is highlighted. `above` is by how many pixels the menu
   // takes the pointer to be higher than it is.
   void GoToRow(Window menu, int row, int above = 0);
-  // The same, and lets the button go there; returns when the menu has gone.
-  void ReleaseOnRow(Window menu, int row, int above = 0);
+  // The same, and lets the button that is held go there; returns when the menu has gone.
+  void ReleaseOnRow(Window menu, int row, int above = 0, int button = 1);
   // Chooses a row of a pulldown button's menu.
   void ChoosePulldown(Window button, int row);
   // The left and the right button of the open dialog; return when it has gone.
@@ -145,6 +149,7 @@ class FrontEnd : public ShellRun {
 
  private:
   XFontStruct* Font(const char* name);
+  bool ReadsIn(XFontStruct* font, Window window, const std::string& text);
 
   XFontStruct* txt_ = nullptr;
   XFontStruct* label_ = nullptr;
