@@ -244,6 +244,12 @@ bool FrontEnd::WaitNoDialog() {
   return WaitFor([&] { return Dialog() == 0; });
 }
 
+Window FrontEnd::PickLabel() {
+  for (const Window window : Overlays())
+    if (BoxOf(window).height == TextHeight() + 4 && Children(window).empty()) return window;
+  return 0;
+}
+
 std::string FrontEnd::Look(Window window) {
   const Box box = BoxOf(window);
   const Point origin = OriginOf(window);
@@ -486,6 +492,12 @@ void FrontEnd::DialogRight() {
   const Box box = BoxOf(dialog);
   ClickChild(dialog, box.width - 72, box.height - 32);
   EXPECT_TRUE(WaitFor([&] { return !Viewable(dialog); })) << "the dialog stays";
+}
+
+void FrontEnd::StartPicking() {
+  Choose(Title::kPlugIn, kPlugInNew);
+  DialogLeft();
+  EXPECT_TRUE(WaitFor([this] { return PickLabel() != 0; })) << "nothing is being picked";
 }
 
 // --- The windows --------------------------------------------------------------------------------

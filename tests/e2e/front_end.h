@@ -75,6 +75,8 @@ class FrontEnd : public ShellRun {
   // The text field of the open dialog.
   Window DialogField();
 
+  // The label that follows the pointer while an application is picked; 0 when there is none.
+  Window PickLabel();
   // The pixels of a window, as they are on the screen.
   std::string Look(Window window);
   // Whether this text stands somewhere in a window, in black, in the font of texts or of buttons.
@@ -114,6 +116,10 @@ class FrontEnd : public ShellRun {
   // The left and the right button of the open dialog; return when it has gone.
   void DialogLeft();
   void DialogRight();
+
+  // Asks for a new plug-in by the menu and leaves the dialog with OK; returns when a click picks
+  // the application.
+  void StartPicking();
 
   // --- The windows ---
 

@@ -3,6 +3,7 @@
 #include <X11/Xatom.h>
 #include <X11/Xutil.h>
 #include <signal.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
@@ -219,6 +220,14 @@ bool GromlitRun::GromlitIsReady() {
   XWindowAttributes attributes{};
   XGetWindowAttributes(player->display(), player->root(), &attributes);
   return (attributes.all_event_masks & SubstructureNotifyMask) != 0;
+}
+
+long GromlitRun::Resident() const {
+  const std::string statm = ReadText("/proc/" + std::to_string(gromlit->pid()) + "/statm");
+  long size = 0;
+  long resident = 0;
+  std::sscanf(statm.c_str(), "%ld %ld", &size, &resident);
+  return resident * (sysconf(_SC_PAGESIZE) / 1024);
 }
 
 void GromlitRun::Go(Point to) {

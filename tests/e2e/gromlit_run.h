@@ -18,6 +18,15 @@
 
 namespace gromlit::testing {
 
+// Whether the program is slower and larger than it is for its users.
+#if defined(__SANITIZE_ADDRESS__)
+inline constexpr bool kSanitized = true;
+#elif defined(__has_feature)
+inline constexpr bool kSanitized = __has_feature(address_sanitizer);
+#else
+inline constexpr bool kSanitized = false;
+#endif
+
 struct Point {
   int x;
   int y;
@@ -85,6 +94,7 @@ class GromlitRun : public ::testing::Test {
   // Starts the program; waits until it follows the pointer unless it is not expected to.
   void StartGromlit(bool ready = true, std::vector<std::string> arguments = {});
   bool GromlitIsReady();
+  long Resident() const;  // memory of the program, kilobytes
   std::string GromlitOutput() const { return ReadText(*install / "gromlit.log"); }
 
   // Moves the pointer and waits until it is there.

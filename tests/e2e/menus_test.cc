@@ -161,15 +161,7 @@ TEST_P(MenusTest, ExitEndsTheProgramWithStatusZero) {
 
 TEST_P(MenusTest, PlugInNewMakesOneForTheApplicationClickedOn) {
   Open();
-  Choose(Title::kPlugIn, testing::kPlugInNew);
-  const std::vector<Window> before = Overlays();
-  DialogLeft();
-  ASSERT_TRUE(WaitFor([&] {
-    const std::vector<Window> now = Overlays();
-    return std::any_of(now.begin(), now.end(), [&](Window window) {
-      return std::find(before.begin(), before.end(), window) == before.end();
-    });
-  }));
+  StartPicking();
   ClickIn(probe_->window(), 150, 150);
   ASSERT_TRUE(WaitFor([this] { return Exists(PluginFile(kClass)); }));
   EXPECT_STREQ(Header().appname, kClass);

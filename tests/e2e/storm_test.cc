@@ -1,7 +1,6 @@
 #include "tests/e2e/gromlit_run.h"
 
 #include <X11/Xutil.h>
-#include <unistd.h>
 
 #include <cstdlib>
 #include <random>
@@ -10,17 +9,12 @@ namespace gromlit {
 namespace {
 
 using testing::kRight;
+using testing::kSanitized;
 using testing::Player;
 using testing::ProbeClient;
 using testing::WaitFor;
 
 constexpr int kKeyA = 38;  // the "a" key of the usual keymap
-
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool kSanitized = true;
-#else
-constexpr bool kSanitized = false;
-#endif
 
 // Grabs on every client, which freeze the pointer and replay, as by default; but no menus, moves or
 // resizes, in which the window manager itself would keep the pointer.
@@ -56,15 +50,6 @@ class StormTest : public testing::GromlitRun {
     ASSERT_TRUE(WaitFor([&] { return in_state(IsViewable); }));
     XWithdrawWindow(player->display(), main, 0);
     ASSERT_TRUE(WaitFor([&] { return in_state(IsUnmapped); }));
-  }
-  // Resident memory of the program, kilobytes.
-  long Resident() {
-    const std::string status =
-        testing::ReadText("/proc/" + std::to_string(gromlit->pid()) + "/statm");
-    long size = 0;
-    long resident = 0;
-    std::sscanf(status.c_str(), "%ld %ld", &size, &resident);
-    return resident * (sysconf(_SC_PAGESIZE) / 1024);
   }
 };
 
