@@ -97,9 +97,9 @@ Window FrontEnd::Shown(const std::string& name) {
 Window FrontEnd::WaitShown(const std::string& name) {
   Window window = 0;
   EXPECT_TRUE(WaitFor([&] { return (window = Shown(name)) != 0; })) << name << " is not shown";
-  // A window manager gives the keyboard to a window that comes up, and would take it from a field
-  // that the pointer had entered before.
-  if (manager != nullptr && window != 0) {
+  // This window manager gives the keyboard to a window that comes up, and would take it from a
+  // field that the pointer had entered before.
+  if (manager_name == "openbox" && window != 0) {
     EXPECT_TRUE(WaitFor([&] {
       Window focus = 0;
       int revert;

@@ -18,6 +18,18 @@
 namespace gromlit::testing {
 namespace {
 
+// A grabbed server would hold up the test, too, and a second move soon after the first would go along
+// one axis only.
+constexpr const char* kTwmConfiguration = R"(RandomPlacement
+NoGrabServer
+OpaqueMove
+ConstrainedMoveTime 0
+Button1 = : title : f.move
+Button1 = : icon : f.iconify
+"F7" = : window | title | frame | icon | root : f.delete
+"F8" = : window | title | frame | icon | root : f.iconify
+)";
+
 int IgnoreError(Display*, XErrorEvent*) {
   return 0;
 }
@@ -165,11 +177,13 @@ void GromlitRun::WriteOptions(int button, int sensitivity) {
 
 void GromlitRun::StartWindowManager(const std::string& name, const std::string& configuration) {
   std::vector<std::string> argv = {name};
-  if (!configuration.empty()) {
-    WriteText(*install / "rc.xml", configuration);
-    argv.insert(argv.end(), {"--config-file", *install / "rc.xml"});
+  const bool twm = name == "twm";
+  if (twm || !configuration.empty()) {
+    const std::string file = *install / "manager.rc";
+    WriteText(file, configuration.empty() ? kTwmConfiguration : configuration);
+    argv.insert(argv.end(), {twm ? "-f" : "--config-file", file});
   }
-  if (name == "twm") argv.insert(argv.end(), {"-f", "/dev/null"});
+  manager_name = name;
   manager = std::make_unique<Process>(argv, *install / "manager.log");
   // It is there when it redirects the root window's substructure, and ready when it brings a window
   // up: a request to map one that arrives in the middle of its start-up may be overlooked.

@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <X11/keysym.h>
+
 #include <memory>
 #include <string>
 #include <vector>
@@ -75,6 +77,9 @@ class ProbeClient {
   Window window_ = 0;
 };
 
+inline constexpr KeySym kTwmClose = XK_F7;
+inline constexpr KeySym kTwmIconify = XK_F8;
+
 class GromlitRun : public ::testing::Test {
  protected:
   void SetUp() override;
@@ -87,8 +92,10 @@ class GromlitRun : public ::testing::Test {
   // Options for a run without a splash; `change` may alter them.
   void WriteOptions(int button = 3, int sensitivity = 4);
 
-  // Starts a window manager ("openbox" or "twm") and waits until it manages the screen.
-  // openbox may be given another configuration than its default.
+  // Starts a window manager ("openbox" or "twm") and waits until it manages the screen. It may be
+  // given another configuration than its default; that of twm places windows by itself, moves them
+  // by their titles, and has keys, as nobody but its user can close a window: kTwmClose and
+  // kTwmIconify act on the window under the pointer.
   void StartWindowManager(const std::string& name = "openbox",
                           const std::string& configuration = "");
   // Starts the program; waits until it follows the pointer unless it is not expected to.
@@ -121,6 +128,7 @@ class GromlitRun : public ::testing::Test {
   std::unique_ptr<TempInstall> install;
   std::unique_ptr<Player> player;
   std::unique_ptr<Process> manager;
+  std::string manager_name;  // empty when there is none
   std::unique_ptr<Process> gromlit;
 };
 

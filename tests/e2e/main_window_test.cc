@@ -1,4 +1,4 @@
-#include "tests/e2e/shell_run.h"
+#include "tests/e2e/front_end.h"
 
 #include <X11/Xatom.h>
 #include <X11/Xutil.h>
@@ -11,40 +11,25 @@ namespace fs = std::filesystem;
 using testing::Command;
 using testing::kDown;
 using testing::kRight;
+using testing::Point;
+using testing::ProbeClient;
 using testing::WaitFor;
-using testing::WriteText;
-
-constexpr KeySym kCloseKey = XK_F7;
 
 // The parameter is the window manager; empty for none.
-class MainWindowTest : public testing::ShellRun, public ::testing::WithParamInterface<const char*> {
+class MainWindowTest : public testing::FrontEnd, public ::testing::WithParamInterface<const char*> {
  protected:
   void SetUp() override {
-    ShellRun::SetUp();
-    const std::string name = GetParam();
-    if (name == "openbox") StartWindowManager(name);
-    // This one knows no request to close a window, only its user's key.
-    if (name == "twm") {
-      WriteText(*install / "twmrc",
-                "RandomPlacement\n\"F7\" = : window | title | frame | root : f.delete\n");
-      const std::string script = *install / "twm-with-a-key";
-      WriteText(script, "#!/bin/sh\nexec twm -f '" + (*install / "twmrc") + "'\n");
-      fs::permissions(script, fs::perms::owner_all);
-      StartWindowManager(script);
-    }
+    FrontEnd::SetUp();
+    if (*GetParam() != '\0') StartWindowManager(GetParam());
     // Strokes on the desktop: right brings the window back, down tells that the program acts.
     WritePlugin("Desktop", {{"right", kRight, {{kRun, "system:showgromlit"}}},
                             {"down", kDown, {Touch("acted")}}});
   }
   void LaunchAndFind() {
     LaunchInstalled();
-    ASSERT_TRUE(WaitFor([this] { return (main_ = MainWindow()) != 0 && Viewable(); }));
+    ASSERT_TRUE(WaitFor([this] { return (main_ = MainWindow()) != 0 && OnScreen(); }));
   }
-  bool Viewable() {
-    XWindowAttributes attributes{};
-    return XGetWindowAttributes(player->display(), main_, &attributes) != 0 &&
-           attributes.map_state == IsViewable;
-  }
+  bool OnScreen() { return Viewable(main_); }
   bool Hidden() {
     XWindowAttributes attributes{};
     return XGetWindowAttributes(player->display(), main_, &attributes) != 0 &&
@@ -83,7 +68,7 @@ class MainWindowTest : public testing::ShellRun, public ::testing::WithParamInte
       Window child;
       XTranslateCoordinates(player->display(), main_, player->root(), 200, 100, &x, &y, &child);
       Go({x, y});
-      player->Type(kCloseKey);
+      player->Type(testing::kTwmClose);
     }
   }
   bool Acts() {
@@ -93,8 +78,91 @@ class MainWindowTest : public testing::ShellRun, public ::testing::WithParamInte
   }
   void BringBack() {
     Draw({{800, 900}, {1100, 900}});
-    EXPECT_TRUE(WaitFor([this] { return Viewable(); }));
+    EXPECT_TRUE(WaitFor([this] { return OnScreen(); }));
     EXPECT_TRUE(TrailIsGone());
+  }
+
+  // An application whose plug-in is empty, unlike that of the desktop.
+  void StartProbe() {
+    WritePlugin("Probe.probe", {});
+    probe_ = std::make_unique<ProbeClient>(
+        install->path(),
+        std::vector<std::string>{"--class", "Probe", "probe", "--geometry", "340x300+880+80"});
+  }
+  void ExpectToFollowThePointer() {
+    EXPECT_TRUE(PassOver(probe_->window(), [this] { return !HasName(0); }));
+    Go({900, 700});
+    EXPECT_TRUE(WaitFor([this] { return HasName(0); })) << "the desktop's actions are not shown";
+    EXPECT_TRUE(PassOver(probe_->window(), [this] { return !HasName(0); }));
+  }
+  // Where the menus of the menu bar's first title and of the plug-in button open, from the main
+  // window's inside.
+  std::vector<Point> MenuPlaces() {
+    std::vector<Point> places;
+    const Window bar = WaitChild(main_, 0, 0);
+    for (const Window opener : {bar, PluginButton()}) {
+      const Point at = OriginOf(PressPulldown(opener));
+      const Point origin = OriginOf(main_);
+      places.push_back({at.x - origin.x, at.y - origin.y});
+      Go({1270, 1000});
+      player->Release(1);
+      EXPECT_TRUE(WaitFor([this] { return Menu() == 0; }));
+    }
+    return places;
+  }
+  // Drags the window by its title, where it has one.
+  void MoveByTheUser(int dx, int dy) {
+    ASSERT_TRUE(Over(main_, 1, 120));  // at the place that the window manager gave it
+    const Point from = OriginOf(main_);
+    if (*GetParam() == '\0') {
+      XMoveWindow(player->display(), main_, from.x - 1 + dx, from.y - 1 + dy);  // its border
+    } else {
+      const Point title = {from.x + 200, from.y - 10};
+      Drag({title, {title.x + dx, title.y + dy}}, 1);
+    }
+    const Point to = {from.x + dx, from.y + dy};
+    EXPECT_TRUE(WaitFor([&] { return OriginOf(main_) == to; }))
+        << OriginOf(main_).x << ", " << OriginOf(main_).y;
+  }
+  void Iconify() {
+    XIconifyWindow(player->display(), main_, DefaultScreen(player->display()));
+    XSync(player->display(), False);
+  }
+  // The state that the window manager has written down: NormalState, IconicState, ...
+  long State() {
+    Atom type;
+    int format;
+    unsigned long count = 0;
+    unsigned long left;
+    unsigned char* data = nullptr;
+    long state = -1;
+    XGetWindowProperty(player->display(), main_, Named("WM_STATE"), 0, 2, False, Named("WM_STATE"),
+                       &type, &format, &count, &left, &data);
+    if (data != nullptr && count > 0) state = *reinterpret_cast<long*>(data);
+    if (data != nullptr) XFree(data);
+    return state;
+  }
+  std::vector<Window> TopWindows() {
+    std::vector<Window> shown;
+    for (const Window window : Children(player->root()))
+      if (Viewable(window)) shown.push_back(window);
+    return shown;
+  }
+  // Brings the iconified window back the way this window manager's user does; `icon` is twm's.
+  void Deiconify(Window icon) {
+    if (std::string(GetParam()) == "twm") {
+      ClickIn(icon, 5, 5);
+      return;
+    }
+    XEvent event{};
+    event.xclient.type = ClientMessage;
+    event.xclient.window = main_;
+    event.xclient.message_type = Named("_NET_ACTIVE_WINDOW");
+    event.xclient.format = 32;
+    event.xclient.data.l[0] = 2;  // asked for by the user
+    XSendEvent(player->display(), player->root(), False,
+               SubstructureNotifyMask | SubstructureRedirectMask, &event);
+    XSync(player->display(), False);
   }
 
   // The raw bytes of a property; *type is 0 when there is none.
@@ -113,6 +181,7 @@ class MainWindowTest : public testing::ShellRun, public ::testing::WithParamInte
   }
 
   Window main_ = 0;
+  std::unique_ptr<ProbeClient> probe_;
 };
 
 TEST_P(MainWindowTest, IsCalledGromlit) {
@@ -201,10 +270,64 @@ TEST_P(MainWindowTest, OtherMessagesDoNotHideIt) {
   SendToMain(Named("_SOMETHING_ELSE"), 32, close);
   // A stroke that acts has come after them.
   EXPECT_TRUE(Acts());
-  EXPECT_TRUE(Viewable());
+  EXPECT_TRUE(OnScreen());
   // The message that does close would have been taken by then, too.
   SendToMain(protocols, 32, close);
   EXPECT_TRUE(WaitFor([this] { return Hidden(); }));
+}
+
+TEST_P(MainWindowTest, MovedByTheUserItFollowsThePointerAndItsMenusOpenUnderTheirTitles) {
+  StartProbe();
+  LaunchAndFind();
+  ASSERT_EQ(WaitShown("Application"), main_);
+  const std::vector<Point> before = MenuPlaces();
+  EXPECT_EQ(before[1], (Point{BoxOf(PluginButton()).x, BoxOf(PluginButton()).y}));
+  MoveByTheUser(170, 130);
+  EXPECT_EQ(MenuPlaces(), before);
+  ExpectToFollowThePointer();
+  // A choice reaches what it is made for, in the window's new place.
+  Choose(testing::Title::kHelp, testing::kHelpAbout);
+  DialogRight();
+  MoveByTheUser(-60, 250);
+  EXPECT_EQ(MenuPlaces(), before);
+  ExpectToFollowThePointer();
+  EXPECT_EQ(Err(), "");
+}
+
+TEST_P(MainWindowTest, IconifiedItComesBackByAStrokeAndByTheWindowManager) {
+  StartProbe();
+  LaunchAndFind();
+  ASSERT_EQ(WaitShown("Application"), main_);
+  MoveByTheUser(100, 60);
+  if (*GetParam() == '\0') {
+    // Nobody is there who would make an icon of it.
+    Iconify();
+    EXPECT_TRUE(Acts());
+    EXPECT_TRUE(OnScreen());
+    return;
+  }
+  const std::vector<Point> before = MenuPlaces();
+  for (const bool stroke : {true, false}) {
+    SCOPED_TRACE(stroke ? "stroke" : "window manager");
+    const std::vector<Window> shown = TopWindows();
+    Iconify();
+    EXPECT_TRUE(WaitFor([this] { return Hidden() && State() == IconicState; })) << State();
+    EXPECT_TRUE(Acts());
+    EXPECT_TRUE(Hidden());
+    if (stroke) {
+      BringBack();
+    } else {
+      Window icon = 0;
+      for (const Window window : TopWindows())
+        if (std::find(shown.begin(), shown.end(), window) == shown.end()) icon = window;
+      Deiconify(icon);
+      EXPECT_TRUE(WaitFor([this] { return OnScreen(); }));
+    }
+    EXPECT_TRUE(WaitFor([this] { return State() == NormalState; })) << State();
+    EXPECT_EQ(MenuPlaces(), before);
+    ExpectToFollowThePointer();
+  }
+  EXPECT_EQ(Err(), "");
 }
 
 INSTANTIATE_TEST_SUITE_P(Alone, MainWindowTest, ::testing::Values(""));

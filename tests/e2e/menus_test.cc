@@ -309,6 +309,7 @@ TEST_P(MenusTest, TheOffersYesOpensTheDownloadPageOfTheClass) {
 
 INSTANTIATE_TEST_SUITE_P(Alone, MenusTest, ::testing::Values(""));
 INSTANTIATE_TEST_SUITE_P(Openbox, MenusTest, ::testing::Values("openbox"));
+INSTANTIATE_TEST_SUITE_P(Twm, MenusTest, ::testing::Values("twm"));
 
 }  // namespace
 }  // namespace gromlit
