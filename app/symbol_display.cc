@@ -168,6 +168,7 @@ SymbolDisplay* MakeSymbolDisplay(Window parent, int x, int y) {
   XMapWindow(dpy, sd->sbar->window);
   On<Expose, DrawSymbolDisplay>(sd);
   On<ButtonPress, SymbolDisplayButtonPress>(sd);
+  On<ButtonRelease, SymbolDisplayButtonRelease>(sd);
   return sd;
 }
 
@@ -194,6 +195,7 @@ void SymbolDisplayButtonPress(SymbolDisplay* sd, XEvent* event) {
   const uint32_t now = PressTime(event->xbutton);
   const bool twice = now - static_cast<uint32_t>(SymLastClick) < kDoubleClick;
   SymLastClick = static_cast<int>(now);
+  sd->chosen = 0;
   if (event->xbutton.button != Button1) return;
   const int index = SymbolAt(sd, event->xbutton.x, event->xbutton.y);
   if (index < 0) return;
@@ -205,7 +207,13 @@ void SymbolDisplayButtonPress(SymbolDisplay* sd, XEvent* event) {
     sd->selected = -1;
     InvertCell(sd, index);
   }
-  if (twice && symselect != nullptr && symselect->yesfn != nullptr) symselect->yesfn(symselect);
+  sd->chosen = twice ? 1 : 0;
+}
+
+void SymbolDisplayButtonRelease(SymbolDisplay* sd, XEvent* event) {
+  if (sd->chosen == 0 || event->xbutton.button != Button1) return;
+  sd->chosen = 0;
+  if (symselect != nullptr && symselect->yesfn != nullptr) symselect->yesfn(symselect);
 }
 
 }  // namespace gromlit

@@ -4,11 +4,13 @@
 //   press            on                        selected       then
 //   1, single        the selected symbol       -1             -
 //   1, single        another symbol            that symbol    -
-//   1, double        a symbol                  that symbol    the dialog's OK
+//   1, double        a symbol                  that symbol    the dialog's OK, at the release
 //   1                beside the symbols        as before      -
 //   2..5             anywhere                  as before      -
 //
-// A press is double when it comes within half a second of the one before, of whichever button.
+// A press is double when it comes within half a second of the one before, of whichever button. OK
+// waits for the release, as the OK button does: a release that comes when the dialog is gone would
+// go to the widget below it.
 #pragma once
 
 #include <X11/Xlib.h>
@@ -44,6 +46,7 @@ struct SymbolDisplay {
   GromlitSymbol* syms[kChooserSymbols];  // not owned; in the order of allSymbols
   XScrollbar* sbar;
   XMenu* popup;   // not used
+  int chosen;     // 1 from the second press of a double click on a symbol to its release
   int measuring;  // 1 while the scrollbar learns its range, so that its callback does not draw
 };
 
@@ -60,8 +63,9 @@ void DrawSymbolDisplay(SymbolDisplay* sd, XEvent* event = nullptr);
 // The scrollbar's callback: pos pixels of the grid lie above the window.
 void ScrollSymbolDisplay(SymbolDisplay* sd, int pos);
 
-// Handler.
+// Handlers.
 void SymbolDisplayButtonPress(SymbolDisplay* sd, XEvent* event);
+void SymbolDisplayButtonRelease(SymbolDisplay* sd, XEvent* event);
 
 // The selected symbol; null when none is.
 GromlitSymbol* SelectedSymbol(const SymbolDisplay* sd);

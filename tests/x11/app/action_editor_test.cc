@@ -353,6 +353,24 @@ TEST_F(ActionEditorTest, TheChooserClosesWithTheEditor) {
   }
 }
 
+TEST_F(ActionEditorTest, ADoubleClickInTheChooserAboveTheSymbolChoosesAndOpensItNoSecondTime) {
+  EditNewAction(plugin);
+  Pump();
+  ClickIn(act->icon->window, 20, 20);
+  ASSERT_TRUE(Viewable(symselect->window));
+  // The dialog came up around the pointer, so that one of its symbols is under it already.
+  player->Click(1);
+  Pump();
+  const GromlitSymbol* chosen = ChosenSymbol();
+  ASSERT_NE(chosen, nullptr);
+  player->Press(1);
+  Pump();
+  player->Release(1);
+  Pump();
+  EXPECT_STREQ(act->action.sym.name, chosen->name);
+  EXPECT_FALSE(Viewable(symselect->window));
+}
+
 TEST_F(ActionEditorTest, TheChooserClosesWhenAnotherActionIsOpened) {
   GromlitAction* second = Have("Second", {});
   for (GromlitAction* next : {second, static_cast<GromlitAction*>(nullptr)}) {

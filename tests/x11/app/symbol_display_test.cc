@@ -283,10 +283,32 @@ TEST_F(SymbolDisplayTest, HalfASecondIsNoDoubleClickAnyMore) {
       press.xbutton.time = start + gap;
       if (press.xbutton.time > 0xffffffffU) press.xbutton.time &= 0xffffffffU;
       SymbolDisplayButtonPress(sd, &press);
+      SymbolDisplayButtonRelease(sd, &press);
       EXPECT_EQ(okays, gap < 500 ? 1 : 0) << start << " " << gap;
       sd->selected = -1;
     }
   }
+}
+
+TEST_F(SymbolDisplayTest, TheDialogsOkWaitsForTheReleaseOfTheSecondClick) {
+  Show(Numbered(6));
+  SingleClick(2, 0);
+  player->Press(1);
+  Pump();
+  EXPECT_EQ(okays, 0);
+  player->Press(3);
+  player->Release(3);
+  Pump();
+  EXPECT_EQ(okays, 0) << "another button took the click back";
+  player->Release(1);
+  Pump();
+  EXPECT_EQ(okays, 0);
+  DoubleClick(2, 0);
+  EXPECT_EQ(okays, 1);
+  player->Press(2);
+  player->Release(2);
+  Pump();
+  EXPECT_EQ(okays, 1);
 }
 
 TEST_F(SymbolDisplayTest, AClickBesideTheSymbolsKeepsTheSelection) {
