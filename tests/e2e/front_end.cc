@@ -50,6 +50,9 @@ int FrontEnd::TextHeight() {
 int FrontEnd::ItemHeight() {
   return label_->max_bounds.ascent + label_->max_bounds.descent + 6;
 }
+int FrontEnd::TextWidth(const std::string& text) {
+  return XTextWidth(txt_, text.c_str(), static_cast<int>(text.size()));
+}
 int FrontEnd::LabelWidth(const std::string& text) {
   return XTextWidth(label_, text.c_str(), static_cast<int>(text.size()));
 }

@@ -152,6 +152,7 @@ class FrontEnd : public ShellRun {
   int TextHeight();
   int ItemHeight();  // of a row in a menu
   int LabelWidth(const std::string& text);
+  int TextWidth(const std::string& text);
 
  private:
   XFontStruct* Font(const char* name);

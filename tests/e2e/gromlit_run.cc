@@ -18,8 +18,8 @@
 namespace gromlit::testing {
 namespace {
 
-// A grabbed server would hold up the test, too, and a second move soon after the first would go along
-// one axis only.
+// A grabbed server would hold up the test, too, and a second move soon after the first would go
+// along one axis only.
 constexpr const char* kTwmConfiguration = R"(RandomPlacement
 NoGrabServer
 OpaqueMove

@@ -88,9 +88,9 @@ TEST_P(MenusTest, PlugInEditChangesTheNameAndNotTheClass) {
   OpenWithPlugin();
   const std::string former = Look(PluginButton());
   Choose(Title::kPlugIn, testing::kPlugInEdit);
-  Replace(DialogField(), "My probe");
+  Replace(DialogField(), "My renamed probe");
   DialogLeft();
-  EXPECT_TRUE(WaitFor([this] { return std::string(Header().appname) == "My probe"; }))
+  EXPECT_TRUE(WaitFor([this] { return std::string(Header().appname) == "My renamed probe"; }))
       << Header().appname;
   EXPECT_STREQ(Header().classname, kClass);
   EXPECT_EQ(StoredActions(), 2);
@@ -98,6 +98,13 @@ TEST_P(MenusTest, PlugInEditChangesTheNameAndNotTheClass) {
   ASSERT_TRUE(WaitNoDialog());
   ASSERT_TRUE(PassOver(probe_->window(), [this] { return HasName(0); }));
   EXPECT_TRUE(WaitFor([&] { return Look(PluginButton()) != former; }));
+  // The menu of all plug-ins is as wide as its widest name.
+  const Window menu = PressPulldown(PluginButton());
+  EXPECT_EQ(Rows(menu), 2);
+  EXPECT_EQ(BoxOf(menu).width, LabelWidth("My renamed probe") + 16);
+  Go({1270, 1000});
+  player->Release(1);
+  EXPECT_TRUE(WaitFor([this] { return Menu() == 0; }));
   // It still serves its application.
   Draw(kDrawRight);
   EXPECT_TRUE(Appears("right"));

@@ -170,7 +170,7 @@ TEST_F(PluginChainTest, AllOfTwoHundredPlugInsWithUsualNamesCanBeReached) {
   ExpectShown(FileAt(10, row, true));
 }
 
-// What these two measure stands in the help, in README.md and in app/plugin_menu.h.
+// What these measure stands in the help, in README.md and in app/plugin_menu.h.
 
 TEST_F(PluginChainTest, AllOfTwoHundredNamesOfAHundredSeventyFivePixelsCanBeReached) {
   std::string prefix;
@@ -185,6 +185,14 @@ TEST_F(PluginChainTest, AllOfTwoHundredNamesOfAHundredSeventyFivePixelsCanBeReac
   const int row = FileAt(10, 9, true) == "Default.sla" ? 8 : 9;
   ChooseIn(chain, row);
   ExpectShown(FileAt(10, row, true));
+}
+
+TEST_F(PluginChainTest, OfTwoHundredWiderNamesAllButTheLastMenusCanBeReached) {
+  std::string prefix;
+  while (LabelWidth(prefix + "000") <= kNarrow) prefix += 'l';
+  Open(200, prefix);
+  EXPECT_EQ(Reachable(OpenChain()), 190);
+  LetGoBeside();
 }
 
 TEST_F(PluginChainTest, OfTwoHundredNamesOfSixtyThreeWideLettersFiftySevenCanBeReached) {
