@@ -14,6 +14,7 @@
 #include "core/plugin_files.h"
 #include "display/display.h"
 #include "display/draw_button.h"
+#include "display/pointer_click.h"
 #include "display/sent_input.h"
 #include "recognition/plugin_match.h"
 
@@ -75,6 +76,7 @@ class Capture {
   const XButtonEvent press_;  // its time goes with every call, so that none acts on a newer grab
   const long mask_;           // events of the widened grab
   bool own_ = false;          // the press is on one of the program's own windows
+  Window userapp_ = None;     // application below the press
   Window mwin_ = None;        // click target
   Window kwin_ = None;        // key target
   int winx_ = 0;              // pointer in the target
@@ -98,18 +100,18 @@ void Capture::AddPoint(int x, int y) {
 void Capture::FindTargets() {
   if (press_.subwindow == None) {
     GetXApp(root, cname_);
-    mwin_ = kwin_ = root;
+    userapp_ = mwin_ = kwin_ = root;
     winx_ = press_.x_root;
     winy_ = press_.y_root;
     return;
   }
-  const Window userapp = GetXApp(press_.subwindow, cname_);
+  userapp_ = GetXApp(press_.subwindow, cname_);
   // A window manager's frame is not ours, but the window in it may be.
-  own_ = IsOwnWindow(press_.subwindow) || (userapp != None && IsOwnWindow(userapp));
-  if (userapp == None) return;
-  mwin_ = GetXAppClick(userapp, &winx_, &winy_);
+  own_ = IsOwnWindow(press_.subwindow) || (userapp_ != None && IsOwnWindow(userapp_));
+  if (userapp_ == None) return;
+  mwin_ = GetXAppClick(userapp_, &winx_, &winy_);
   // Second, so that its position wins where both searches find a window.
-  kwin_ = GetXAppKey(userapp, &winx_, &winy_);
+  kwin_ = GetXAppKey(userapp_, &winx_, &winy_);
 }
 
 void Capture::Run() {
@@ -215,7 +217,12 @@ void Capture::Release(const XButtonEvent& release) {
 }
 
 void Capture::SendClick() {
-  if (mwin_ == None) return;
+  if (mwin_ == None) {
+    // An application whose windows take the buttons by another protocol than the core's, as most
+    // toolkits of today do: it would ignore a click that is sent, and there is none to send it to.
+    if (userapp_ != None) ClickAtPointer(static_cast<int>(press_.button));
+    return;
+  }
   XEvent event{};
   event.xbutton.button = press_.button;
   PlaceInput(&event.xbutton, {mwin_, winx_, winy_, press_.x_root, press_.y_root}, 0);

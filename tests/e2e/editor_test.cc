@@ -105,6 +105,38 @@ class EditorTest : public testing::ShellRun {
           std::chrono::seconds(2));
     }));
   }
+  // The editor's menu below the pointer; 0 when there is none. It has no frame.
+  Window ContextMenu() {
+    for (const Window window : Overlays()) {
+      XWindowAttributes attributes{};
+      if (XGetWindowAttributes(player->display(), window, &attributes) != 0 &&
+          attributes.width > 50 && attributes.height > 50 && window >> 21 == window_ >> 21)
+        return window;
+    }
+    return 0;
+  }
+  // A click with the draw button, which is no stroke, opens the editor's own menu.
+  void TakesAClick(std::vector<std::string> argv, const std::string& classname) {
+    DesktopTouches("acted");
+    StartEditor(argv, classname);
+    if (::testing::Test::HasFatalFailure()) return;
+    LaunchInstalled();
+    TakeFocus();
+    EXPECT_TRUE(WaitFor(
+        [this] {
+          player->Click(3);
+          return WaitFor([this] { return ContextMenu() != 0; }, std::chrono::seconds(3));
+        },
+        std::chrono::seconds(30)));
+    player->Type(XK_Escape);
+    EXPECT_TRUE(PointerBecomesFree());
+    // The button draws again.
+    EXPECT_TRUE(DesktopActs("acted"));
+    EXPECT_EQ(Out() + Err(), "");
+    editor_->Kill(SIGTERM);
+    editor_->Wait();
+  }
+
   // Text that a stroke types and another stroke saves arrives in the editor's file.
   void TypesAndSaves(std::vector<std::string> argv, const std::string& classname) {
     const int s = XKeysymToKeycode(player->display(), XK_s);
@@ -142,6 +174,14 @@ TEST_F(EditorTest, StrokesTypeIntoAGtkEditor) {
 
 TEST_F(EditorTest, StrokesTypeIntoAQtEditor) {
   TypesAndSaves({"featherpad", "--standalone"}, "FeatherPad.featherpad");
+}
+
+TEST_F(EditorTest, AClickOpensTheMenuOfAGtkEditor) {
+  TakesAClick({"mousepad", "--disable-server"}, "Mousepad.mousepad");
+}
+
+TEST_F(EditorTest, AClickOpensTheMenuOfAQtEditor) {
+  TakesAClick({"featherpad", "--standalone"}, "FeatherPad.featherpad");
 }
 
 }  // namespace

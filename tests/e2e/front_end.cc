@@ -178,19 +178,6 @@ void FrontEnd::Close(Window window) {
   XSync(player->display(), False);
 }
 
-std::vector<Window> FrontEnd::Overlays() {
-  std::vector<Window> overlays;
-  for (const Window window : Children(player->root())) {
-    XWindowAttributes attributes{};
-    if (XGetWindowAttributes(player->display(), window, &attributes) != 0 &&
-        attributes.override_redirect && attributes.map_state == IsViewable &&
-        attributes.c_class == InputOutput) {
-      overlays.push_back(window);
-    }
-  }
-  return overlays;
-}
-
 Window FrontEnd::Dialog() {
   for (const Window window : Overlays()) {
     const Box box = BoxOf(window);

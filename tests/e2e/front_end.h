@@ -62,8 +62,6 @@ class FrontEnd : public ShellRun {
   // The same, waited for; fails the test when there is none.
   Window WaitChild(Window parent, int x, int y);
 
-  // Override-redirect windows on the screen.
-  std::vector<Window> Overlays();
   // The dialog, or the menu, that is open; 0 when none is.
   Window Dialog();
   Window Menu();

@@ -281,17 +281,27 @@ bool GromlitRun::PointerBecomesFree() {
   return WaitFor([this] { return player->CanGrabPointer(); });
 }
 
-std::vector<Window> GromlitRun::MappedOverlays() {
-  std::vector<Window> mapped;
-  for (const Window child : ChildrenOf(player->display(), player->root())) {
+std::vector<Window> GromlitRun::Overlays() {
+  std::vector<Window> overlays;
+  for (const Window window : ChildrenOf(player->display(), player->root())) {
     XWindowAttributes attributes{};
-    if (XGetWindowAttributes(player->display(), child, &attributes) == 0) continue;
-    if (attributes.override_redirect && attributes.map_state == IsViewable &&
-        attributes.width >= 500) {
-      mapped.push_back(child);
+    if (XGetWindowAttributes(player->display(), window, &attributes) != 0 &&
+        attributes.override_redirect && attributes.map_state == IsViewable &&
+        attributes.c_class == InputOutput) {
+      overlays.push_back(window);
     }
   }
-  return mapped;
+  return overlays;
+}
+
+std::vector<Window> GromlitRun::MappedOverlays() {
+  std::vector<Window> overlays = Overlays();
+  std::erase_if(overlays, [this](Window window) {
+    XWindowAttributes attributes{};
+    return XGetWindowAttributes(player->display(), window, &attributes) == 0 ||
+           attributes.width < 500;
+  });
+  return overlays;
 }
 
 Window GromlitRun::MainWindow() {

@@ -114,7 +114,9 @@ class GromlitRun : public ::testing::Test {
   void Trace(const std::vector<Point>& corners, int step = 8);
   // Waits until the pointer can be grabbed by another client.
   bool PointerBecomesFree();
-  // Windows that cover the screen or show a trail now: mapped override-redirect children of root.
+  // Override-redirect windows on the screen.
+  std::vector<Window> Overlays();
+  // Those that cover the screen or show a trail.
   std::vector<Window> MappedOverlays();
   // The main window, found by its class hint.
   Window MainWindow();
