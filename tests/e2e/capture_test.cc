@@ -106,6 +106,42 @@ TEST_P(CaptureTest, BareRootIsTheDesktop) {
   EXPECT_FALSE(testing::Exists(MarkFile("default")));
 }
 
+TEST_P(CaptureTest, ClickOnAFrameOrOnAnApplicationThatSelectsNoButtonsComesFromTheServer) {
+  Display* dpy = player->display();
+  XSetWindowAttributes attributes{};
+  attributes.override_redirect = True;
+  attributes.event_mask = ButtonPressMask | ButtonReleaseMask;
+  const Window frame =
+      XCreateWindow(dpy, player->root(), 1000, 200, 200, 200, 0, CopyFromParent, InputOutput,
+                    nullptr, CWOverrideRedirect | CWEventMask, &attributes);
+  const Window inside = XCreateSimpleWindow(dpy, frame, 20, 40, 160, 140, 0, 0, 0);
+  std::string name = "framed";
+  std::string classname = "Framed";
+  XClassHint hint{name.data(), classname.data()};
+  XSetClassHint(dpy, inside, &hint);
+  XMapSubwindows(dpy, frame);
+  XMapWindow(dpy, frame);
+  XSync(dpy, False);
+  StartGromlit();
+  for (const Point at : {Point{1010, 210}, Point{1100, 300}}) {
+    SCOPED_TRACE(at.y);
+    Go(at);
+    player->Click(3);
+    for (const int type : {ButtonPress, ButtonRelease}) {
+      XEvent event{};
+      ASSERT_TRUE(WaitFor([&] { return XCheckTypedWindowEvent(dpy, frame, type, &event) != 0; }));
+      EXPECT_FALSE(event.xbutton.send_event);
+      EXPECT_EQ(event.xbutton.button, 3u);
+      EXPECT_EQ(event.xbutton.x_root, at.x);
+      EXPECT_EQ(event.xbutton.y_root, at.y);
+    }
+    EXPECT_TRUE(PointerBecomesFree());
+  }
+  XEvent event;
+  EXPECT_FALSE(XCheckWindowEvent(dpy, frame, ButtonPressMask | ButtonReleaseMask, &event))
+      << "more than one click";
+}
+
 TEST_P(CaptureTest, ShortPressIsExactlyOneSyntheticClickAtThePress) {
   const auto probe = StartProbe();
   StartGromlit();
