@@ -433,26 +433,34 @@ void FrontEnd::ReleaseOnRow(Window menu, int row, int above, int button) {
   EXPECT_TRUE(WaitFor([&] { return !Viewable(menu); })) << "the menu stays open";
 }
 
-void FrontEnd::Choose(Title title, int row) {
-  const Window main = MainWindow();
-  const Window bar = WaitChild(main, 0, 0);
+Window FrontEnd::PressTitle(Title title) {
+  const Window bar = WaitChild(MainWindow(), 0, 0);
   int x = 8;
   for (int i = 0; i < static_cast<int>(title); i++) x += LabelWidth(kTitles[i]) + 16;
-  if (!Over(bar, x + 4, ItemHeight() / 2)) return;
+  if (!Over(bar, x + 4, ItemHeight() / 2)) return 0;
   player->Press(1);
   Window menu = 0;
   EXPECT_TRUE(WaitFor([&] { return (menu = Menu()) != 0; })) << "no menu";
-  // The bar takes the menu to start at its own lower edge; it starts two pixels higher.
-  ReleaseOnRow(menu, row, 2);
+  return menu;
 }
 
-void FrontEnd::ChoosePopup(int cell, int row) {
+Window FrontEnd::OpenPopup(int cell) {
   const Point at = Cell(cell);
   ClickIn(MainWindow(), at.x, at.y, 3);
   Window menu = 0;
-  ASSERT_TRUE(WaitFor([&] { return (menu = Menu()) != 0; })) << "no popup";
+  EXPECT_TRUE(WaitFor([&] { return (menu = Menu()) != 0; })) << "no popup";
+  return menu;
+}
+
+void FrontEnd::Choose(Title title, int row) {
+  if (const Window menu = PressTitle(title)) ReleaseOnRow(menu, row, kTitleAbove);
+}
+
+void FrontEnd::ChoosePopup(int cell, int row) {
+  const Window menu = OpenPopup(cell);
+  ASSERT_NE(menu, Window{0});
   // It follows the pointer without a button, and a click chooses.
-  GoToRow(menu, row, 0);
+  GoToRow(menu, row);
   player->Press(1);
   player->Release(1);
   EXPECT_TRUE(WaitFor([&] { return !Viewable(menu); })) << "the popup stays open";
@@ -599,16 +607,19 @@ void FrontEnd::ChooseSymbol(int index) {
 }
 
 void FrontEnd::MakeSymbol(const std::string& name, const std::vector<Point>& corners,
-                          const std::vector<Point>& pixels) {
+                          const std::vector<Point>& pixels,
+                          const std::function<void(int step)>& seen) {
   Choose(Title::kSymbol, kSymbolNew);
   const Window editor = WaitShown("SymbolEditor");
   const Window area = WaitChild(editor, 16, 100);
-  const Point origin = OriginOf(area);
+  const auto pixel_at = [&](int x, int y) {
+    const Point origin = OriginOf(area);
+    return player->Pixel(origin.x + x, origin.y + y);
+  };
   for (const Point& corner : corners) {
     ClickIn(area, corner.x, corner.y);
-    EXPECT_TRUE(WaitFor([&] {
-      return player->Pixel(origin.x + corner.x - 3, origin.y + corner.y - 3) == 0;
-    })) << "no square at the corner";
+    EXPECT_TRUE(WaitFor([&] { return pixel_at(corner.x - 3, corner.y - 3) == 0; }))
+        << "no square at the corner";
   }
   ClickIn(area, corners.back().x, corners.back().y);
 
@@ -620,16 +631,19 @@ void FrontEnd::MakeSymbol(const std::string& name, const std::vector<Point>& cor
       return next != 0 && next != now;
     })) << "the step does not change";
   };
+  seen(1);
   press_next_step();
   for (const Point& pixel : pixels) {
     const Point at = {13 + 8 * pixel.x + 3, 13 + 8 * pixel.y + 3};
-    const unsigned long before = player->Pixel(origin.x + at.x, origin.y + at.y);
+    const unsigned long before = pixel_at(at.x, at.y);
     ClickIn(area, at.x, at.y);
-    EXPECT_TRUE(WaitFor([&] { return player->Pixel(origin.x + at.x, origin.y + at.y) != before; }))
+    EXPECT_TRUE(WaitFor([&] { return pixel_at(at.x, at.y) != before; }))
         << "the icon's pixel does not turn";
   }
+  seen(2);
   press_next_step();
   Replace(WaitChild(editor, 16, 100), name);
+  seen(3);
   ClickChild(editor, 400, 414);
   EXPECT_TRUE(WaitHidden("SymbolEditor"));
 }

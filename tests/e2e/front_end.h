@@ -98,6 +98,11 @@ class FrontEnd : public ShellRun {
   void Fill(Window field, const std::string& text);     // into an empty field
   void Replace(Window field, const std::string& text);  // of what it holds
 
+  // Presses a title of the menu bar and holds it; the menu that opens.
+  Window PressTitle(Title title);
+  static constexpr int kTitleAbove = 2;  // for GoToRow: the bar's menus start above its lower edge
+  // Opens the popup over a cell of the main window's grid by a click.
+  Window OpenPopup(int cell);
   // Chooses an entry of the menu bar by press, drag and release; `main` is the main window.
   void Choose(Title title, int row);
   // Chooses from the popup over a cell of the main window's grid.
@@ -139,8 +144,11 @@ class FrontEnd : public ShellRun {
   // Chooses in the open symbol dialog and leaves it with OK.
   void ChooseSymbol(int index);
   // Draws a symbol in the symbol editor, turns the icon's pixels given as (column, row), and saves.
-  void MakeSymbol(const std::string& name, const std::vector<Point>& corners,
-                  const std::vector<Point>& pixels = {});
+  // `seen` is called with each step's number when the step is done.
+  void MakeSymbol(
+      const std::string& name, const std::vector<Point>& corners,
+      const std::vector<Point>& pixels = {},
+      const std::function<void(int step)>& seen = [](int) {});
 
   std::string SymbolFile(const std::string& name) const;
   std::string PluginFile(const std::string& classname) const;
