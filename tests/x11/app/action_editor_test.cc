@@ -139,6 +139,35 @@ TEST_F(ActionEditorTest, EverythingLiesWhereItBelongs) {
   EXPECT_EQ(Buttons(), "00001");
 }
 
+TEST_F(ActionEditorTest, DrawsItsTexts) {
+  EditNewAction(plugin);
+  Pump();
+  const int w = act->tbar->width;
+  const auto shows = [](const char* text, int x, int baseline) {
+    return ShowsText(act->window, text, x, baseline, TextWidth(txtFontinfo, text) + 12);
+  };
+  EXPECT_TRUE(shows("Edit PlugIn Action:", 16, 96));
+  EXPECT_TRUE(shows("Name: ", w + 32, 96));
+  EXPECT_TRUE(shows("Symbol: ", w + 176, 96));
+  EXPECT_TRUE(shows("Commands: ", 16, 300));
+  const char* const help[] = {"Click on the symbol",
+                              "to change the action symbol.",
+                              "",
+                              "Click on the tabs to add",
+                              "a command of that type.",
+                              "Fill in the values,",
+                              "and click on Add to add it.",
+                              "",
+                              "To edit an existing command,",
+                              "click on it in the",
+                              "list of commands."};
+  int baseline = 2 * txtCharht + 148;
+  for (const char* line : help) {
+    EXPECT_TRUE(shows(line, w + 32, baseline)) << line;
+    baseline += txtCharht;
+  }
+}
+
 TEST_F(ActionEditorTest, HelpOpensItsPageInTheBrowser) {
   const std::string script = *install / "browser";
   const std::string seen = *install / "seen";

@@ -192,6 +192,36 @@ class ActionFixture : public XFixture {
     ClickOn(failure->no);
     EXPECT_FALSE(Told());
   }
+  // Whether a text stands at x with this baseline, in the text font, and nothing else in a field
+  // `width` pixels wide that begins there.
+  static bool ShowsText(Window window, const std::string& text, int x, int baseline, int width) {
+    const auto w = static_cast<unsigned>(width);
+    const auto h = static_cast<unsigned>(txtCharht);
+    const Pixmap paper =
+        XCreatePixmap(dpy, root, w, h, static_cast<unsigned>(DefaultDepth(dpy, screen)));
+    XGCValues values;
+    values.foreground = lgrey.pixel;
+    values.font = txtFont;
+    const GC gc = XCreateGC(dpy, paper, GCForeground | GCFont, &values);
+    XFillRectangle(dpy, paper, gc, 0, 0, w, h);
+    XSetForeground(dpy, gc, black.pixel);
+    XDrawString(dpy, paper, gc, 0, txtFontinfo->ascent, text.c_str(),
+                static_cast<int>(text.size()));
+    XImage* wanted = XGetImage(dpy, paper, 0, 0, w, h, AllPlanes, ZPixmap);
+    XImage* shown =
+        XGetImage(dpy, window, x, baseline - txtFontinfo->ascent, w, h, AllPlanes, ZPixmap);
+    bool same = wanted != nullptr && shown != nullptr;
+    for (int row = 0; same && row < txtCharht; row++) {
+      for (int column = 0; same && column < width; column++) {
+        same = XGetPixel(wanted, column, row) == XGetPixel(shown, column, row);
+      }
+    }
+    if (wanted != nullptr) XDestroyImage(wanted);
+    if (shown != nullptr) XDestroyImage(shown);
+    XFreePixmap(dpy, paper);
+    XFreeGC(dpy, gc);
+    return same;
+  }
   // A picture of the screen for a person, when a directory for them is given.
   void Picture(const std::string& name) {
     Pump();

@@ -47,35 +47,9 @@ class ActionTabsTest : public testing::ActionFixture {
     XDestroyImage(image);
     return ink;
   }
-  // Whether a text stands at x with this baseline, in the text font, and nothing right of it.
+  // Whether a help line stands there, and nothing right of it.
   bool Shows(const std::string& text, int x, int baseline) {
-    const int width = act->tbar->width - x - 4;
-    const auto w = static_cast<unsigned>(width);
-    const auto h = static_cast<unsigned>(txtCharht);
-    const Pixmap paper =
-        XCreatePixmap(dpy, root, w, h, static_cast<unsigned>(DefaultDepth(dpy, screen)));
-    XGCValues values;
-    values.foreground = lgrey.pixel;
-    values.font = txtFont;
-    const GC gc = XCreateGC(dpy, paper, GCForeground | GCFont, &values);
-    XFillRectangle(dpy, paper, gc, 0, 0, w, h);
-    XSetForeground(dpy, gc, black.pixel);
-    XDrawString(dpy, paper, gc, 0, txtFontinfo->ascent, text.c_str(),
-                static_cast<int>(text.size()));
-    XImage* wanted = XGetImage(dpy, paper, 0, 0, w, h, AllPlanes, ZPixmap);
-    XImage* shown = XGetImage(dpy, act->tbar->window, x, baseline - txtFontinfo->ascent, w, h,
-                              AllPlanes, ZPixmap);
-    bool same = wanted != nullptr && shown != nullptr;
-    for (int row = 0; same && row < txtCharht; row++) {
-      for (int column = 0; same && column < width; column++) {
-        same = XGetPixel(wanted, column, row) == XGetPixel(shown, column, row);
-      }
-    }
-    if (wanted != nullptr) XDestroyImage(wanted);
-    if (shown != nullptr) XDestroyImage(shown);
-    XFreePixmap(dpy, paper);
-    XFreeGC(dpy, gc);
-    return same;
+    return ShowsText(act->tbar->window, text, x, baseline, act->tbar->width - x - 4);
   }
   void ExpectHelp(const Strings& lines, int baseline) {
     for (const std::string& line : lines) {

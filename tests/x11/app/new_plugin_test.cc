@@ -4,6 +4,7 @@
 
 #include "app/new_plugin.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <functional>
@@ -264,10 +265,24 @@ TEST_F(NewPlugin, LabelNamesTheApplication) {
     EXPECT_TRUE(WaitFor([&] { return user_.Pixel(800 + width - 1, 405) == kDarkGrey; }));
     EXPECT_EQ(user_.Pixel(800, 405), kWhite) << "raised";
     int ink = 0;
+    int firstx = 800 + width;
+    int firsty = 400 + txtCharht;
     for (int x = 802; x < 800 + width - 2; x++) {
-      for (int y = 402; y < 400 + txtCharht + 2; y++) ink += user_.Pixel(x, y) == kBlack ? 1 : 0;
+      for (int y = 402; y < 400 + txtCharht + 2; y++) {
+        if (user_.Pixel(x, y) != kBlack) continue;
+        ink++;
+        firstx = std::min(firstx, x);
+        firsty = std::min(firsty, y);
+      }
     }
     EXPECT_GT(ink, 50) << "text";
+    int direction;
+    int ascent;
+    int descent;
+    XCharStruct text;
+    XTextExtents(txtFontinfo, "XTerm.xterm", 11, &direction, &ascent, &descent, &text);
+    EXPECT_EQ(firstx, 800 + 3 + text.lbearing);
+    EXPECT_EQ(firsty, 400 + ascent + 2 - text.ascent);
     const char* directory = std::getenv("PICTURES");
     if (directory != nullptr) {
       SaveScreen(user_.display(), std::string(directory) + "/label.png");
