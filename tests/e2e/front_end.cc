@@ -5,6 +5,8 @@
 #include <X11/keysym.h>
 
 #include <algorithm>
+#include <array>
+#include <optional>
 
 #include "core/plugin_files.h"
 #include "core/symbol_files.h"
@@ -22,6 +24,10 @@ constexpr std::chrono::milliseconds kDoubleClick{500};
 
 constexpr const char* kTitles[] = {"Plug-In", "Action", "Symbol", "Options", "Help"};
 constexpr const char* kTabs[] = {"HotKey", "Menu", "Text", "Sound", "Run", "Internet"};
+
+int ReleasePixels(XImage* pixels) {
+  return XDestroyImage(pixels);
+}
 
 }  // namespace
 
@@ -50,11 +56,11 @@ int FrontEnd::TextHeight() {
 int FrontEnd::ItemHeight() {
   return label_->max_bounds.ascent + label_->max_bounds.descent + 6;
 }
-int FrontEnd::TextWidth(const std::string& text) {
-  return XTextWidth(txt_, text.c_str(), static_cast<int>(text.size()));
-}
 int FrontEnd::LabelWidth(const std::string& text) {
   return XTextWidth(label_, text.c_str(), static_cast<int>(text.size()));
+}
+int FrontEnd::TextWidth(const std::string& text) {
+  return XTextWidth(txt_, text.c_str(), static_cast<int>(text.size()));
 }
 
 // --- Finding ------------------------------------------------------------------------------------
@@ -253,39 +259,42 @@ std::string FrontEnd::Look(Window window) {
   return look;
 }
 
+FrontEnd::Pixels FrontEnd::PixelsOf(XFontStruct* font, const std::string& text, int x, int baseline,
+                                    int width, int height) {
+  Display* display = player->display();
+  const auto columns = static_cast<unsigned>(width);
+  const auto rows = static_cast<unsigned>(height);
+  const Pixmap drawn = XCreatePixmap(display, player->root(), columns, rows, 1);
+  const GC gc = XCreateGC(display, drawn, 0, nullptr);
+  XFillRectangle(display, drawn, gc, 0, 0, columns, rows);
+  XSetForeground(display, gc, 1);
+  XSetFont(display, gc, font->fid);
+  XDrawString(display, drawn, gc, x, baseline, text.c_str(), static_cast<int>(text.size()));
+  Pixels pixels(XGetImage(display, drawn, 0, 0, columns, rows, 1, XYPixmap), ReleasePixels);
+  XFreeGC(display, gc);
+  XFreePixmap(display, drawn);
+  return pixels;
+}
+
+FrontEnd::Pixels FrontEnd::PixelsOf(Window window, const Box& box) {
+  const Point origin = OriginOf(window);
+  return {XGetImage(player->display(), player->root(), origin.x + box.x, origin.y + box.y,
+                    static_cast<unsigned>(box.width), static_cast<unsigned>(box.height), AllPlanes,
+                    ZPixmap),
+          ReleasePixels};
+}
+
 bool FrontEnd::Reads(Window window, const std::string& text) {
   return ReadsIn(txt_, window, text) || ReadsIn(label_, window, text);
 }
 
 bool FrontEnd::ReadsIn(XFontStruct* font, Window window, const std::string& text) {
-  Display* display = player->display();
-  const int length = static_cast<int>(text.size());
-  const int width = XTextWidth(font, text.c_str(), length);
+  const int width = XTextWidth(font, text.c_str(), static_cast<int>(text.size()));
   const int height = font->ascent + font->descent;
   const Box box = BoxOf(window);
-  if (length == 0 || width > box.width || height > box.height) return false;
-
-  // What the text looks like: one bit for a pixel.
-  const Pixmap drawn = XCreatePixmap(display, player->root(), static_cast<unsigned>(width),
-                                     static_cast<unsigned>(height), 1);
-  const GC gc = XCreateGC(display, drawn, 0, nullptr);
-  XFillRectangle(display, drawn, gc, 0, 0, static_cast<unsigned>(width),
-                 static_cast<unsigned>(height));
-  XSetForeground(display, gc, 1);
-  XSetFont(display, gc, font->fid);
-  XDrawString(display, drawn, gc, 0, font->ascent, text.c_str(), length);
-  const auto release = [](XImage* image) { XDestroyImage(image); };
-  using Picture = std::unique_ptr<XImage, decltype(release)>;
-  const Picture wanted(XGetImage(display, drawn, 0, 0, static_cast<unsigned>(width),
-                                 static_cast<unsigned>(height), 1, XYPixmap),
-                       release);
-  XFreeGC(display, gc);
-  XFreePixmap(display, drawn);
-  const Point origin = OriginOf(window);
-  const Picture seen(
-      XGetImage(display, player->root(), origin.x, origin.y, static_cast<unsigned>(box.width),
-                static_cast<unsigned>(box.height), AllPlanes, ZPixmap),
-      release);
+  if (text.empty() || width > box.width || height > box.height) return false;
+  const Pixels wanted = PixelsOf(font, text, 0, font->ascent, width, height);
+  const Pixels seen = PixelsOf(window, {0, 0, box.width, box.height});
   if (wanted == nullptr || seen == nullptr) return false;
 
   const auto stands_at = [&](int x, int y) {
@@ -301,6 +310,46 @@ bool FrontEnd::ReadsIn(XFontStruct* font, Window window, const std::string& text
     for (int x = 0; x + width <= box.width; x++)
       if (stands_at(x, y)) return true;
   return false;
+}
+
+bool FrontEnd::LineReads(Window window, int x, int baseline, const std::string& text, int left,
+                         int right) {
+  constexpr int kAbove = 2;  // rows at a line's top that a highlighted line above it may cover
+  const int ascent = txt_->ascent - kAbove;
+  const Box box = {left, baseline - ascent, right - left, TextHeight() - kAbove};
+  if (box.width <= 0 || window == 0) return window != 0;
+  const Pixels wanted = PixelsOf(txt_, text, x - left, ascent, box.width, box.height);
+  const Pixels seen = PixelsOf(window, box);
+  if (wanted == nullptr || seen == nullptr) return false;
+  std::array<std::optional<unsigned long>, 2> colours;  // of ground and text
+  for (int i = 0; i < box.width; i++) {
+    for (int j = 0; j < box.height; j++) {
+      auto& colour = colours[XGetPixel(wanted.get(), i, j)];
+      if (!colour) colour = XGetPixel(seen.get(), i, j);
+      if (*colour != XGetPixel(seen.get(), i, j)) return false;
+    }
+  }
+  return colours[0] != colours[1];
+}
+
+bool FrontEnd::FieldReads(Window field, const std::string& text, int caret) {
+  constexpr int kTextX = 4;
+  constexpr int kBaseline = 16;
+  constexpr int kCaretWidth = 8;
+  const int before = TextWidth(caret < 0 ? text : text.substr(0, static_cast<size_t>(caret))) + 3;
+  const int width = BoxOf(field).width;
+  return WaitFor([&] {
+    return LineReads(field, kTextX, kBaseline, text, kTextX, before) &&
+           LineReads(field, kTextX, kBaseline, text, before + kCaretWidth, width - 3);
+  });
+}
+
+bool FrontEnd::DialogReads(const std::vector<std::string>& lines) {
+  const Window dialog = WaitDialog();
+  return WaitFor([&] {
+    return std::all_of(lines.begin(), lines.end(),
+                       [&](const std::string& line) { return Reads(dialog, line); });
+  });
 }
 
 // --- Doing --------------------------------------------------------------------------------------

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -79,6 +80,14 @@ class FrontEnd : public ShellRun {
   std::string Look(Window window);
   // Whether this text stands somewhere in a window, in black, in the font of texts or of buttons.
   bool Reads(Window window, const std::string& text);
+  // Whether a line of a window shows this text, in the text font and one colour, and nothing else
+  // between the columns `left` and `right`. The text starts at column x.
+  bool LineReads(Window window, int x, int baseline, const std::string& text, int left, int right);
+  // The same of a text field, whose caret, not looked at, stands before the letter `caret`; -1: at
+  // the end. Waits for it.
+  bool FieldReads(Window field, const std::string& text, int caret = -1);
+  // Waits until the open dialog shows these lines.
+  bool DialogReads(const std::vector<std::string>& lines);
 
   // --- Doing ---
 
@@ -161,7 +170,14 @@ class FrontEnd : public ShellRun {
   int TextWidth(const std::string& text);
 
  private:
+  using Pixels = std::unique_ptr<XImage, int (*)(XImage*)>;
+
   XFontStruct* Font(const char* name);
+  // One bit for a pixel: this text, drawn from column x on in a picture of this size.
+  Pixels PixelsOf(XFontStruct* font, const std::string& text, int x, int baseline, int width,
+                  int height);
+  // Part of a window, as it is on the screen.
+  Pixels PixelsOf(Window window, const Box& box);
   bool ReadsIn(XFontStruct* font, Window window, const std::string& text);
 
   XFontStruct* txt_ = nullptr;

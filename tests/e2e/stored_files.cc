@@ -22,4 +22,14 @@ nlohmann::json ShowFile(const std::string& path) {
   return nlohmann::json::parse(text);
 }
 
+void PackFile(const nlohmann::json& document, const std::string& path) {
+  const std::string input = std::string(GromlitPath) + "/packed.json";
+  const std::string output = std::string(GromlitPath) + "/pack.log";
+  WriteText(input, document.dump());
+  const int status =
+      Process({std::string(GROMLIT_BUILD) + "/gromlit-tool", "pack", input, "-o", path}, output)
+          .Wait();
+  EXPECT_EQ(status, 0) << ReadText(output);
+}
+
 }  // namespace gromlit::testing

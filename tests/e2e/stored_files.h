@@ -10,4 +10,7 @@ namespace gromlit::testing {
 // is not there or damaged.
 nlohmann::json ShowFile(const std::string& path);
 
+// Writes the file that `gromlit-tool pack` makes of a document; fails the test when it refuses.
+void PackFile(const nlohmann::json& document, const std::string& path);
+
 }  // namespace gromlit::testing
