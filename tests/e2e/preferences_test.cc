@@ -154,22 +154,41 @@ class PreferencesTest : public testing::FrontEnd {
     Draw(kDrawRight, button);
     return Appears("marks/acted");
   }
+  // The motion with a button held that the trail's windows ask for, seen while a stroke is drawn.
+  long TrailMotion(int button) {
+    Go(kDrawRight[0]);
+    player->Press(button);
+    Trace(kDrawRight);
+    long events = 0;
+    EXPECT_TRUE(WaitFor([&] { return !MappedOverlays().empty(); }));
+    for (const Window window : MappedOverlays()) {
+      XWindowAttributes attributes{};
+      XGetWindowAttributes(player->display(), window, &attributes);
+      events |= attributes.all_event_masks;
+    }
+    player->Release(button);
+    EXPECT_TRUE(TrailIsGone());
+    return events & (Button1MotionMask | Button2MotionMask | Button3MotionMask);
+  }
   // Whether the probe gets this button's click as it is made: not sent on by the program.
   bool IsOrdinary(int button, const std::string& state = "0") {
-    const std::string start =
-        "ButtonPress window=main button=" + std::to_string(button) + " state=" + state + " ";
-    const size_t before = probe_->Lines(start).size();
+    const std::string which = " window=main button=" + std::to_string(button) + " ";
+    const std::string pressed = "ButtonPress" + which + "state=" + state + " ";
+    const std::string released = "ButtonRelease" + which;
+    const size_t presses = probe_->Lines(pressed).size();
+    const size_t releases = probe_->Lines(released).size();
     ClickIn(probe_->window(), 40, 40, button);
-    const auto lines = probe_->Wait(before + 1, start);
-    return lines.size() == before + 1 && lines.back().ends_with("send_event=0");
+    probe_->Wait(releases + 1, released);
+    const auto lines = probe_->Lines(pressed);
+    return lines.size() == presses + 1 && lines.back().ends_with("send_event=0");
   }
   // A press of the draw button that moves `length` pixels, and whether it came as a click.
   bool MoveIsAClick(int length, int button) {
-    const std::string start = "ButtonPress window=main button=" + std::to_string(button);
-    const size_t before = probe_->Lines(start).size();
+    const std::string released = "ButtonRelease window=main button=" + std::to_string(button) + " ";
+    const size_t before = probe_->Lines(released).size();
     Drag({{920, 200}, {920 + length, 200}}, button);
+    const auto lines = probe_->Wait(before + 1, released);
     EXPECT_TRUE(TrailIsGone());
-    const auto lines = probe_->Wait(before + 1, start);
     return lines.size() == before + 1 && lines.back().ends_with("send_event=1");
   }
 
@@ -460,13 +479,14 @@ TEST_F(PreferencesTest, StoredCommandsWithoutAnEndAreCutToTheirFields) {
 TEST_P(ManagedPreferencesTest, NewDrawButtonDrawsAtOnceAndTheOldOneIsFree) {
   StartProbe();
   Start();
-  EXPECT_TRUE(Draws(3));
+  EXPECT_EQ(TrailMotion(3), Button3MotionMask);
   Open();
   ChoosePulldown(DrawButton(), kRowMiddle);
   EXPECT_TRUE(Draws(3)) << "not before OK";
   Ok();
   EXPECT_TRUE(IsOrdinary(3));
   EXPECT_TRUE(Draws(2));
+  EXPECT_EQ(TrailMotion(2), Button2MotionMask);
   EXPECT_TRUE(MoveIsAClick(0, 2));
   // And back.
   Open();
