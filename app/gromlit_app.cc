@@ -244,6 +244,7 @@ void DrawGromlitApp(GromlitApp* gromlit) {
   FillRectangle(gromlit->window, gromlit->gc, white.pixel, gromlit->border, gromlit->icony, width,
                 height);
   XDrawBevel(kSunken, gromlit->window, gromlit->gc, gromlit->border, gromlit->icony, width, height);
+  gromlit->drawn = gromlit->plugin;
   gromlit->nicons = CountActions(gromlit->plugin);
   // All of one colour and then all of the other: every change of colour is a request.
   XSetForeground(dpy, gromlit->gc, blue.pixel);
@@ -268,6 +269,10 @@ GromlitPluginList* UpdateGromlitApp(GromlitApp* gromlit, const char* classname, 
   return node;
 }
 
+void KeepShownPlugin() {
+  if (app != nullptr) app->lifted = NextRequest(dpy);
+}
+
 void UpdateGromlitScrollRange() {
   if (app != nullptr) UpdateScrollbarRange(app->sbar, ScrollRange(app));
 }
@@ -281,6 +286,12 @@ void GromlitIconScroll(GromlitApp* gromlit, int ypos) {
 
 void GromlitAppButtonPress(GromlitApp* gromlit, XEvent* event) {
   const XButtonEvent& press = event->xbutton;
+  if (gromlit->drawn != gromlit->plugin) {
+    // A stroke over an application shows its plug-in without drawing it when that is switched off:
+    // the user has clicked on an action of another one, and sees the true ones first.
+    DrawGromlitApp(gromlit);
+    return;
+  }
   // Server times are 32 bits wide and start again at 0 after 49 days.
   const uint32_t now = PressTime(press);
   const bool twice = now - static_cast<uint32_t>(AppLastClick) <= kDoubleClickTime;

@@ -56,7 +56,8 @@ struct GromlitApp {
   int validcut;           // non-zero when `cut` holds an action
   XMenu* popup;           // menu of button 3
   PluginMenus* menus;     // windows of the plug-in menu; made and used by MakePluginsMenu
-  unsigned long lifted;   // request that took the plug-in menu from under the pointer; 0 for none
+  GromlitPlugin* drawn;   // whose actions the grid has; differs from `plugin` until the next redraw
+  unsigned long lifted;   // request that took a window from under the pointer; 0 for none
 };
 
 extern GromlitApp* app;
@@ -79,6 +80,11 @@ void RefreshGromlitApp();
 // left alone. Returns the plug-in's node; null when the class has no plug-in. Does not redraw the
 // grid.
 GromlitPluginList* UpdateGromlitApp(GromlitApp* gromlit, const char* classname, int* updated);
+
+// To be called right before the request that takes a menu or a dialog from the screen after which
+// the main window is to show a certain plug-in. The pointer is then on what was below, often
+// another application, without having gone there; GromlitAppTrackEnter does not follow it.
+void KeepShownPlugin();
 
 // Gives the scrollbar the number of rows that the shown plug-in of `app` needs. To be called when
 // its actions have become more or fewer.

@@ -72,8 +72,7 @@ void MenuMore(XMenu*, void*) {}
 
 void SelectPlugin(XMenu* menu, void* plugin) {
   if (menu != nullptr) {
-    // Before drawing: whatever the pointer enters from the next request on, it was moved there.
-    app->lifted = NextRequest(dpy);
+    KeepShownPlugin();
     PullUpMenu(menu);
   }
   UpdateGromlitApp(app, static_cast<GromlitPlugin*>(plugin)->classname, nullptr);

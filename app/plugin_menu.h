@@ -32,8 +32,7 @@ void UpdatePluginsMenu();
 void MenuMore(XMenu* menu, void* arg);
 
 // Action of a plug-in's item: the main window shows the plug-in, which is the argument. Closes the
-// menu, and notes the request that does in the main window's record: the pointer is then on what
-// was below the menu, often another application, without having gone there.
+// menu first.
 void SelectPlugin(XMenu* menu, void* plugin);
 
 // Deletes the plug-in's file and takes it out of allPlugins and of the menu; the main window shows

@@ -34,7 +34,8 @@ void CreateAppTrack() {
 
 void GromlitAppTrackEnter(void*, XEvent* event) {
   if (event->xcrossing.mode == NotifyGrab || editingPlugin != 0) return;
-  // A plug-in was chosen from a menu that lay over this window: it would not be shown even once.
+  // A menu or a dialog lay over this window: the plug-in that was chosen in it, or changed by it,
+  // would not be shown even once.
   if (app->lifted != 0 && event->xcrossing.serial == app->lifted) return;
   std::array<char, kClassBuffer> cname{};
   const Window entered = GetXApp(event->xcrossing.window, cname);

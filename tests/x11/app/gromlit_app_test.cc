@@ -522,6 +522,19 @@ TEST_F(GromlitAppTest, TwoQuickClicksOpenTheActionEditor) {
   EXPECT_TRUE(Viewable(act->window));
 }
 
+TEST_F(GromlitAppTest, AClickOnActionsOfAnotherPluginSelectsNothingAndShowsTheTrueOnes) {
+  ShowNew(8);
+  Plugin("Other", "Other.other", 3);
+  UpdateGromlitApp(app, "Other.other", nullptr);  // as a stroke does that is not to show actions
+  PressCell(1, 100000);
+  EXPECT_EQ(app->selected, -1);
+  EXPECT_EQ(AllHighlighted(), Numbers{});
+  EXPECT_EQ(app->nicons, 3);
+  PressCell(1, 100100);
+  EXPECT_EQ(app->selected, 1) << "a first click";
+  EXPECT_EQ(editingPlugin, 0);
+}
+
 TEST_F(GromlitAppTest, TwoSlowClicksSelectAndDeselect) {
   ShowNew(8);
   MoveInApp(CellX(4) + 32, CellY(4) + 20);

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "app/dialogs.h"
+#include "app/main_menu.h"
 #include "app/user_options_window.h"
 #include "capture/app_track.h"
 #include "capture/gromlit_draw.h"
@@ -252,6 +253,28 @@ TEST_F(AppTrackTest, PluginChosenFromAMenuOverAnApplicationIsShownUntilThePointe
   EXPECT_EQ(app->plugin, DefaultPlugin);
   MovePointer(menu->x + 21, below);
   EXPECT_EQ(app->plugin, edit);
+}
+
+TEST_F(AppTrackTest, PluginRenamedInADialogOverAnApplicationIsShownUntilThePointerGoesOn) {
+  Make(700, 100, "Edit", "edit");
+  GromlitPlugin* other = Plugin("Other", "Other.other", 1);
+  MakeEditNameDialog(SaveNewPluginName);
+  Follow();
+  UpdateGromlitApp(app, "Other.other", nullptr);
+  mbPluginEdit(nullptr, app);
+  XMoveWindow(dpy, editname->window, 650, 60);
+  Pump();
+  const int okx = 650 + editname->width - 144 + 10;
+  const int oky = 60 + editname->height - 32 + 10;
+  MovePointer(okx, oky);
+  UpdateGromlitApp(app, "Other.other", nullptr);
+  player->Click(1);
+  Pump();
+  EXPECT_FALSE(Viewable(editname->window));
+  EXPECT_EQ(app->plugin, other);
+  MoveOut();
+  MovePointer(okx, oky);
+  EXPECT_EQ(app->plugin, edit) << "the dialog was not over the application";
 }
 
 TEST_F(AppTrackTest, WindowThatIsGoneChangesNothing) {
