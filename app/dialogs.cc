@@ -56,10 +56,10 @@ void SplitLines(std::string_view text) {
 }
 
 // Gives the notice the size that a dialog made for its lines would have, and room for its title.
-void FitFailure() {
+void FitFailure(const char* title) {
   constexpr int kMargins = 24;  // ResizeDialog adds 8 more
   constexpr int kLineGap = 2;
-  int width = logoImage->width + TextWidth(labelFontinfo, labelFailure);
+  int width = logoImage->width + TextWidth(labelFontinfo, title);
   int height = txtCharht;
   for (const char* const* line = failuremsgs.data(); *line != nullptr; line++) {
     width = std::max(width, TextWidth(txtFontinfo, *line));
@@ -89,14 +89,18 @@ void MakeEditNameDialog(void (*yesfn)(XDialog* dlog)) {
   XMapWindow(dpy, txt->window);
 }
 
-void ShowFailure(const char* what) {
+void ShowNotice(const char* title, const char* what) {
   if (failure == nullptr) {
     std::fprintf(stderr, "%s\n", what);
     return;
   }
   SplitLines(what);
-  FitFailure();
-  MousePopUpDialog(failure, labelFailure);
+  FitFailure(title);
+  MousePopUpDialog(failure, title);
+}
+
+void ShowFailure(const char* what) {
+  ShowNotice(labelFailure, what);
 }
 
 void ShowSaveFailure(const char* what, int error) {

@@ -26,7 +26,7 @@ extern XDialog* confirm;
 // The question for a plug-in's new name: `child` is its text field (TextEditor), `arg` the plug-in.
 extern XDialog* editname;
 
-// What could not be done; see ShowFailure.
+// What the user is told without having asked; see ShowNotice and ShowFailure.
 extern XDialog* failure;
 
 // Make the dialogs, not mapped. MakeAboutDialog makes the notice for failures as well, since
@@ -35,9 +35,12 @@ void MakeAboutDialog();
 void MakeConfirmDialog();
 void MakeEditNameDialog(void (*yesfn)(XDialog* dlog));
 
-// Shows `what` at the pointer in a dialog with an OK button: what was not done and why. A line feed
-// begins a new line; the text is copied, longer lines are cut to 100 bytes and lines beyond the
-// sixth left out. Prints the text on the error stream instead when the dialogs were not made yet.
+// Shows `what` at the pointer in a dialog with this title and an OK button. A line feed begins a
+// new line; the text is copied, longer lines are cut to 100 bytes and lines beyond the sixth left
+// out. Prints the text on the error stream instead when the dialogs were not made yet.
+void ShowNotice(const char* title, const char* what);
+
+// The same for what was not done, and why.
 void ShowFailure(const char* what);
 
 // The same for a save that failed: a line for `what`, such as "The plug-in was not saved.", and one

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "app/symbol_big_icon.h"
@@ -55,9 +56,13 @@ void ReadSymbols(SymbolDisplay* sd) {
   // Records stay alive after they have left the library.
   const GromlitSymbol* chosen = SelectedSymbol(sd);
   sd->count = 0;
+  sd->unlisted = 0;
   for (const auto* node = allSymbols; node != nullptr && node->sym != nullptr; node = node->next) {
-    if (sd->count == kChooserSymbols) break;
-    sd->syms[sd->count++] = node->sym;
+    if (sd->count < kChooserSymbols) {
+      sd->syms[sd->count++] = node->sym;
+    } else {
+      sd->unlisted++;
+    }
   }
   sd->selected = -1;
   if (chosen == nullptr) return;
@@ -108,6 +113,23 @@ void DrawSymbols(SymbolDisplay* sd) {
   }
 }
 
+// Rows of the whole grid. The notice of what is missing takes one of its own.
+int GridRows(const SymbolDisplay* sd) {
+  return (sd->count - 1 + sd->nrows) / sd->nrows + (sd->unlisted > 0 ? 1 : 0);
+}
+
+void DrawUnlisted(SymbolDisplay* sd) {
+  const int row = (sd->count - sd->top) / sd->ncols;
+  if (sd->unlisted == 0 || row >= sd->nrows) return;
+  const std::string much =
+      sd->unlisted == 1 ? "1 more symbol is" : std::to_string(sd->unlisted) + " more symbols are";
+  const int y = kGridY + SymbolCellHeight(sd) * row + sd->iconheight;
+  const int centre = kGridX + CellWidth(sd) * sd->ncols / 2 - kCellGap / 2;
+  XSetForeground(dpy, sd->gc, black.pixel);
+  DrawCentred(sd, much + " not shown.", centre, y);
+  DrawCentred(sd, "Delete symbols to see the others.", centre, y + txtCharht);
+}
+
 void DrawGrid(SymbolDisplay* sd) {
   XClearWindow(dpy, sd->window);
   FillRectangle(sd->window, sd->gc, white.pixel, kBorder, kBorder, sd->width - 2 * kBorder,
@@ -115,6 +137,7 @@ void DrawGrid(SymbolDisplay* sd) {
   XDrawBevel(kSunken, sd->window, sd->gc, kBorder, kBorder, sd->width - 2 * kBorder,
              sd->height - 2 * kBorder);
   DrawSymbols(sd);
+  DrawUnlisted(sd);
   if (sd->selected >= 0) InvertCell(sd, sd->selected);
 }
 
@@ -177,7 +200,7 @@ void DrawSymbolDisplay(SymbolDisplay* sd, XEvent*) {
   // The scrollbar may find that less is left to scroll and bring another top, which has to be known
   // before anything is drawn: a highlight drawn twice is gone.
   sd->measuring = 1;
-  UpdateScrollbarRange(sd->sbar, (sd->count - 1 + sd->nrows) / sd->nrows * SymbolCellHeight(sd));
+  UpdateScrollbarRange(sd->sbar, GridRows(sd) * SymbolCellHeight(sd));
   sd->measuring = 0;
   DrawGrid(sd);
 }

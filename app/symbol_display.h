@@ -11,6 +11,9 @@
 // A press is double when it comes within half a second of the one before, of whichever button. OK
 // waits for the release, as the OK button does: a release that comes when the dialog is gone would
 // go to the widget below it.
+//
+// When the library holds more symbols than can be listed, a row behind the last one says how many
+// are missing.
 #pragma once
 
 #include <X11/Xlib.h>
@@ -23,7 +26,7 @@ namespace gromlit {
 
 struct XMenu;
 
-inline constexpr int kChooserSymbols = 512;  // as many are listed; further ones are left out
+inline constexpr int kChooserSymbols = 512;  // as many are listed; further ones are counted
 
 // INV-CHOOSER-1: 0 <= count <= kChooserSymbols, and nothing at or beyond syms[count] is read.
 // INV-CHOOSER-2: when the library changes, the selection stays with its symbol or is dropped; it
@@ -47,6 +50,7 @@ struct SymbolDisplay {
   XScrollbar* sbar;
   XMenu* popup;   // not used
   int chosen;     // 1 from the second press of a double click on a symbol to its release
+  int unlisted;   // symbols of the library beyond those listed
   int measuring;  // 1 while the scrollbar learns its range, so that its callback does not draw
 };
 

@@ -2,21 +2,49 @@
 
 #include <cerrno>
 #include <memory>
+#include <string>
+#include <string_view>
 
 #include "app/dialogs.h"
 #include "app/symbol_dialog.h"
+#include "core/strings.h"
 #include "core/symbol_files.h"
 #include "display/display.h"
 
 namespace gromlit {
+namespace {
+
+bool IsListed(std::string_view name) {
+  const auto* node = allSymbols;
+  for (int i = 0; i < kChooserSymbols && node->sym != nullptr; i++, node = node->next) {
+    if (FieldText(node->sym->name) == name) return true;
+  }
+  return false;
+}
+
+// Says after a save that the chooser cannot list all of the library's `count` symbols. A new
+// symbol comes first in the chooser and puts the last one out of it; with the next start the
+// order of the directory decides. One that replaced a symbol stands where that one stood.
+void TellOfUnlisted(int count, std::string_view name, bool added) {
+  if (count <= kChooserSymbols || (!added && IsListed(name))) return;
+  const std::string limit = std::to_string(kChooserSymbols);
+  ShowNotice(labelSymbolSaved, ("The symbol was saved, but there are " + std::to_string(count) +
+                                " symbols now,\nand the choice of symbols shows only the first " +
+                                limit + ".\nDelete symbols that you do not need to see the others.")
+                                   .c_str());
+}
+
+}  // namespace
 
 int SaveSymbol(SymbolEditor* editor, const char* name) {
+  const GromlitSymbolList* head = allSymbols;
   if (StoreSymbol(&editor->sym, name) == 0) {
     ShowSaveFailure("The symbol was not saved.", errno);
     return 0;
   }
   XUnmapWindow(dpy, editor->window);
   RefreshSymbolNames(editor);
+  TellOfUnlisted(editor->nnames, FieldText(editor->sym.name), allSymbols != head);
   return 1;
 }
 

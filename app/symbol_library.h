@@ -6,8 +6,11 @@
 
 namespace gromlit {
 
+inline constexpr const char* labelSymbolSaved = "Symbol Saved";
+
 // Stores the editor's working symbol under `name`, cut to the record's name field, and closes the
-// editor. Returns 1; or 0 when the save failed: file and library are as they were, the editor stays
+// editor. Returns 1, after a notice when the chooser cannot list every symbol any more or does not
+// list this one; or 0 when the save failed: file and library are as they were, the editor stays
 // open with the work in it, and a dialog gives the reason.
 int SaveSymbol(SymbolEditor* editor, const char* name);
 

@@ -355,16 +355,52 @@ TEST_F(SymbolDisplayTest, ASelectionThatIsScrolledAwayIsKeptAndNotDrawn) {
 TEST_F(SymbolDisplayTest, OfMoreThan512SymbolsTheFirst512AreListed) {
   Show(Numbered(600));
   EXPECT_EQ(sd->count, 512);
+  EXPECT_EQ(sd->unlisted, 88);
   EXPECT_STREQ(sd->syms[511]->name, "s511");
-  EXPECT_EQ(sd->sbar->range, 128 * SymbolCellHeight(sd));
-  EXPECT_NE(sd->sbar, nullptr);
   for (int i = 0; i < 10; i++) Page(sd->sbar);
-  EXPECT_EQ(sd->top, 496);
-  SingleClick(3, 3);
+  EXPECT_EQ(sd->top, 500);
+  SingleClick(3, 2);
   EXPECT_EQ(sd->selected, 511);
   SetLibrary(Numbered(512));
   DrawSymbolDisplay(sd);
   EXPECT_EQ(sd->count, 512);
+  EXPECT_EQ(sd->unlisted, 0);
+}
+
+TEST_F(SymbolDisplayTest, ARowBehindTheLastListedSymbolSaysHowManyAreMissing) {
+  Show(Numbered(600));
+  EXPECT_EQ(sd->sbar->range, 129 * SymbolCellHeight(sd));
+  for (int i = 0; i < 10; i++) Page(sd->sbar);
+  ASSERT_EQ(sd->top, 500);
+  Shoot("chooser-cut");
+  const int last = 3 * SymbolCellHeight(sd);
+  const Picture row = Take(sd->window, 6, last + 6, 286, SymbolCellHeight(sd) - 8);
+  XSetWindowAttributes more{};
+  more.override_redirect = True;
+  const Window sheet = MakeChildWindow(root, 0, 0, 292, SymbolCellHeight(sd), white.pixel, 0,
+                                       CWOverrideRedirect, more);
+  XMapRaised(dpy, sheet);
+  const GC gc = MakeWindowGC(sheet, txtFont);
+  int baseline = 8 + 32;
+  for (const char* line : {"88 more symbols are not shown.", "Delete symbols to see the others."}) {
+    DrawText(sheet, gc, 8 + 140 - TextWidth(txtFontinfo, line) / 2, baseline, line);
+    baseline += txtCharht;
+  }
+  EXPECT_EQ(row, Take(sheet, 6, 6, 286, SymbolCellHeight(sd) - 8));
+  XFreeGC(dpy, gc);
+  XDestroyWindow(dpy, sheet);
+  // It is no symbol.
+  SingleClick(0, 3);
+  DoubleClick(2, 3);
+  EXPECT_EQ(sd->selected, -1);
+  EXPECT_EQ(okays, 0);
+  ExpectAsRedrawn();
+  // It is not there when all symbols are.
+  SetLibrary(Numbered(512));
+  DrawSymbolDisplay(sd);
+  EXPECT_EQ(sd->sbar->range, 128 * SymbolCellHeight(sd));
+  EXPECT_EQ(sd->top, 496);
+  ExpectAsRedrawn();
 }
 
 // INV-CHOOSER-2.

@@ -217,11 +217,78 @@ TEST_F(SymbolEditorNameTest, AManyLinedListIsScrolled) {
   EXPECT_STREQ(TextEditorText(sed->txt), sed->lst->items[sed->lst->top]);
 }
 
-TEST_F(SymbolEditorNameTest, MoreThan512SymbolsAreAllListed) {
-  for (int i = 0; i < 520; i++) Store("s" + std::to_string(i));
-  LoadSymbols();
-  RefreshSymbolNames(sed);
+// The library filled up to this many symbols.
+class FullLibraryTest : public testing::SymbolEditorFixture {
+ protected:
+  void FillUp(int count) {
+    int had = 0;
+    delete[] UpdateSymbols(&had);
+    for (int i = had; i < count; i++) Store("s" + std::to_string(i));
+    ASSERT_EQ(LoadSymbols(), count);
+    RefreshSymbolNames(sed);
+  }
+  void SaveAs(const std::string& name) {
+    Reach(kSymName);
+    MoveIn(sed->txt->window, 100, 12);
+    TypeText(name);
+    ClickOn(sed->bsave);
+    EXPECT_FALSE(Shown(sed->window));
+    EXPECT_TRUE(testing::Exists(*install / ("symbols/" + name + GromlitSymbolFileExt)));
+  }
+  // Whether the user was told that there are `count` symbols; closes the notice.
+  bool Told(int count) {
+    if (!Shown(failure->window)) return false;
+    EXPECT_STREQ(failure->title, "Symbol Saved");
+    EXPECT_EQ(failure->msgs[0],
+              "The symbol was saved, but there are " + std::to_string(count) + " symbols now,");
+    EXPECT_STREQ(failure->msgs[1], "and the choice of symbols shows only the first 512.");
+    EXPECT_STREQ(failure->msgs[2], "Delete symbols that you do not need to see the others.");
+    EXPECT_EQ(failure->msgs[3], nullptr);
+    Shoot("editor-library-full");
+    ClickOn(failure->no);
+    return true;
+  }
+};
+
+TEST_F(FullLibraryTest, TheEditorsListHasThemAll) {
+  FillUp(522);
   EXPECT_EQ(sed->lst->nitems, 522);
+}
+
+TEST_F(FullLibraryTest, TheSymbolThatDoesNotFitTheChooserIsSavedAndTheUserTold) {
+  FillUp(511);
+  SaveAs("fits");
+  EXPECT_FALSE(Told(512));
+  SaveAs("beyond");
+  EXPECT_TRUE(Told(513));
+  EXPECT_EQ(Names().front(), "beyond") << "it is shown, and the last one is not";
+  SaveAs("further");
+  EXPECT_TRUE(Told(514));
+}
+
+TEST_F(FullLibraryTest, ReplacingAListedSymbolSaysNothing) {
+  FillUp(520);
+  SaveAs(Names()[511]);
+  EXPECT_FALSE(Told(520));
+}
+
+TEST_F(FullLibraryTest, ReplacingAnUnlistedSymbolSaysSo) {
+  FillUp(520);
+  SaveAs(Names()[512]);
+  EXPECT_TRUE(Told(520));
+  EXPECT_EQ(Names().size(), 520u);
+}
+
+TEST_F(FullLibraryTest, ASaveThatFailsSaysOnlyThat) {
+  FillUp(520);
+  Reach(kSymName);
+  MoveIn(sed->txt->window, 100, 12);
+  TypeText("no/x");
+  ClickOn(sed->bsave);
+  ASSERT_TRUE(Shown(failure->window));
+  EXPECT_STREQ(failure->msgs[0], "The symbol was not saved.");
+  EXPECT_STREQ(failure->title, "Not Done");
+  ClickOn(failure->no);
 }
 
 }  // namespace
