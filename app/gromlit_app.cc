@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "app/action_commands.h"
+#include "app/icon_name.h"
 #include "app/main_menu.h"
 #include "app/symbol_big_icon.h"
 #include "app/wm_properties.h"
@@ -49,28 +50,6 @@ int CountActions(const GromlitPlugin* plugin) {
 }
 
 // --- Drawing ----------------------------------------------------------------------------------
-
-// Draws a part of a name centred on x.
-void DrawNamePart(const GromlitApp* gromlit, std::string_view part, int x, int baseline) {
-  const int length = static_cast<int>(part.size());
-  if (length == 0) return;
-  const int width = txtFontinfo != nullptr ? XTextWidth(txtFontinfo, part.data(), length) : 0;
-  XDrawString(dpy, gromlit->window, gromlit->gc, x - width / 2, baseline, part.data(), length);
-}
-
-// Draws an action's name below its icon, in two lines when it is as wide as the cell's content.
-void DrawName(const GromlitApp* gromlit, std::string_view name, int x, int baseline) {
-  const int length = static_cast<int>(name.size());
-  const int width = txtFontinfo != nullptr ? XTextWidth(txtFontinfo, name.data(), length) : 0;
-  if (width < gromlit->iconwidth) {
-    DrawNamePart(gromlit, name, x, baseline);
-    return;
-  }
-  const size_t blank = name.find(' ');
-  const size_t split = blank != std::string_view::npos ? blank : name.size() / 2;
-  DrawNamePart(gromlit, name.substr(0, split), x, baseline);
-  DrawNamePart(gromlit, name.substr(split), x, baseline + txtCharht);
-}
 
 // Calls draw(action, x, y) for every visible action with the top-left corner of its cell.
 template <typename Draw>
@@ -253,8 +232,12 @@ void DrawGromlitApp(GromlitApp* gromlit) {
   });
   XSetForeground(dpy, gromlit->gc, black.pixel);
   ForVisibleActions(gromlit, [&](const GromlitAction* action, int x, int y) {
-    DrawName(gromlit, FieldText(action->name), x + gromlit->iconwidth / 2,
-             y + txtCharht + gromlit->iconheight);
+    const int centre = x + gromlit->iconwidth / 2;
+    DrawIconName(gromlit->window, gromlit->gc, FieldText(action->name),
+                 {.centre = centre,
+                  .splitcentre = centre,
+                  .baseline = y + txtCharht + gromlit->iconheight,
+                  .limit = gromlit->iconwidth});
   });
   InvertHighlight(gromlit, gromlit->selected);
 }

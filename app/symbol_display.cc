@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "app/icon_name.h"
 #include "app/symbol_big_icon.h"
 #include "app/symbol_dialog.h"
 #include "core/strings.h"
@@ -78,28 +79,6 @@ void InvertCell(SymbolDisplay* sd, int index) {
                   cell / sd->ncols * SymbolCellHeight(sd) + 6, sd->iconwidth, sd->iconheight + 4);
 }
 
-void DrawCentred(SymbolDisplay* sd, std::string_view text, int centre, int baseline) {
-  const auto length = static_cast<int>(text.size());
-  const int width = XTextWidth(txtFontinfo, text.data(), length);
-  XDrawString(dpy, sd->window, sd->gc, centre - width / 2, baseline, text.data(), length);
-}
-
-// The name in one line, or in two when it is wider than a cell: split at its first blank, with
-// which the second line begins, or in the middle.
-void DrawName(SymbolDisplay* sd, std::string_view name, int x, int y) {
-  const int first = y + txtCharht + sd->iconheight;
-  const int width = XTextWidth(txtFontinfo, name.data(), static_cast<int>(name.size()));
-  if (width < CellWidth(sd)) {
-    DrawCentred(sd, name, x + kGridX + CellWidth(sd) / 2, first);
-    return;
-  }
-  const size_t blank = name.find(' ');
-  const size_t split = blank != std::string_view::npos ? blank : name.size() / 2;
-  const int centre = x + kGridX + sd->iconwidth / 2;
-  DrawCentred(sd, name.substr(0, split), centre, first);
-  DrawCentred(sd, name.substr(split), centre, first + txtCharht);
-}
-
 void DrawSymbols(SymbolDisplay* sd) {
   const int end = std::min(sd->count, sd->top + sd->ncols * sd->nrows);
   for (int i = sd->top; i < end; i++) {
@@ -109,7 +88,11 @@ void DrawSymbols(SymbolDisplay* sd) {
     XSetForeground(dpy, sd->gc, blue.pixel);
     DrawSymbolBigIcon(sd->window, sd->gc, sd->syms[i], x + kBitmapX, y);
     XSetForeground(dpy, sd->gc, black.pixel);
-    DrawName(sd, FieldText(sd->syms[i]->name), x, y);
+    DrawIconName(sd->window, sd->gc, FieldText(sd->syms[i]->name),
+                 {.centre = x + kGridX + CellWidth(sd) / 2,
+                  .splitcentre = x + kGridX + sd->iconwidth / 2,
+                  .baseline = y + txtCharht + sd->iconheight,
+                  .limit = CellWidth(sd)});
   }
 }
 
