@@ -109,8 +109,13 @@ void DrawUnlisted(SymbolDisplay* sd) {
   const int y = kGridY + SymbolCellHeight(sd) * row + sd->iconheight;
   const int centre = kGridX + CellWidth(sd) * sd->ncols / 2 - kCellGap / 2;
   XSetForeground(dpy, sd->gc, black.pixel);
-  DrawCentred(sd, much + " not shown.", centre, y);
-  DrawCentred(sd, "Delete symbols to see the others.", centre, y + txtCharht);
+  int baseline = y;
+  for (const std::string& line :
+       {much + " not shown.", std::string("Delete symbols to see the others.")}) {
+    DrawCentredText(sd->window, sd->gc, centre, 0, baseline, line.c_str(),
+                    TextWidth(txtFontinfo, line.c_str()));
+    baseline += txtCharht;
+  }
 }
 
 void DrawGrid(SymbolDisplay* sd) {
