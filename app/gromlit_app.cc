@@ -222,7 +222,6 @@ void DrawGromlitApp(GromlitApp* gromlit) {
   XClearWindow(dpy, gromlit->window);
   FillRectangle(gromlit->window, gromlit->gc, white.pixel, gromlit->border, gromlit->icony, width,
                 height);
-  XDrawBevel(kSunken, gromlit->window, gromlit->gc, gromlit->border, gromlit->icony, width, height);
   gromlit->drawn = gromlit->plugin;
   gromlit->nicons = CountActions(gromlit->plugin);
   // All of one colour and then all of the other: every change of colour is a request.
@@ -239,6 +238,8 @@ void DrawGromlitApp(GromlitApp* gromlit) {
                   .baseline = y + txtCharht + gromlit->iconheight,
                   .limit = gromlit->iconwidth});
   });
+  // Last, because a long name reaches over the edge.
+  XDrawBevel(kSunken, gromlit->window, gromlit->gc, gromlit->border, gromlit->icony, width, height);
   InvertHighlight(gromlit, gromlit->selected);
 }
 
