@@ -82,6 +82,23 @@ bool FrontEnd::Viewable(Window window) {
          attributes.map_state == IsViewable;
 }
 
+Window FrontEnd::UnderPointer() {
+  Window window = 0;
+  Window child = player->root();
+  while (child != 0) {
+    window = child;
+    Window rootwin;
+    int rootx;
+    int rooty;
+    int x;
+    int y;
+    unsigned state;
+    if (!XQueryPointer(player->display(), window, &rootwin, &child, &rootx, &rooty, &x, &y, &state))
+      break;
+  }
+  return window;
+}
+
 Window FrontEnd::Shown(const std::string& name) {
   std::vector<Window> windows = Children(player->root());
   // A window manager's frame holds the window directly or one level down.
@@ -240,6 +257,22 @@ bool FrontEnd::WaitNoDialog() {
   return WaitFor([&] { return Dialog() == 0; });
 }
 
+Window FrontEnd::Notice() {
+  for (const Window window : Overlays()) {
+    const Box box = BoxOf(window);
+    const Window button = ChildAt(window, box.width - 72, box.height - 32);
+    if (button == 0 || ChildAt(window, box.width - 144, box.height - 32) != 0) continue;
+    if (BoxOf(button).width == kButtonWidth) return window;
+  }
+  return 0;
+}
+
+Window FrontEnd::WaitNotice() {
+  Window notice = 0;
+  EXPECT_TRUE(WaitFor([&] { return (notice = Notice()) != 0; })) << "no notice";
+  return notice;
+}
+
 Window FrontEnd::PickLabel() {
   for (const Window window : Overlays())
     if (BoxOf(window).height == TextHeight() + 4 && Children(window).empty()) return window;
@@ -360,21 +393,10 @@ bool FrontEnd::Over(Window window, int x, int y) {
   const bool over = WaitFor([&] {
     const Point origin = OriginOf(window);
     player->MoveTo(origin.x + x, origin.y + y);
-    Window rootwin;
-    Window child = player->root();
-    int rootx = -1;
-    int rooty = -1;
-    do {
-      seen = child;
-      int winx;
-      int winy;
-      unsigned state;
-      if (!XQueryPointer(player->display(), seen, &rootwin, &child, &rootx, &rooty, &winx, &winy,
-                         &state))
-        return false;
-    } while (child != 0);
+    seen = UnderPointer();
+    const Player::Pointer at = player->Where();
     // While a press is held back for somebody, the pointer does not move.
-    return seen == window && rootx == origin.x + x && rooty == origin.y + y;
+    return seen == window && at.x == origin.x + x && at.y == origin.y + y;
   });
   if (!over) {
     const Point origin = OriginOf(window);
@@ -407,13 +429,13 @@ void FrontEnd::ClickChild(Window parent, int x, int y) {
   const Point corner = OriginOf(button);
   const auto edge = [&] { return player->Pixel(corner.x, corner.y); };
   const unsigned long raised = edge();
-  const Window dialog = Dialog();
   player->Press(1);
   EXPECT_TRUE(WaitFor([&] { return edge() != raised; })) << "the button does not go down";
   player->Release(1);
   // It comes up again, or has gone with its window, or a dialog has opened over it.
-  EXPECT_TRUE(WaitFor([&] { return !Viewable(button) || edge() == raised || Dialog() != dialog; }))
-      << "the button does not come up";
+  EXPECT_TRUE(WaitFor([&] {
+    return !Viewable(button) || edge() == raised || UnderPointer() != button;
+  })) << "the button does not come up";
 }
 
 void FrontEnd::Enter(Window field) {
@@ -539,6 +561,13 @@ void FrontEnd::DialogRight() {
   const Box box = BoxOf(dialog);
   ClickChild(dialog, box.width - 72, box.height - 32);
   EXPECT_TRUE(WaitFor([&] { return !Viewable(dialog); })) << "the dialog stays";
+}
+
+void FrontEnd::CloseNotice() {
+  const Window notice = WaitNotice();
+  const Box box = BoxOf(notice);
+  ClickChild(notice, box.width - 72, box.height - 32);
+  EXPECT_TRUE(WaitFor([&] { return !Viewable(notice); })) << "the notice stays";
 }
 
 void FrontEnd::StartPicking() {

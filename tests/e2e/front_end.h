@@ -55,6 +55,7 @@ class FrontEnd : public ShellRun {
   // Closes a top-level window as a user of the window manager does, or one without a manager.
   void Close(Window window);
   bool Viewable(Window window);
+  Window UnderPointer();  // the deepest one
   std::vector<Window> Children(Window window);
   Box BoxOf(Window window);       // in its parent
   Point OriginOf(Window window);  // on the screen
@@ -74,6 +75,10 @@ class FrontEnd : public ShellRun {
   // The text field of the open dialog.
   Window DialogField();
 
+  // The dialog with a single button, which tells the user something, whatever else is open; 0 when
+  // there is none.
+  Window Notice();
+  Window WaitNotice();
   // The label that follows the pointer while an application is picked; 0 when there is none.
   Window PickLabel();
   // The pixels of a window, as they are on the screen.
@@ -128,6 +133,7 @@ class FrontEnd : public ShellRun {
   // The left and the right button of the open dialog; return when it has gone.
   void DialogLeft();
   void DialogRight();
+  void CloseNotice();
 
   // Asks for a new plug-in by the menu and leaves the dialog with OK; returns when a click picks
   // the application.

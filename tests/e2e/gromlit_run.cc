@@ -14,6 +14,7 @@
 #include "core/option_files.h"
 #include "core/plugin_files.h"
 #include "core/strings.h"
+#include "recognition/symbol_icon.h"
 
 namespace gromlit::testing {
 namespace {
@@ -149,6 +150,7 @@ void GromlitRun::WritePlugin(const std::string& classname, const std::vector<Act
       action->sym.x[k] = static_cast<uint16_t>(point.x);
       action->sym.y[k] = static_cast<uint16_t>(point.y);
     }
+    VectorToBitmap(&action->sym);
     for (const Command& command : from.commands) {
       action->cmds[action->ncmds++] = MakeCommand(command);
     }

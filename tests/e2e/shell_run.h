@@ -3,6 +3,7 @@
 #pragma once
 
 #include <signal.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -104,6 +105,36 @@ class ShellRun : public GromlitRun {
   bool DesktopActs(const std::string& name) {
     DrawOnDesktop();
     return Appears(name) && TrailIsGone();
+  }
+
+  // Takes the permission to write from the installation directory, its parts and their files. The
+  // superuser is not kept out by permissions: the program is then to be started as another user, by
+  // the conditions that come back.
+  Conditions MakeReadOnly() {
+    using std::filesystem::perms;
+    const perms read = perms::owner_read | perms::group_read | perms::others_read;
+    const perms enter = perms::owner_exec | perms::group_exec | perms::others_exec;
+    // What the program prints goes into files that are there already.
+    for (const std::string& file : {OutFile(), ErrFile()}) WriteText(file, "");
+    for (const char* part : {"plugins", "symbols", "options"})
+      for (const auto& file : std::filesystem::directory_iterator(*install / part))
+        if (file.is_regular_file()) std::filesystem::permissions(file.path(), read);
+    for (const char* name : {"plugins", "symbols", "options", ""})
+      std::filesystem::permissions(*install / name, read | enter);
+    Conditions conditions;
+    if (geteuid() == 0) conditions.through = "setpriv --reuid=65534 --regid=65534 --clear-groups";
+    return conditions;
+  }
+  // Gives it to everybody.
+  void MakeWritable() {
+    using std::filesystem::perms;
+    const perms everybody = perms::owner_all | perms::group_all | perms::others_all;
+    for (const char* name : {"", "plugins", "symbols", "options"}) {
+      if (!Exists(*install / name)) continue;
+      std::filesystem::permissions(*install / name, everybody);
+      for (const auto& file : std::filesystem::directory_iterator(*install / name))
+        if (file.is_regular_file()) std::filesystem::permissions(file.path(), everybody);
+    }
   }
 
   // Makes an empty installation directory with this name below the fixture's own.

@@ -1,7 +1,6 @@
 #include "tests/e2e/shell_run.h"
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace gromlit {
 namespace {
@@ -39,27 +38,13 @@ class StorageTest : public testing::ShellRun {
     fs::permissions(*install / "marks", fs::perms::all);
   }
   void TearDown() override {
-    WritableAgain();
+    MakeWritable();
     ShellRun::TearDown();
   }
-  // Takes the permission to write from everything but the marks. The superuser is not kept out by
-  // permissions: the program is then started as another user.
+  // Takes the permission to write from everything but the marks.
   Conditions ReadOnly() {
     WritePlugin("Desktop", {{"right", kRight, {{kRun, "touch " + (*install / "marks/acted")}}}});
-    for (const char* name : {"", "plugins", "symbols", "options"})
-      fs::permissions(*install / name, fs::perms::owner_read | fs::perms::owner_exec |
-                                           fs::perms::group_read | fs::perms::group_exec |
-                                           fs::perms::others_read | fs::perms::others_exec);
-    for (const auto& file : fs::directory_iterator(*install / "plugins"))
-      fs::permissions(file.path(),
-                      fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
-    Conditions conditions;
-    if (geteuid() == 0) conditions.through = "setpriv --reuid=65534 --regid=65534 --clear-groups";
-    return conditions;
-  }
-  void WritableAgain() {
-    for (const char* name : {"", "plugins", "symbols", "options"})
-      if (Exists(*install / name)) fs::permissions(*install / name, fs::perms::owner_all);
+    return MakeReadOnly();
   }
   void ExpectNothingWritten(const std::vector<std::string>& plugins) {
     EXPECT_EQ(NamesIn(*install / "plugins"), plugins);
