@@ -657,6 +657,22 @@ TEST_F(ActionEditorTest, PlugInThatIsRenamedMeanwhileKeepsItsNewName) {
   EXPECT_EQ(StoredLines(), (Strings{"Run: one", "Run: two"}));
 }
 
+TEST_F(ActionEditorTest, OkSavesToItsOwnPlugInWhicheverTheMainWindowShowsMeanwhile) {
+  OpenOn(Runs({"one"}));
+  Add(kRun, "two");
+  // Listed first or last; the application's own plug-in is shown already.
+  EXPECT_TRUE(WaitFor([&] {
+    ChoosePulldown(PluginButton(), 0);
+    if (Reads(PluginButton(), "Default")) return true;
+    ChoosePulldown(PluginButton(), 1);
+    return Reads(PluginButton(), "Default");
+  }));
+  const std::string other = ReadText(PluginFile("Default"));
+  Ok();
+  EXPECT_EQ(StoredLines(), (Strings{"Run: one", "Run: two"}));
+  EXPECT_EQ(ReadText(PluginFile("Default")), other);
+}
+
 TEST_F(ActionEditorTest, OpenedOnAnotherActionTheFormerWorkIsGivenUp) {
   Store({ActionOf("First", Runs({"one"})), ActionOf("Second", Runs({"three"}))});
   Open();
@@ -730,10 +746,10 @@ TEST_F(ActionEditorTest, OkThatMayNotBeWrittenKeepsTheWorkUntilItMay) {
   EXPECT_EQ(NamesIn(*install / "plugins"), (Strings{"Default.sla", std::string(kClass) + ".sla"}));
 }
 
-TEST_F(ActionEditorTest, OkOnAFullDiskLeavesTheFileAndSavesWhenThereIsRoom) {
-  OpenOn(Runs({"one", "touch " + Acted()}));
+TEST_F(ActionEditorTest, OkOnAFullDiskLeavesTheActionAndSavesWhenThereIsRoom) {
+  OpenOn(Runs({"touch " + Acted(), "true"}));
   const std::string before = ReadText(File());
-  Press(kDelete);
+  const Strings lines = {"Run: touch " + Acted().substr(0, 10) + "...", "Run: true"};
   // A limit for the size of files stands for the disk; the messages still fit.
   const auto limit = [this](rlim_t bytes) {
     rlimit now{};
@@ -741,19 +757,29 @@ TEST_F(ActionEditorTest, OkOnAFullDiskLeavesTheFileAndSavesWhenThereIsRoom) {
     now.rlim_cur = std::min(bytes, now.rlim_max);
     ASSERT_EQ(prlimit(gromlit->pid(), RLIMIT_FSIZE, &now, nullptr), 0);
   };
-  limit(1024);
-  ClickOn(kOk);
-  EXPECT_TRUE(DialogReads({"The action was not saved.", "File too large."}));
-  Picture("disk-full");
-  DialogRight();
-  EXPECT_EQ(Err(), "Save Plugin: File too large\n");
-  EXPECT_EQ(ReadText(File()), before);
-  EXPECT_EQ(NamesIn(*install / "plugins"), (Strings{"Default.sla", std::string(kClass) + ".sla"}));
-  EXPECT_TRUE(Lists({"Run: touch " + Acted().substr(0, 10) + "..."}, 0));
-  limit(RLIM_INFINITY);
-  Ok();
-  EXPECT_EQ(StoredLines(), Strings{"Run: touch " + Acted()});
+  const auto fail = [&] {
+    Press(kDelete);
+    limit(1024);
+    ClickOn(kOk);
+    EXPECT_TRUE(DialogReads({"The action was not saved.", "File too large."}));
+    DialogRight();
+    limit(RLIM_INFINITY);
+    EXPECT_EQ(ReadText(File()), before);
+    EXPECT_EQ(NamesIn(*install / "plugins"),
+              (Strings{"Default.sla", std::string(kClass) + ".sla"}));
+    EXPECT_TRUE(Lists({"Run: true"}, 0));
+  };
+  fail();
+  // Given up, the action is what it was, and acts.
+  Cancel();
   EXPECT_TRUE(StrokeActs());
+  Edit(0);
+  EXPECT_TRUE(Lists(lines, 0));
+  fail();
+  EXPECT_EQ(Err(), "Save Plugin: File too large\nSave Plugin: File too large\n");
+  Picture("disk-full");
+  Ok();
+  EXPECT_EQ(StoredLines(), Strings{"Run: true"});
 }
 
 }  // namespace
