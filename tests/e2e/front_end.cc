@@ -370,10 +370,14 @@ bool FrontEnd::FieldReads(Window field, const std::string& text, int caret) {
   constexpr int kBaseline = 16;
   constexpr int kCaretWidth = 8;
   const int before = TextWidth(caret < 0 ? text : text.substr(0, static_cast<size_t>(caret))) + 3;
-  const int width = BoxOf(field).width;
+  const int behind = before + kCaretWidth;
+  const int end = BoxOf(field).width - 3;
+  const auto reads = [&](int left, int right) {
+    return LineReads(field, kTextX, kBaseline, text, left, right);
+  };
+  // What stands in the caret is inverted or not; its edges are left out.
   return WaitFor([&] {
-    return LineReads(field, kTextX, kBaseline, text, kTextX, before) &&
-           LineReads(field, kTextX, kBaseline, text, before + kCaretWidth, width - 3);
+    return reads(kTextX, before) && reads(before + 1, behind - 1) && reads(behind, end);
   });
 }
 

@@ -88,8 +88,8 @@ class FrontEnd : public ShellRun {
   // Whether a line of a window shows this text, in the text font and one colour, and nothing else
   // between the columns `left` and `right`. The text starts at column x.
   bool LineReads(Window window, int x, int baseline, const std::string& text, int left, int right);
-  // The same of a text field, whose caret, not looked at, stands before the letter `caret`; -1: at
-  // the end. Waits for it.
+  // The same of a text field, whose caret stands before the letter `caret`; -1: at the end. Waits
+  // for it.
   bool FieldReads(Window field, const std::string& text, int caret = -1);
   // Waits until the open dialog shows these lines.
   bool DialogReads(const std::vector<std::string>& lines);
