@@ -287,7 +287,8 @@ std::string FrontEnd::Look(Window window) {
                             static_cast<unsigned>(box.width), static_cast<unsigned>(box.height),
                             AllPlanes, ZPixmap);
   if (image == nullptr) return look;
-  look.assign(image->data, static_cast<size_t>(image->bytes_per_line * image->height));
+  look.assign(image->data,
+              static_cast<size_t>(image->bytes_per_line) * static_cast<size_t>(image->height));
   XDestroyImage(image);
   return look;
 }
@@ -376,9 +377,8 @@ bool FrontEnd::FieldReads(Window field, const std::string& text, int caret) {
     return LineReads(field, kTextX, kBaseline, text, left, right);
   };
   // What stands in the caret is inverted or not; its edges are left out.
-  return WaitFor([&] {
-    return reads(kTextX, before) && reads(before + 1, behind - 1) && reads(behind, end);
-  });
+  return WaitFor(
+      [&] { return reads(kTextX, before) && reads(before + 1, behind - 1) && reads(behind, end); });
 }
 
 bool FrontEnd::DialogReads(const std::vector<std::string>& lines) {

@@ -9,7 +9,6 @@ namespace gromlit {
 namespace {
 
 using nlohmann::json;
-using testing::ReadText;
 using testing::WaitFor;
 using Strings = std::vector<std::string>;
 
@@ -122,8 +121,12 @@ TEST_F(HotKeysTest, KeysAreCapturedWithEachModifierStoredAndSent) {
   for (const auto& stroke : strokes) Capture(stroke.held, {a, stroke.state, stroke.text});
   Picture("modifiers");
   // Locks stay on until their key is pressed again, which would be the next key captured.
-  for (const auto& [lock, state, text] :
-       {std::tuple{XK_Caps_Lock, LockMask, "a"}, std::tuple{XK_Num_Lock, Mod2Mask, "Mod2-a"}}) {
+  const struct {
+    KeySym key;
+    int state;
+    const char* text;
+  } locks[] = {{XK_Caps_Lock, LockMask, "a"}, {XK_Num_Lock, Mod2Mask, "Mod2-a"}};
+  for (const auto& [lock, state, text] : locks) {
     Enter(Field());
     Strike({}, CodeOf(lock));
     Capture({}, {a, state, text});
