@@ -8,7 +8,6 @@ namespace gromlit {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::Command;
 using testing::kDown;
 using testing::kRight;
 using testing::Point;
@@ -215,7 +214,7 @@ TEST_P(MainWindowTest, NamesItsClass) {
   LaunchAndFind();
   Atom type;
   int format;
-  EXPECT_EQ(Property("WM_CLASS", &type, &format), std::string("Application\0Gromlit", 20));
+  EXPECT_EQ(Property("WM_CLASS", &type, &format), std::string("Application\0Gromlit\0", 20));
   EXPECT_EQ(type, Atom{XA_STRING});
 }
 

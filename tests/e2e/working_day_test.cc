@@ -163,13 +163,13 @@ TEST_F(WorkingDayTest, FiveHundredCreationsRenamesAndDeletionsTakeNoWindowsAndLi
   EXPECT_GT(windows, 60U) << "these are not all";
   const long before = Resident();
 
-  const int operations = kSanitized ? 60 : 500;
+  constexpr int kOperations = 500;
   created_ = renamed_ = deleted_ = 0;
-  for (int i = 0; i < operations; i++) {
+  for (int i = 0; i < kOperations; i++) {
     SCOPED_TRACE(i);
     ASSERT_NO_FATAL_FAILURE(Operate());
   }
-  EXPECT_EQ(created_ + renamed_ + deleted_, operations);
+  EXPECT_EQ(created_ + renamed_ + deleted_, kOperations);
   const long grown = Resident() - before;
   std::printf("%d created, %d renamed, %d deleted: %ld KB more\n", created_, renamed_, deleted_,
               grown);
@@ -200,7 +200,7 @@ TEST_F(WorkingDayTest, FiveHundredCreationsRenamesAndDeletionsTakeNoWindowsAndLi
       << testing::ReadText(report);
   // The quarantine of freed memory hides what the program itself needs.
   if (!kSanitized) {
-    EXPECT_LE(grown, 4L * operations) << "kilobytes";
+    EXPECT_LE(grown, 4L * kOperations) << "kilobytes";
   }
 }
 
