@@ -46,6 +46,12 @@ nlohmann::json ActionEditorRun::ActionOf(const std::string& name,
       {"name", name}, {"symbol", {{"name", "right"}, {"points", points}}}, {"commands", commands}};
 }
 
+std::vector<nlohmann::json> ActionEditorRun::Runs(const std::vector<std::string>& texts) {
+  std::vector<nlohmann::json> commands;
+  for (const std::string& text : texts) commands.push_back(CommandOf("Run", text));
+  return commands;
+}
+
 void ActionEditorRun::Store(const std::vector<nlohmann::json>& actions) {
   PackFile({{"kind", "plugin"}, {"appname", kClass}, {"classname", kClass}, {"actions", actions}},
            File());
@@ -82,6 +88,12 @@ void ActionEditorRun::ShowActions() {
     const auto pixel = [&](int y) { return player->Pixel(origin.x + at.x - 10, origin.y + y); };
     return pixel(at.y - 1) != pixel(at.y - 8);
   })) << "the main window does not show the application's actions";
+}
+
+void ActionEditorRun::OpenOn(const std::vector<nlohmann::json>& commands) {
+  Store({ActionOf("Old", commands)});
+  Open();
+  Edit(0);
 }
 
 void ActionEditorRun::Edit(int cell) {

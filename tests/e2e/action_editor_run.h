@@ -29,6 +29,8 @@ class ActionEditorRun : public FrontEnd {
   static nlohmann::json CommandOf(const std::string& type, const std::string& text);
   static nlohmann::json ActionOf(const std::string& name,
                                  const std::vector<nlohmann::json>& commands);
+  // Run commands with these texts.
+  static std::vector<nlohmann::json> Runs(const std::vector<std::string>& texts);
   // Makes the application's plug-in of these actions.
   void Store(const std::vector<nlohmann::json>& actions);
   std::string File() const { return PluginFile(kClass); }
@@ -44,6 +46,8 @@ class ActionEditorRun : public FrontEnd {
   // Passes over the application until the main window shows its actions; the first one's shape is
   // kRight.
   void ShowActions();
+  // Stores an action "Old" with these commands, starts the program and opens the editor on it.
+  void OpenOn(const std::vector<nlohmann::json>& commands);
   // Open the editor from the main window's menu, after passing over the application.
   void Edit(int cell);
   void New();
