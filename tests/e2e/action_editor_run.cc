@@ -48,6 +48,7 @@ nlohmann::json ActionEditorRun::ActionOf(const std::string& name,
 
 std::vector<nlohmann::json> ActionEditorRun::Runs(const std::vector<std::string>& texts) {
   std::vector<nlohmann::json> commands;
+  commands.reserve(texts.size());
   for (const std::string& text : texts) commands.push_back(CommandOf("Run", text));
   return commands;
 }
