@@ -13,7 +13,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using nlohmann::json;
-using testing::Action;
 using testing::Conditions;
 using testing::Exists;
 using testing::kEll;
@@ -113,7 +112,7 @@ class FailedSavesTest : public testing::GridRun, public ::testing::WithParamInte
   void ExpectTold(const std::string& what, const std::string& prefix = "Save Plugin") {
     EXPECT_TRUE(Tells({what, Reason() + "."})) << what;
     CloseNotice();
-    err_ += prefix + ": " + Reason() + "\n";
+    err_.append(prefix).append(": ").append(Reason()).append("\n");
     EXPECT_EQ(Err(), err_);
     EXPECT_EQ(Everything(), before_);
   }

@@ -9,7 +9,6 @@ namespace fs = std::filesystem;
 using nlohmann::json;
 using testing::Action;
 using testing::Box;
-using testing::Exists;
 using testing::kDown;
 using testing::kEll;
 using testing::kRight;
