@@ -57,6 +57,17 @@ inline const std::vector<Point> kDown = {{136, 16}, {136, 264}};
 inline const std::vector<Point> kUp = {{136, 264}, {136, 16}};
 inline const std::vector<Point> kEll = {{16, 16}, {16, 264}, {264, 264}};
 
+// A configuration of openbox for storms: grabs on every client, which freeze the pointer and
+// replay, as by default; but no menus, moves or resizes, in which the window manager itself would
+// keep the pointer.
+inline constexpr const char* kClickToRaise = R"(<?xml version="1.0" encoding="UTF-8"?>
+<openbox_config xmlns="http://openbox.org/3.4/rc"><mouse><context name="Client">
+<mousebind button="Left" action="Press"><action name="Focus"/><action name="Raise"/></mousebind>
+<mousebind button="Middle" action="Press"><action name="Focus"/><action name="Raise"/></mousebind>
+<mousebind button="Right" action="Press"><action name="Focus"/><action name="Raise"/></mousebind>
+</context></mouse></openbox_config>
+)";
+
 // A probe client (tests/support/probe.cc) and what it wrote down.
 class ProbeClient {
  public:

@@ -8,6 +8,7 @@
 namespace gromlit {
 namespace {
 
+using testing::kClickToRaise;
 using testing::kRight;
 using testing::kSanitized;
 using testing::Player;
@@ -15,16 +16,6 @@ using testing::ProbeClient;
 using testing::WaitFor;
 
 constexpr int kKeyA = 38;  // the "a" key of the usual keymap
-
-// Grabs on every client, which freeze the pointer and replay, as by default; but no menus, moves or
-// resizes, in which the window manager itself would keep the pointer.
-constexpr const char* kClickToRaise = R"(<?xml version="1.0" encoding="UTF-8"?>
-<openbox_config xmlns="http://openbox.org/3.4/rc"><mouse><context name="Client">
-<mousebind button="Left" action="Press"><action name="Focus"/><action name="Raise"/></mousebind>
-<mousebind button="Middle" action="Press"><action name="Focus"/><action name="Raise"/></mousebind>
-<mousebind button="Right" action="Press"><action name="Focus"/><action name="Raise"/></mousebind>
-</context></mouse></openbox_config>
-)";
 
 class StormTest : public testing::GromlitRun {
  protected:
