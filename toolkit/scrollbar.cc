@@ -47,8 +47,32 @@ void MoveThumb(XScrollbar* sb, int64_t by) {
   UpdateScrollbar(sb);
 }
 
-// Whether button 1 is down, and where the pointer is in the window. False also when the server does
-// not tell: a window that is gone would otherwise never see its release.
+// Whether the press that is being handled is over, as far as the events tell that have arrived: its
+// release is among them, or a later press that the draw button's grab holds back. While that one
+// waits the pointer is frozen with the button down, for everybody and until it is answered, which
+// nobody does while the scrollbar waits for the button to come up.
+bool ReleaseHasArrived(const XScrollbar* sb) {
+  struct Search {
+    Window window;
+    bool found;
+  } search{sb->window, false};
+  const auto look = [](Display*, XEvent* event, XPointer arg) {
+    auto* wanted = reinterpret_cast<Search*>(arg);
+    const XButtonEvent& button = event->xbutton;
+    if ((event->type == ButtonRelease && button.window == wanted->window) ||
+        (event->type == ButtonPress && button.window == root)) {
+      wanted->found = true;
+    }
+    return False;  // every event stays where it is
+  };
+  XEvent event;
+  XCheckIfEvent(dpy, &event, look, reinterpret_cast<XPointer>(&search));
+  return search.found;
+}
+
+// Whether button 1 is down since the press that is being handled, and where the pointer is in the
+// window. False also when the server does not tell: a window that is gone would otherwise never see
+// its release.
 bool Held(const XScrollbar* sb, int* y) {
   Window rootwin;
   Window childwin;
@@ -59,7 +83,7 @@ bool Held(const XScrollbar* sb, int* y) {
   if (XQueryPointer(dpy, sb->window, &rootwin, &childwin, &rootx, &rooty, &x, y, &state) == 0) {
     return false;
   }
-  return (state & Button1Mask) != 0;
+  return (state & Button1Mask) != 0 && !ReleaseHasArrived(sb);
 }
 
 void Repeat(XScrollbar* sb, int64_t step) {

@@ -11,7 +11,8 @@
 // INV-SCROLL-1: after each update 0 <= pos and pos + size <= height - 26, the length of the track
 // (0 when the window is shorter than that).
 // INV-SCROLL-2: the handler returns as soon as a query finds button 1 up or gets no answer, for
-// instance because the window was destroyed.
+// instance because the window was destroyed; or when the press's release has arrived or a press of
+// the draw button waits, with which the pointer is frozen for everybody and the button stays down.
 #pragma once
 
 #include <X11/Xlib.h>
