@@ -37,7 +37,7 @@ bool Viewable(Display* display, Window window) {
 Window Search(Display* display, Window window, const std::string& classpart,
               const std::string& namepart) {
   if (HasClass(display, window, classpart, namepart) && Viewable(display, window)) return window;
-  for (const Window child : ChildrenOf(display, window)) {
+  for (const Window child : testing::ChildrenOf(display, window)) {
     const Window found = Search(display, child, classpart, namepart);
     if (found != None) return found;
   }
@@ -58,17 +58,6 @@ bool IsInside(Display* display, Window window, Window ancestor) {
 }
 
 }  // namespace
-
-std::vector<Window> ChildrenOf(Display* display, Window window) {
-  Window root;
-  Window parent;
-  Window* list = nullptr;
-  unsigned count = 0;
-  if (XQueryTree(display, window, &root, &parent, &list, &count) == 0) return {};
-  std::vector<Window> children(list, list + count);
-  if (list != nullptr) XFree(list);
-  return children;
-}
 
 Window FindClient(Display* display, const std::string& classpart, const std::string& namepart) {
   const auto former = XSetErrorHandler(IgnoreError);

@@ -31,9 +31,6 @@ Window FindClient(Display* display, const std::string& classpart, const std::str
 // FindClient again and again until it finds one; None at the deadline.
 Window WaitForClient(Display* display, const std::string& classpart, const std::string& namepart);
 
-// Lowest first; empty when the window has gone.
-std::vector<Window> ChildrenOf(Display* display, Window window);
-
 // Where a window is on the screen, without its frame.
 Area AreaOf(Display* display, Window window);
 

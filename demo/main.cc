@@ -8,6 +8,7 @@
 // something was not, 2 when the stage could not be set.
 #include <X11/keysym.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <map>
@@ -248,21 +249,14 @@ void Demo::SetTheStage() {
 bool Demo::TrailIsMapped() {
   // The server hands each client the resource numbers that share their upper bits.
   constexpr int kClientShift = 21;
-  Window root;
-  Window parent;
-  Window* list = nullptr;
-  unsigned count = 0;
-  if (XQueryTree(display(), player_->root(), &root, &parent, &list, &count) == 0) return false;
-  bool mapped = false;
-  for (unsigned i = 0; i < count && !mapped; i++) {
-    if (list[i] >> kClientShift != gromlit_ >> kClientShift) continue;
+  const std::vector<Window> windows = testing::ChildrenOf(display(), player_->root());
+  return std::any_of(windows.begin(), windows.end(), [this](Window window) {
     XWindowAttributes attributes{};
-    mapped = XGetWindowAttributes(display(), list[i], &attributes) != 0 &&
-             attributes.override_redirect != False && attributes.map_state == IsViewable &&
-             attributes.width >= 500 && attributes.height >= 500;
-  }
-  if (list != nullptr) XFree(list);
-  return mapped;
+    return window >> kClientShift == gromlit_ >> kClientShift &&
+           XGetWindowAttributes(display(), window, &attributes) != 0 &&
+           attributes.override_redirect != False && attributes.map_state == IsViewable &&
+           attributes.width >= 500 && attributes.height >= 500;
+  });
 }
 
 void Demo::Judge(const std::string& what, const Expectation& expectation) {

@@ -83,7 +83,7 @@ ShownPlugin LookAtMainWindow(Display* display, Window main) {
                                   static_cast<unsigned>(area.width),
                                   static_cast<unsigned>(area.height), AllPlanes, ZPixmap));
   if (picture == nullptr) return shown;
-  for (const Window child : ChildrenOf(display, main)) {
+  for (const Window child : testing::ChildrenOf(display, main)) {
     const Area place = PlaceOf(display, child);
     if (place.x == 0 && place.y == 0) {
       for (int x = 0; x < place.width; x++)

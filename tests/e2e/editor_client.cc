@@ -83,14 +83,7 @@ Window EditorClient::FindViewable(Window window, const std::string& classname) {
         attributes.map_state == IsViewable)
       return window;
   }
-  Window rootwin;
-  Window parent;
-  Window* list = nullptr;
-  unsigned count = 0;
-  if (XQueryTree(player_->display(), window, &rootwin, &parent, &list, &count) == 0) return 0;
-  const std::vector<Window> children(list, list + count);
-  if (list != nullptr) XFree(list);
-  for (const Window child : children)
+  for (const Window child : ChildrenOf(player_->display(), window))
     if (const Window found = FindViewable(child, classname)) return found;
   return 0;
 }

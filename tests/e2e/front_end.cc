@@ -66,14 +66,7 @@ int FrontEnd::TextWidth(const std::string& text) {
 // --- Finding ------------------------------------------------------------------------------------
 
 std::vector<Window> FrontEnd::Children(Window window) {
-  Window rootwin;
-  Window parent;
-  Window* list = nullptr;
-  unsigned count = 0;
-  if (XQueryTree(player->display(), window, &rootwin, &parent, &list, &count) == 0) return {};
-  std::vector<Window> children(list, list + count);
-  if (list != nullptr) XFree(list);
-  return children;
+  return ChildrenOf(player->display(), window);
 }
 
 bool FrontEnd::Viewable(Window window) {

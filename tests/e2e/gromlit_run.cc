@@ -44,17 +44,6 @@ std::vector<std::string> LinesOf(const std::string& path, const std::string& sta
   return lines;
 }
 
-std::vector<Window> ChildrenOf(Display* display, Window window) {
-  Window root;
-  Window parent;
-  Window* list = nullptr;
-  unsigned count = 0;
-  if (XQueryTree(display, window, &root, &parent, &list, &count) == 0) return {};
-  std::vector<Window> children(list, list + count);
-  if (list != nullptr) XFree(list);
-  return children;
-}
-
 Window FindByClass(Display* display, Window window, const std::string& name) {
   XClassHint hint{};
   if (XGetClassHint(display, window, &hint) != 0) {

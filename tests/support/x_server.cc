@@ -210,6 +210,17 @@ bool Player::CanGrabPointer() {
   return status == GrabSuccess;
 }
 
+std::vector<Window> ChildrenOf(Display* display, Window window) {
+  Window root;
+  Window parent;
+  Window* list = nullptr;
+  unsigned count = 0;
+  if (XQueryTree(display, window, &root, &parent, &list, &count) == 0) return {};
+  std::vector<Window> children(list, list + count);
+  if (list != nullptr) XFree(list);
+  return children;
+}
+
 void SaveScreen(Display* display, const std::string& path) {
   const Window root = DefaultRootWindow(display);
   const int width = DisplayWidth(display, DefaultScreen(display));

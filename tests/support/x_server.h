@@ -95,6 +95,9 @@ class Player {
   Display* display_;
 };
 
+// The windows right below this one, bottom-most first; none when it is gone.
+std::vector<Window> ChildrenOf(Display* display, Window window);
+
 // Saves a picture of the whole screen as PNG, for a person to look at.
 void SaveScreen(Display* display, const std::string& path);
 
