@@ -115,10 +115,7 @@ TEST_P(CaptureTest, ClickOnAFrameOrOnAnApplicationThatSelectsNoButtonsComesFromT
       XCreateWindow(dpy, player->root(), 1000, 200, 200, 200, 0, CopyFromParent, InputOutput,
                     nullptr, CWOverrideRedirect | CWEventMask, &attributes);
   const Window inside = XCreateSimpleWindow(dpy, frame, 20, 40, 160, 140, 0, 0, 0);
-  std::string name = "framed";
-  std::string classname = "Framed";
-  XClassHint hint{name.data(), classname.data()};
-  XSetClassHint(dpy, inside, &hint);
+  testing::SetClass(dpy, inside, "Framed", "framed");
   XMapSubwindows(dpy, frame);
   XMapWindow(dpy, frame);
   XSync(dpy, False);

@@ -14,6 +14,8 @@ using testing::Point;
 using testing::ProbeClient;
 using testing::WaitFor;
 
+constexpr long kByTheUser = 2;  // on whose account the window manager is asked
+
 // The parameter is the window manager; empty for none.
 class MainWindowTest : public testing::FrontEnd, public ::testing::WithParamInterface<const char*> {
  protected:
@@ -46,21 +48,26 @@ class MainWindowTest : public testing::FrontEnd, public ::testing::WithParamInte
     XSendEvent(player->display(), main_, False, NoEventMask, &event);
     XSync(player->display(), False);
   }
+  // Asks the window manager for something that is to be done with the main window.
+  void AskManager(const char* type, long first, long second) {
+    XEvent event{};
+    event.xclient.type = ClientMessage;
+    event.xclient.window = main_;
+    event.xclient.message_type = Named(type);
+    event.xclient.format = 32;
+    event.xclient.data.l[0] = first;
+    event.xclient.data.l[1] = second;
+    XSendEvent(player->display(), player->root(), False,
+               SubstructureNotifyMask | SubstructureRedirectMask, &event);
+    XSync(player->display(), False);
+  }
   // Closes the window the way this window manager's user does.
   void Close() {
     const std::string name = GetParam();
     if (name.empty()) {
       SendToMain(Named("WM_PROTOCOLS"), 32, static_cast<long>(Named("WM_DELETE_WINDOW")));
     } else if (name == "openbox") {
-      XEvent event{};
-      event.xclient.type = ClientMessage;
-      event.xclient.window = main_;
-      event.xclient.message_type = Named("_NET_CLOSE_WINDOW");
-      event.xclient.format = 32;
-      event.xclient.data.l[1] = 2;  // asked for by the user
-      XSendEvent(player->display(), player->root(), False,
-                 SubstructureNotifyMask | SubstructureRedirectMask, &event);
-      XSync(player->display(), False);
+      AskManager("_NET_CLOSE_WINDOW", 0, kByTheUser);
     } else {
       int x;
       int y;
@@ -163,15 +170,7 @@ class MainWindowTest : public testing::FrontEnd, public ::testing::WithParamInte
       ClickIn(icon, 5, 5);
       return;
     }
-    XEvent event{};
-    event.xclient.type = ClientMessage;
-    event.xclient.window = main_;
-    event.xclient.message_type = Named("_NET_ACTIVE_WINDOW");
-    event.xclient.format = 32;
-    event.xclient.data.l[0] = 2;  // asked for by the user
-    XSendEvent(player->display(), player->root(), False,
-               SubstructureNotifyMask | SubstructureRedirectMask, &event);
-    XSync(player->display(), False);
+    AskManager("_NET_ACTIVE_WINDOW", kByTheUser, 0);
   }
 
   // The raw bytes of a property; *type is 0 when there is none.

@@ -78,9 +78,7 @@ class WorkingDayTest : public testing::FrontEnd {
 
   void Create() {
     const std::string name = "New" + std::to_string(++made_);
-    std::string half = name;
-    XClassHint hint{half.data(), half.data()};
-    XSetClassHint(player->display(), desk_->window(), &hint);
+    testing::SetClass(player->display(), desk_->window(), name, name);
     StartPicking();
     ClickIn(desk_->window(), 900, 800);
     const std::string classname = name + "." + name;

@@ -210,6 +210,11 @@ bool Player::CanGrabPointer() {
   return status == GrabSuccess;
 }
 
+void SetClass(Display* display, Window window, std::string classpart, std::string name) {
+  XClassHint hint{name.data(), classpart.data()};
+  XSetClassHint(display, window, &hint);
+}
+
 std::vector<Window> ChildrenOf(Display* display, Window window) {
   Window root;
   Window parent;

@@ -95,6 +95,10 @@ class Player {
   Display* display_;
 };
 
+// Makes the two parts of a window's class hint; together they are the class text by which plug-ins
+// are found.
+void SetClass(Display* display, Window window, std::string classpart, std::string name);
+
 // The windows right below this one, bottom-most first; none when it is gone.
 std::vector<Window> ChildrenOf(Display* display, Window window);
 

@@ -149,12 +149,7 @@ class CommandFixture : public MainWindowFixture {
         XCreateWindow(display, player->root(), x, y, static_cast<unsigned>(w),
                       static_cast<unsigned>(h), 0, CopyFromParent, InputOutput, nullptr,
                       CWOverrideRedirect | CWBackPixel | CWEventMask, &attributes);
-    if (!classpart.empty()) {
-      std::string one = name;
-      std::string two = classpart;
-      XClassHint hint{one.data(), two.data()};
-      XSetClassHint(display, window, &hint);
-    }
+    if (!classpart.empty()) testing::SetClass(display, window, classpart, name);
     XMapRaised(display, window);
     XSync(display, False);
     return window;

@@ -318,10 +318,7 @@ TEST_F(NewPlugin, FrameOfAWindowManagerIsSeenThrough) {
   const Window frame = Client(700, 300, 200, 200);
   Display* display = player->display();
   const Window inner = XCreateSimpleWindow(display, frame, 5, 25, 190, 170, 0, 0, 0xffffff);
-  char name[] = "xterm";
-  char classpart[] = "XTerm";
-  XClassHint hint{name, classpart};
-  XSetClassHint(display, inner, &hint);
+  testing::SetClass(display, inner, "XTerm", "xterm");
   XMapWindow(display, inner);
   XSync(display, False);
   Pick([](Picker& picker) { picker.player.MoveTo(720, 310); });  // on the frame's title

@@ -47,12 +47,7 @@ class AppTrackTest : public testing::MainWindowFixture {
     Display* other = player->display();
     const Window window =
         XCreateSimpleWindow(other, parent != None ? parent : root, left, upper, 200, 150, 0, 0, 0);
-    if (classpart != nullptr) {
-      std::string classtext = classpart;
-      std::string nametext = name;
-      XClassHint hint{nametext.data(), classtext.data()};
-      XSetClassHint(other, window, &hint);
-    }
+    if (classpart != nullptr) testing::SetClass(other, window, classpart, name);
     XMapWindow(other, window);
     XSync(other, False);
     return window;

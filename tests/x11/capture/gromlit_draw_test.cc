@@ -44,12 +44,7 @@ class GromlitDrawTest : public testing::MainWindowFixture {
     Display* other = player->display();
     const Window window = XCreateSimpleWindow(other, root, 700, 100, 400, 300, 0, 0, 0);
     XSelectInput(other, window, ButtonPressMask | ButtonReleaseMask);
-    if (classpart != nullptr) {
-      std::string classtext = classpart;
-      std::string nametext = name;
-      XClassHint hint{nametext.data(), classtext.data()};
-      XSetClassHint(other, window, &hint);
-    }
+    if (classpart != nullptr) testing::SetClass(other, window, classpart, name);
     XMapWindow(other, window);
     XSync(other, False);
     return window;
