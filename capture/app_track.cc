@@ -2,9 +2,9 @@
 
 #include <array>
 
-#include "app/gromlit_app.h"
-#include "capture/target.h"
+#include "app/main_window/gromlit_app.h"
 #include "display/display.h"
+#include "display/target.h"
 #include "display/x_handles.h"
 #include "toolkit/window_object.h"
 

@@ -7,16 +7,16 @@
 #include <cstdint>
 #include <string_view>
 
-#include "app/find_new_plugin.h"
+#include "app/plugins/find_new_plugin.h"
 #include "capture/app_track.h"
-#include "capture/target.h"
+#include "capture/plugin_match.h"
 #include "core/option_files.h"
 #include "core/plugin_files.h"
 #include "display/display.h"
 #include "display/draw_button.h"
 #include "display/pointer_click.h"
 #include "display/sent_input.h"
-#include "recognition/plugin_match.h"
+#include "display/target.h"
 
 namespace gromlit {
 namespace {

@@ -27,7 +27,7 @@
 
 #include <X11/Xlib.h>
 
-#include "app/gromlit_app.h"
+#include "app/main_window/gromlit_app.h"
 #include "capture/trail.h"
 #include "toolkit/window_object.h"
 

@@ -11,11 +11,31 @@ if(GROMLIT_SANITIZE)
   target_link_options(gromlit_flags INTERFACE -fsanitize=address,undefined)
 endif()
 
-# gromlit_library(NAME SOURCES file... DEPENDS target...)
-# A static library of this folder's sources. The folder arrows that it may use are checked by
-# scripts/check-layers; DEPENDS only has to make it link.
-function(gromlit_library name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
-  add_library(${name} STATIC ${ARG_SOURCES})
-  target_link_libraries(${name} PUBLIC gromlit_flags ${ARG_DEPENDS})
+# The table of rooms: gromlit_uses_ROOM lists the rooms that a room may use. Code that is compiled
+# into nothing of its own, such as images/, has no library.
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/cmake/rooms.txt)
+file(STRINGS ${CMAKE_SOURCE_DIR}/cmake/rooms.txt gromlit_rooms REGEX "^[a-z]")
+foreach(line IN LISTS gromlit_rooms)
+  string(REGEX MATCH "^([a-z_/]+):(.*)$" unused "${line}")
+  string(REPLACE "/" "_" room "${CMAKE_MATCH_1}")
+  string(REPLACE "/" "_" uses "${CMAKE_MATCH_2}")
+  separate_arguments(gromlit_uses_${room} UNIX_COMMAND "${uses}")
+  list(REMOVE_ITEM gromlit_uses_${room} images)
+endforeach()
+
+# gromlit_room([LIBRARIES target...])
+# The static library of this folder's sources, main.cc left out, named as its folder with "_" for
+# "/". It links the rooms that the table lets it use, and LIBRARIES from outside the project.
+function(gromlit_room)
+  cmake_parse_arguments(ARG "" "" "LIBRARIES" ${ARGN})
+  cmake_path(RELATIVE_PATH CMAKE_CURRENT_SOURCE_DIR BASE_DIRECTORY ${CMAKE_SOURCE_DIR}
+             OUTPUT_VARIABLE folder)
+  string(REPLACE "/" "_" room "${folder}")
+  if(NOT DEFINED gromlit_uses_${room})
+    message(FATAL_ERROR "${folder} is no room of cmake/rooms.txt")
+  endif()
+  file(GLOB sources CONFIGURE_DEPENDS *.cc)
+  list(FILTER sources EXCLUDE REGEX "/main\\.cc$")
+  add_library(${room} STATIC ${sources})
+  target_link_libraries(${room} PUBLIC gromlit_flags ${gromlit_uses_${room}} ${ARG_LIBRARIES})
 endfunction()

@@ -170,7 +170,7 @@ TEST_F(PluginChainTest, AllOfTwoHundredPlugInsWithUsualNamesCanBeReached) {
   ExpectShown(FileAt(10, row, true));
 }
 
-// What these measure stands in the help, in README.md and in app/plugin_menu.h.
+// What these measure stands in the help, in README.md and in app/plugins/plugin_menu.h.
 
 TEST_F(PluginChainTest, AllOfTwoHundredNamesOfAHundredSeventyFivePixelsCanBeReached) {
   std::string prefix;

@@ -12,11 +12,11 @@
 #include <vector>
 
 #include "actions/keystrokes.h"
-#include "app/action_commands_list.h"
-#include "app/action_editor.h"
-#include "app/action_tabs.h"
-#include "app/dialogs.h"
-#include "app/symbol_dialog.h"
+#include "app/action_editor/action_commands_list.h"
+#include "app/action_editor/action_editor.h"
+#include "app/action_editor/action_tabs.h"
+#include "app/symbols/symbol_dialog.h"
+#include "app/windows/dialogs.h"
 #include "core/plugin_files.h"
 #include "core/retired.h"
 #include "core/strings.h"

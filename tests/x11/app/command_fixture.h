@@ -12,12 +12,12 @@
 #include <string>
 #include <vector>
 
-#include "app/dialogs.h"
-#include "app/main_menu.h"
-#include "app/new_plugin.h"
-#include "app/symbol_dialog.h"
-#include "app/symbol_editor.h"
-#include "app/user_options_window.h"
+#include "app/main_window/main_menu.h"
+#include "app/plugins/new_plugin.h"
+#include "app/preferences/user_options_window.h"
+#include "app/symbols/symbol_dialog.h"
+#include "app/symbols/symbol_editor.h"
+#include "app/windows/dialogs.h"
 #include "core/option_files.h"
 #include "toolkit/menu_bar.h"
 

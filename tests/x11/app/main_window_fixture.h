@@ -13,11 +13,11 @@
 #include <string>
 #include <vector>
 
-#include "app/action_commands.h"
-#include "app/action_editor.h"
-#include "app/dialogs.h"
-#include "app/gromlit_app.h"
-#include "app/plugin_menu.h"
+#include "app/action_editor/action_editor.h"
+#include "app/main_window/action_commands.h"
+#include "app/main_window/gromlit_app.h"
+#include "app/plugins/plugin_menu.h"
+#include "app/windows/dialogs.h"
 #include "core/plugin_files.h"
 #include "core/retired.h"
 #include "core/strings.h"

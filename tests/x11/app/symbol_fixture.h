@@ -16,10 +16,10 @@
 #include <utility>
 #include <vector>
 
-#include "app/dialogs.h"
-#include "app/symbol_dialog.h"
-#include "app/symbol_display.h"
-#include "app/symbol_editor.h"
+#include "app/symbols/symbol_dialog.h"
+#include "app/symbols/symbol_display.h"
+#include "app/symbols/symbol_editor.h"
+#include "app/windows/dialogs.h"
 #include "core/option_files.h"
 #include "core/retired.h"
 #include "core/strings.h"

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "app/dialogs.h"
-#include "app/main_menu.h"
-#include "app/user_options_window.h"
+#include "app/main_window/main_menu.h"
+#include "app/preferences/user_options_window.h"
+#include "app/windows/dialogs.h"
 #include "capture/app_track.h"
 #include "capture/gromlit_draw.h"
 #include "core/option_files.h"

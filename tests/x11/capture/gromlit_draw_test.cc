@@ -7,7 +7,7 @@
 #include <thread>
 #include <vector>
 
-#include "app/new_plugin.h"
+#include "app/plugins/new_plugin.h"
 #include "capture/gromlit_draw.h"
 #include "core/option_files.h"
 #include "display/draw_button.h"

@@ -11,9 +11,9 @@
 #include <memory>
 #include <thread>
 
-#include "app/dialogs.h"
-#include "app/gromlit_app.h"
-#include "app/user_options_window.h"
+#include "app/main_window/gromlit_app.h"
+#include "app/preferences/user_options_window.h"
+#include "app/windows/dialogs.h"
 #include "capture/gromlit_draw.h"
 #include "core/option_files.h"
 #include "core/plugin_files.h"

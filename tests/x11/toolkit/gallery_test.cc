@@ -10,9 +10,9 @@
 #include <set>
 #include <thread>
 
+#include "gallery/gallery.h"
 #include "toolkit/button.h"
 #include "toolkit/dialog.h"
-#include "toolkit/gallery/gallery.h"
 #include "toolkit/menu.h"
 #include "toolkit/menu_bar.h"
 #include "toolkit/text_editor.h"

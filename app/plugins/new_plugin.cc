@@ -1,0 +1,64 @@
+#include "app/plugins/new_plugin.h"
+
+#include <array>
+#include <cerrno>
+#include <string>
+
+#include "actions/launch.h"
+#include "app/plugins/class_picker.h"
+#include "app/plugins/plugin_menu.h"
+#include "app/windows/dialogs.h"
+#include "core/plugin_files.h"
+#include "display/display.h"
+
+namespace gromlit {
+
+const char* const NoPluginMsg[] = {"There is not a Plugin for this Application.",
+                                   "One may be available from the Gromlit web service.", "",
+                                   "Would you like to download one?", nullptr};
+const char* const NewPluginMsg[] = {"After clicking on OK,",
+                                    "Click on the Application to create a plugin for it.", "",
+                                    "Would you like to create one now?", nullptr};
+
+namespace {
+
+constexpr size_t kUrlLength = 179;  // bytes of a download page's address
+
+}  // namespace
+
+void MakeNewPluginDialogs(GromlitApp* gromlit) {
+  gromlit->dlog = MakeDialog("Plugin Update", NoPluginMsg, YesDownloadPlugin, 0, 0);
+  gromlit->newdlog = MakeDialog("New Plugin", NewPluginMsg, YesNewPlugin, 0, 0);
+}
+
+void YesDownloadPlugin(XDialog* dlog) {
+  std::string url = GromlitDownloadURLprefix;
+  if (dlog->arg != nullptr) url += static_cast<const char*>(dlog->arg);
+  if (url.size() > kUrlLength) url.resize(kUrlLength);
+  DialogYes(dlog);
+  LaunchBrowserURL(url.c_str());
+}
+
+void YesNewPlugin(XDialog* dlog) {
+  Window rootwin;
+  Window child;
+  int x = 0;
+  int y = 0;
+  int winx;
+  int winy;
+  unsigned state;
+  XQueryPointer(dpy, root, &rootwin, &child, &x, &y, &winx, &winy, &state);
+  DialogYes(dlog);
+  std::array<char, kClassBuffer> cname{};
+  if (!PickClass(x, y, cname)) return;
+
+  bool saved = true;
+  if (CreatePlugin(cname.data(), cname.data(), &saved) == nullptr) return;
+  const int reason = errno;
+  UpdatePluginsMenu();
+  UpdateGromlitApp(app, cname.data(), nullptr);
+  DrawGromlitApp(app);
+  if (!saved) ShowSaveFailure("The new plug-in could not be saved.", reason);
+}
+
+}  // namespace gromlit

@@ -1,0 +1,18 @@
+// What the symbol editor's buttons do; the argument of each is the editor (SymbolEditor*).
+// In which states a button changes what is in the table of app/symbols/symbol_editor.h.
+#pragma once
+
+namespace gromlit {
+
+inline constexpr const char* GromlitSymbolHelpFile = "help/symbol_editor.html";
+
+void symHelp(void* arg);
+void symClear(void* arg);
+void symRestart(void* arg);
+void symPrev(void* arg);
+void symNext(void* arg);
+void symFinish(void* arg);
+void symSave(void* arg);
+void symCancel(void* arg);
+
+}  // namespace gromlit

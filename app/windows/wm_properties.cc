@@ -1,0 +1,63 @@
+#include "app/windows/wm_properties.h"
+
+#include <X11/Xatom.h>
+#include <X11/Xutil.h>
+
+#include <cstring>
+
+#include "display/display.h"
+#include "display/x_handles.h"
+
+namespace gromlit {
+namespace {
+
+// A property of STRING text that borrows its bytes.
+XTextProperty StringProperty(const char* text) {
+  XTextProperty property;
+  // Xlib takes the text as unsigned char* but does not write to it.
+  property.value = reinterpret_cast<unsigned char*>(const_cast<char*>(text));
+  property.encoding = XA_STRING;
+  property.format = 8;
+  property.nitems = std::strlen(text);
+  return property;
+}
+
+}  // namespace
+
+void SetWindowManagerProperties(Window window, const WindowIdentity& identity) {
+  XTextProperty title = StringProperty(identity.title);
+  XTextProperty icontitle{};
+  if (identity.icontitle != nullptr) icontitle = StringProperty(identity.icontitle);
+
+  const XData<XSizeHints> size(XAllocSizeHints());
+  if (size != nullptr) {
+    size->flags = PMinSize | PMaxSize | PBaseSize;
+    size->min_width = size->max_width = size->base_width = identity.width;
+    size->min_height = size->max_height = size->base_height = identity.height;
+  }
+  char classpart[] = "Gromlit";
+  XClassHint hint;
+  hint.res_name = const_cast<char*>(identity.name);
+  hint.res_class = classpart;
+  XSetWMProperties(dpy, window, &title, identity.icontitle != nullptr ? &icontitle : nullptr,
+                   identity.argv, identity.argc, size.get(), nullptr, &hint);
+  XSetWMProtocols(dpy, window, &wm_delete, 1);
+}
+
+Window CreateTopLevel(int width, int height, long events) {
+  XSetWindowAttributes attributes;
+  attributes.background_pixel = lgrey.pixel;
+  attributes.backing_store = WhenMapped;
+  attributes.event_mask = events;
+  return XCreateWindow(dpy, root, 0, 0, static_cast<unsigned>(width), static_cast<unsigned>(height),
+                       1, DefaultDepth(dpy, screen), InputOutput, CopyFromParent,
+                       CWBackPixel | CWBackingStore | CWEventMask, &attributes);
+}
+
+Window MakeEditorWindow(const WindowIdentity& identity) {
+  const Window window = CreateTopLevel(identity.width, identity.height, ExposureMask);
+  SetWindowManagerProperties(window, identity);
+  return window;
+}
+
+}  // namespace gromlit

@@ -1,0 +1,70 @@
+#include "program/command_line.h"
+
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+
+#include "core/strings.h"
+
+namespace gromlit {
+
+const char* ProgramName = "gromlit";
+
+namespace {
+
+constexpr const char* kOptionText[] = {
+    "    -display displayname   X server to contact",
+    "    -path path             Directory where gromlit installed",
+    "",
+};
+
+}  // namespace
+
+void usage() {
+  std::fprintf(stderr, "usage:  %s [-options ...]\n", ProgramName);
+  std::fprintf(stderr, "where options include:\n");
+  for (const char* line : kOptionText) std::fprintf(stderr, "%s\n", line);
+  std::exit(1);
+}
+
+CommandLine ParseCommandLine(int argc, char** argv) {
+  CommandLine line{};
+  if (argc > 0) ProgramName = argv[0];
+  for (int i = 1; i < argc; i++) {
+    const char* option = argv[i];
+    if (option[0] != '-') usage();
+    const char* ignored;
+    const char** value;
+    switch (option[1]) {
+      case 'd':
+        value = &line.display;
+        break;
+      case 'p':
+        value = &line.path;
+        break;
+      case 'n':
+        value = &ignored;
+        break;
+      default:
+        usage();
+    }
+    if (++i == argc) usage();
+    *value = argv[i];
+  }
+  return line;
+}
+
+const char* FindInstallation(const CommandLine& line) {
+  const char* path = defaultGromlitPath;
+  if (const char* environment = std::getenv("GROMLIT"); environment != nullptr) path = environment;
+  if (line.path != nullptr) path = line.path;
+  std::array<char, 256> directory;  // outlives the pointer to it
+  if (StrCmp(path, defaultGromlitPath) == 0) {
+    if (getcwd(directory.data(), directory.size()) != nullptr) path = directory.data();
+  }
+  return StrDup(path);
+}
+
+}  // namespace gromlit

@@ -1,0 +1,145 @@
+#include "program/start_up.h"
+
+#include <X11/Xlib.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+
+#include "actions/child.h"
+#include "actions/keystrokes.h"
+#include "app/action_editor/action_editor.h"
+#include "app/main_window/gromlit_app.h"
+#include "app/main_window/main_menu.h"
+#include "app/plugins/new_plugin.h"
+#include "app/plugins/plugin_menu.h"
+#include "app/preferences/user_options_window.h"
+#include "app/symbols/symbol_dialog.h"
+#include "app/symbols/symbol_editor.h"
+#include "app/windows/dialogs.h"
+#include "app/windows/splash.h"
+#include "capture/app_track.h"
+#include "capture/gromlit_draw.h"
+#include "core/files.h"
+#include "core/option_files.h"
+#include "core/plugin_files.h"
+#include "display/display.h"
+#include "display/draw_button.h"
+#include "display/x_errors.h"
+#include "program/command_line.h"
+#include "toolkit/image.h"
+#include "toolkit/pulldown_button.h"
+
+namespace gromlit {
+namespace {
+
+// A file-size limit or a closed output must show up as the error of one write, not end the program.
+void IgnoreWriteSignals() {
+  std::signal(SIGXFSZ, SIG_IGN);
+  std::signal(SIGPIPE, SIG_IGN);
+}
+
+// Whoever started the program may have closed its standard descriptors. The connection to the
+// server or a file to save would get a free number among them, and a message printed there would
+// end up in the middle of the requests or of the file.
+void HoldStandardDescriptors() {
+  for (int fd = STDIN_FILENO; fd <= STDERR_FILENO; fd++) {
+    // The lowest free number is the missing one, since those below it are held by now.
+    if (fcntl(fd, F_GETFD) < 0 && open("/dev/null", O_RDWR) < 0) return;
+  }
+}
+
+// The program prints a few lines in days of running. Each must be there when it is due and not when
+// the program ends, also where the output goes to a log.
+void PrintAtOnce() {
+  (void)std::setvbuf(stdout, nullptr, _IONBF, 0);
+}
+
+void OpenDisplayOrExit(const char* name) {
+  if (OpenDisplay(name)) return;
+  std::fprintf(stderr, "unable to open display '%s'\n", XDisplayName(name));
+  std::exit(1);
+}
+
+void MakeResources() {
+  MakeColours();
+  MakeImages();
+  MakeHandCursor();
+  LoadFonts();
+  MakeCursors();
+  MakeContexts();
+  MakeAtoms();
+}
+
+void GrabDrawButtonOrExit() {
+  if (GrabDrawButton(EffectiveButton(user))) return;
+  std::printf("%s\n", kDrawButtonTaken);
+  std::exit(0);
+}
+
+// The overlay lives as long as the program; the preferences reach it through a plain function.
+GromlitDraw* overlay = nullptr;
+
+void RenewOverlay() {
+  RenewDrawEvents(overlay);
+}
+
+void MakeOverlayAndMainWindow(int argc, char** argv) {
+  overlay = MakeGromlitDraw();
+  drawButtonChanged = RenewOverlay;
+  app = MakeGromlitApp(6, 3, argc, argv);
+  overlay->app = app;
+}
+
+void ReadPlugins() {
+  LoadPlugins();
+  app->plugin = GetDefaultPlugin();
+  UpdatePluginsMenu();
+}
+
+void MakeEditors(int argc, char** argv) {
+  CreateSymbolEditor(argc, argv);  // reads the symbol library as well
+  MakeSymbolSelect();
+  CreateActionEditor(argc, argv);
+  CreateUserOptions(argc, argv);
+  UpdateUserOptions(user);
+}
+
+void ShowMainWindow() {
+  XMapWindow(dpy, app->window);
+  UpdateGromlitApp(app, defaultPluginClassname, nullptr);
+  DrawGromlitApp(app);
+  UpdatePulldownButton(app->txt, defaultPluginClassname);
+}
+
+}  // namespace
+
+void StartUp(const CommandLine& line, int argc, char** argv) {
+  HoldStandardDescriptors();
+  IgnoreWriteSignals();
+  PrintAtOnce();
+  ReapChildrenSilently();
+  OpenDisplayOrExit(line.display);
+  GromlitPath = FindInstallation(line);
+  MakeResources();
+  GetUserOptions();
+  if (user->splash != 0) DoSplash();
+  BuildCharToKeycode();
+  GrabDrawButtonOrExit();
+  RemoveStaleTemporaries();  // not before the grab: an instance that runs may be saving
+  MakeAboutDialog();
+  MakeOverlayAndMainWindow(argc, argv);
+  MakeConfirmDialog();
+  MakeEditNameDialog(SaveNewPluginName);
+  ReadPlugins();
+  MakeNewPluginDialogs(app);
+  MakeEditors(argc, argv);
+  ShowMainWindow();
+  // From here on windows of other clients are asked about that may be gone already.
+  XSetErrorHandler(GromlitXErrorHandler);
+  CreateAppTrack();
+}
+
+}  // namespace gromlit

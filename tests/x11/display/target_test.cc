@@ -1,0 +1,280 @@
+#include "tests/support/x_fixture.h"
+
+#include <X11/Xatom.h>
+#include <X11/Xutil.h>
+
+#include <algorithm>
+#include <array>
+#include <string>
+
+#include "display/target.h"
+#include "display/x_errors.h"
+
+namespace gromlit {
+namespace {
+
+constexpr long kPress = ButtonPressMask;
+constexpr long kRelease = ButtonReleaseMask;
+
+class TargetTest : public testing::XFixture {
+ protected:
+  void SetUp() override {
+    XFixture::SetUp();
+    XSetErrorHandler(GromlitXErrorHandler);  // windows vanish on purpose here
+  }
+
+  // A mapped window of another client.
+  Window Make(Window parent, int left, int top, unsigned width, unsigned height, long mask) {
+    Display* other = player->display();
+    const Window window = XCreateSimpleWindow(other, parent, left, top, width, height, 0, 0, 0);
+    XSelectInput(other, window, mask);
+    XMapWindow(other, window);
+    XSync(other, False);
+    return window;
+  }
+  Window Top(long mask = 0) { return Make(root, 100, 100, 200, 150, mask); }
+
+  // WM_CLASS with exactly these bytes: name part, NUL, class part, NUL.
+  void SetClassBytes(Window window, const std::string& bytes) {
+    XChangeProperty(player->display(), window, XA_WM_CLASS, XA_STRING, 8, PropModeReplace,
+                    reinterpret_cast<const unsigned char*>(bytes.data()),
+                    static_cast<int>(bytes.size()));
+    XSync(player->display(), False);
+  }
+  void SetClass(Window window, const std::string& classpart, const std::string& name) {
+    SetClassBytes(window, name + std::string(1, '\0') + classpart + std::string(1, '\0'));
+  }
+  void SetName(Window window, const char* type, const std::string& text) {
+    Display* other = player->display();
+    const Atom atom = XInternAtom(other, type, False);
+    XChangeProperty(other, window, XA_WM_NAME, atom, 8, PropModeReplace,
+                    reinterpret_cast<const unsigned char*>(text.data()),
+                    static_cast<int>(text.size()));
+    XSync(other, False);
+  }
+
+  // The class text of the search; what the buffer held before is "before".
+  Window App(Window window) {
+    cname = {'b', 'e', 'f', 'o', 'r', 'e'};
+    return GetXApp(window, cname);
+  }
+  std::string Class() const { return cname.data(); }
+
+  std::array<char, kClassBuffer> cname{};
+  int x = -7;
+  int y = -7;
+};
+
+TEST_F(TargetTest, RootAndNoWindowAreTheDesktop) {
+  EXPECT_EQ(App(root), root);
+  EXPECT_EQ(Class(), "Desktop");
+  EXPECT_EQ(App(0), root);
+  EXPECT_EQ(Class(), "Desktop");
+}
+
+TEST_F(TargetTest, ClassTextIsClassPartDotNamePart) {
+  const Window top = Top();
+  SetClass(top, "XTerm", "xterm");
+  EXPECT_EQ(App(top), top);
+  EXPECT_EQ(Class(), "XTerm.xterm");
+}
+
+TEST_F(TargetTest, ClassHintWithOnlyANamePartGivesTheNameAlone) {
+  const Window top = Top();
+  SetClass(top, "", "lonely");
+  EXPECT_EQ(App(top), top);
+  EXPECT_EQ(Class(), "lonely");
+}
+
+TEST_F(TargetTest, ClassHintWithoutTheSecondTerminatorIsRead) {
+  const Window top = Top();
+  SetClassBytes(top, std::string("name\0Class", 10));
+  EXPECT_EQ(App(top), top);
+  EXPECT_EQ(Class(), "Class.name");
+}
+
+TEST_F(TargetTest, ClassHintWithOnlyAClassPartEndsWithADot) {
+  const Window top = Top();
+  SetClass(top, "Only", "");
+  EXPECT_EQ(App(top), top);
+  EXPECT_EQ(Class(), "Only.");
+}
+
+TEST_F(TargetTest, ClassTextIsCutToTheBuffer) {
+  const Window top = Top();
+  SetClass(top, std::string(5000, 'c'), "name");
+  EXPECT_EQ(App(top), top);
+  EXPECT_EQ(Class(), std::string(kClassBuffer - 1, 'c'));
+}
+
+TEST_F(TargetTest, PlainNameServesWhereThereIsNoClassHint) {
+  const Window top = Top();
+  SetName(top, "STRING", "plain name");
+  EXPECT_EQ(App(top), top);
+  EXPECT_EQ(Class(), "plain name");
+}
+
+TEST_F(TargetTest, LongPlainNameIsCutToTheBuffer) {
+  const Window top = Top();
+  SetName(top, "STRING", std::string(4000, 'n'));
+  EXPECT_EQ(App(top), top);
+  EXPECT_EQ(Class(), std::string(kClassBuffer - 1, 'n'));
+}
+
+TEST_F(TargetTest, NameInAnotherEncodingGivesNoWindowAndKeepsTheText) {
+  for (const char* type : {"UTF8_STRING", "COMPOUND_TEXT"}) {
+    const Window top = Top();
+    SetName(top, type, "name");
+    const Window found = App(top);
+    EXPECT_NE(found, 0u) << type;
+    EXPECT_NE(found, top) << type;
+    EXPECT_EQ(Class(), "before") << type;
+    EXPECT_EQ(GetXAppClick(found, &x, &y), 0u) << type;
+  }
+}
+
+TEST_F(TargetTest, FramesAreLookedThrough) {
+  const Window frame = Top();
+  const Window inner = Make(frame, 0, 0, 100, 100, 0);
+  const Window client = Make(inner, 0, 0, 90, 90, 0);
+  SetClass(client, "Deep", "deep");
+  EXPECT_EQ(App(frame), client);
+  EXPECT_EQ(Class(), "Deep.deep");
+}
+
+TEST_F(TargetTest, TheBottomMostNamedChildWins) {
+  const Window frame = Top();
+  const Window bottom = Make(frame, 0, 0, 50, 50, 0);
+  const Window above = Make(frame, 0, 0, 50, 50, 0);
+  SetClass(bottom, "Bottom", "b");
+  SetClass(above, "Above", "a");
+  EXPECT_EQ(App(frame), bottom);
+  EXPECT_EQ(Class(), "Bottom.b");
+}
+
+TEST_F(TargetTest, WindowsWithoutAnyNameGiveNothing) {
+  const Window frame = Top();
+  Make(frame, 0, 0, 50, 50, 0);
+  EXPECT_EQ(App(frame), 0u);
+  EXPECT_EQ(Class(), "before");
+}
+
+TEST_F(TargetTest, DeadWindowGivesNothing) {
+  const Window top = Top(kPress);
+  XDestroyWindow(player->display(), top);
+  XSync(player->display(), False);
+  EXPECT_EQ(App(top), 0u);
+  EXPECT_EQ(GetXAppClick(top, &x, &y), 0u);
+  EXPECT_EQ(GetXAppKey(top, &x, &y), 0u);
+  EXPECT_EQ(x, -7);
+}
+
+TEST_F(TargetTest, DeepestWindowThatTakesTheClickWins) {
+  const Window top = Top(kPress);
+  const Window child = Make(top, 10, 10, 100, 100, kPress);
+  const Window deepest = Make(child, 10, 10, 50, 50, kPress);
+  player->MoveTo(130, 140);
+  EXPECT_EQ(GetXAppClick(top, &x, &y), deepest);
+  EXPECT_EQ(x, 10);
+  EXPECT_EQ(y, 20);
+}
+
+TEST_F(TargetTest, OfOverlappingSiblingsTheBottomMostWins) {
+  const Window top = Top(kPress);
+  const Window bottom = Make(top, 0, 0, 100, 100, kPress);
+  Make(top, 0, 0, 100, 100, kPress);
+  player->MoveTo(120, 120);
+  EXPECT_EQ(GetXAppClick(top, &x, &y), bottom);
+}
+
+TEST_F(TargetTest, ReleasesAloneCountForClicksButNotForKeys) {
+  const Window top = Top(kRelease);
+  player->MoveTo(120, 130);
+  EXPECT_EQ(GetXAppClick(top, &x, &y), top);
+  EXPECT_EQ(x, 20);
+  EXPECT_EQ(y, 30);
+  x = y = -7;
+  EXPECT_EQ(GetXAppKey(top, &x, &y), 0u);
+  EXPECT_EQ(x, -7);
+  EXPECT_EQ(y, -7);
+}
+
+TEST_F(TargetTest, KeyWindowTakesPresses) {
+  const Window top = Top(kPress);
+  Make(top, 0, 0, 100, 100, kRelease);
+  player->MoveTo(120, 130);
+  EXPECT_EQ(GetXAppKey(top, &x, &y), top);
+}
+
+TEST_F(TargetTest, WindowThatNobodyListensOnIsNoTarget) {
+  const Window top = Top(ExposureMask);
+  player->MoveTo(120, 130);
+  EXPECT_EQ(GetXAppClick(top, &x, &y), 0u);
+}
+
+TEST_F(TargetTest, RightAndBottomEdgeCountAsInside) {
+  const Window top = Make(root, 100, 100, 200, 150, kPress);
+  const struct {
+    int rootx, rooty;
+    bool inside;
+  } cases[] = {
+      {300, 250, true}, {100, 100, true}, {301, 250, false}, {300, 251, false}, {99, 100, false}};
+  for (const auto& at : cases) {
+    player->MoveTo(at.rootx, at.rooty);
+    EXPECT_EQ(GetXAppClick(top, &x, &y), at.inside ? top : 0u) << at.rootx << "," << at.rooty;
+  }
+  player->MoveTo(300, 250);
+  EXPECT_EQ(GetXAppClick(top, &x, &y), top);
+  EXPECT_EQ(x, 200);
+  EXPECT_EQ(y, 150);
+}
+
+TEST_F(TargetTest, UnmappedWindowIsNoTargetNorAnythingInIt) {
+  const Window top = Top(kPress);
+  const Window child = Make(top, 0, 0, 100, 100, kPress);
+  Make(child, 0, 0, 100, 100, kPress);
+  XUnmapWindow(player->display(), child);
+  XSync(player->display(), False);
+  player->MoveTo(120, 130);
+  EXPECT_EQ(GetXAppClick(top, &x, &y), top);
+}
+
+TEST_F(TargetTest, ClientWithThousandsOfWindowsStillGetsItsClick) {
+  const Window top = Top(kPress);
+  for (int i = 0; i < 2500; i++) {
+    XMapWindow(player->display(),
+               XCreateSimpleWindow(player->display(), top, 150, 100, 10, 10, 0, 0, 0));
+  }
+  const Window target = Make(top, 0, 0, 50, 50, kPress);
+  player->MoveTo(120, 130);
+  const unsigned long before = NextRequest(dpy);
+  EXPECT_EQ(GetXAppClick(top, &x, &y), target);
+  EXPECT_EQ(x, 20);
+  EXPECT_LT(NextRequest(dpy) - before, 10000u);
+}
+
+TEST_F(TargetTest, EndlessNestingIsCutShort) {
+  const Window top = Top(kPress);
+  Window window = top;
+  for (int i = 0; i < 200; i++) window = Make(window, 0, 0, 100, 100, 0);
+  SetClass(window, "Deep", "deep");
+  player->MoveTo(120, 130);
+  EXPECT_EQ(App(top), 0u);
+  EXPECT_EQ(GetXAppClick(top, &x, &y), top);
+}
+
+TEST_F(TargetTest, OrdinaryWindowIsFoundInFewRequests) {
+  const Window top = Top(kPress);
+  SetClass(top, "Class", "name");
+  player->MoveTo(120, 130);
+  // Class hint; then attributes and geometry, tree, pointer.
+  unsigned long before = NextRequest(dpy);
+  EXPECT_EQ(App(top), top);
+  EXPECT_EQ(NextRequest(dpy) - before, 1u);
+  before = NextRequest(dpy);
+  EXPECT_EQ(GetXAppClick(top, &x, &y), top);
+  EXPECT_EQ(NextRequest(dpy) - before, 4u);
+}
+
+}  // namespace
+}  // namespace gromlit
