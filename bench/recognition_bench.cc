@@ -1,6 +1,6 @@
 // From a stroke to the action: the signature, the search, and the exhaustive search that the linear
 // one replaces, on the same input. The bars: BM_ExhaustiveSearch_worst takes at least 200 times as
-// long as BM_FindAction_worst in the same run, and that one at most 20 us.
+// long as BM_FindSignature_worst in the same run, and that one at most 20 us.
 #include <benchmark/benchmark.h>
 
 #include <cmath>
@@ -71,7 +71,7 @@ Input Spread(size_t differsAt) {
   return input;
 }
 
-void RunFindAction(benchmark::State& state, Input input) {
+void RunFindSignature(benchmark::State& state, Input input) {
   const auto actions = std::make_unique<GromlitAction[]>(kMaxActions);
   const auto plugin = std::make_unique<GromlitPlugin>();
   for (size_t i = 0; i < kMaxActions; ++i) {
@@ -79,12 +79,12 @@ void RunFindAction(benchmark::State& state, Input input) {
     plugin->actions[i] = &actions[i];
   }
   plugin->nactions = kMaxActions;
-  if (FindAction(plugin.get(), input.drawn.c_str()) != input.expected ||
+  if (FindSignature(plugin.get(), input.drawn.c_str()) != input.expected ||
       literal::FindAction(input.syms, input.drawn) != input.expected) {
     state.SkipWithError("the search does not find what the input was made for");
   }
   for ([[maybe_unused]] auto _ : state) {
-    benchmark::DoNotOptimize(FindAction(plugin.get(), input.drawn.c_str()));
+    benchmark::DoNotOptimize(FindSignature(plugin.get(), input.drawn.c_str()));
     benchmark::ClobberMemory();
   }
 }
@@ -98,20 +98,20 @@ void RunExhaustive(benchmark::State& state, const Input& input) {
 
 // The place of the difference that keeps the linear search longest is the first letter, with the
 // swaps at the far end; the exhaustive search reads longest when it is the last.
-void BM_FindAction_typical(benchmark::State& state) {
-  RunFindAction(state, Typical());
+void BM_FindSignature_typical(benchmark::State& state) {
+  RunFindSignature(state, Typical());
 }
-void BM_FindAction_none(benchmark::State& state) {
-  RunFindAction(state, None());
+void BM_FindSignature_none(benchmark::State& state) {
+  RunFindSignature(state, None());
 }
-void BM_FindAction_worst(benchmark::State& state) {
-  RunFindAction(state, Long(0, 199));
+void BM_FindSignature_worst(benchmark::State& state) {
+  RunFindSignature(state, Long(0, 199));
 }
-void BM_FindAction_worst_first_letter(benchmark::State& state) {
-  RunFindAction(state, Long(189, 0));
+void BM_FindSignature_worst_first_letter(benchmark::State& state) {
+  RunFindSignature(state, Long(189, 0));
 }
-void BM_FindAction_worst_spread(benchmark::State& state) {
-  RunFindAction(state, Spread(0));
+void BM_FindSignature_worst_spread(benchmark::State& state) {
+  RunFindSignature(state, Spread(0));
 }
 void BM_ExhaustiveSearch_typical(benchmark::State& state) {
   RunExhaustive(state, Typical());
@@ -178,11 +178,11 @@ void Medians(benchmark::internal::Benchmark* bench) {
 BENCHMARK(BM_StrokeSignature_256)->Apply(Medians);
 BENCHMARK(BM_StrokeSignature_256_zigzag)->Apply(Medians);
 BENCHMARK(BM_SymbolSignature_64_points)->Apply(Medians);
-BENCHMARK(BM_FindAction_typical)->Apply(Medians);
-BENCHMARK(BM_FindAction_none)->Apply(Medians);
-BENCHMARK(BM_FindAction_worst)->Apply(Medians);
-BENCHMARK(BM_FindAction_worst_first_letter)->Apply(Medians);
-BENCHMARK(BM_FindAction_worst_spread)->Apply(Medians);
+BENCHMARK(BM_FindSignature_typical)->Apply(Medians);
+BENCHMARK(BM_FindSignature_none)->Apply(Medians);
+BENCHMARK(BM_FindSignature_worst)->Apply(Medians);
+BENCHMARK(BM_FindSignature_worst_first_letter)->Apply(Medians);
+BENCHMARK(BM_FindSignature_worst_spread)->Apply(Medians);
 BENCHMARK(BM_ExhaustiveSearch_typical)->Apply(Medians);
 BENCHMARK(BM_ExhaustiveSearch_none)->Apply(Medians);
 BENCHMARK(BM_ExhaustiveSearch_worst)->Apply(Medians);

@@ -108,7 +108,7 @@ int SymbolMatch(GromlitSymbol* sym, const char* sigDrawn) {
   return SignatureMatch(SymbolSignature(sym), sigDrawn);
 }
 
-int FindAction(const GromlitPlugin* pin, const char* sigDrawn) {
+int FindSignature(const GromlitPlugin* pin, const char* sigDrawn) {
   const DrawnSignature drawn = Prepare(sigDrawn);
   const int nactions = std::min<int>(pin->nactions, kMaxActions);
   for (int i = 0; i < nactions; ++i) {

@@ -37,6 +37,6 @@ int SymbolMatch(GromlitSymbol* sym, const char* sigDrawn);
 
 // Index of the first action of pin, in the plug-in's order, whose symbol matches; -1 when none
 // does.
-int FindAction(const GromlitPlugin* pin, const char* sigDrawn);
+int FindSignature(const GromlitPlugin* pin, const char* sigDrawn);
 
 }  // namespace gromlit

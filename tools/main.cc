@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "core/strings.h"
+#include "recognition/find_action.h"
 #include "recognition/signature_match.h"
 #include "recognition/stroke_signature.h"
 #include "tools/check.h"
@@ -126,19 +127,13 @@ int Pack(const std::string& input, const std::string& output) {
   return kSuccess;
 }
 
-// Signature of a stroke; false after a message.
-bool StrokeInputSignature(const std::string& path, std::string* signature) {
+// Reads a stroke; false after a message.
+bool ReadStroke(const std::string& path, Stroke* stroke) {
   std::string text;
   std::string error;
-  Stroke stroke;
-  if (!ReadTextInput(path, &text, &error) || !ParseStroke(text, &stroke, &error)) {
-    Complain(InputName(path), error);
-    return false;
-  }
-  char letters[kDrawnSignatureSize];
-  StrokeSignature(letters, stroke.npoints, stroke.x, stroke.y);
-  *signature = letters;
-  return true;
+  if (ReadTextInput(path, &text, &error) && ParseStroke(text, stroke, &error)) return true;
+  Complain(InputName(path), error);
+  return false;
 }
 
 // Reads a file that the program would have to be able to use; false after a message.
@@ -164,18 +159,20 @@ int SignatureOfSymbol(const std::string& path) {
 }
 
 int SignatureOfStroke(const std::string& path) {
-  std::string signature;
-  if (!StrokeInputSignature(path, &signature)) return kTrouble;
-  Write(signature + "\n");
+  Stroke stroke;
+  if (!ReadStroke(path, &stroke)) return kTrouble;
+  char letters[kDrawnSignatureSize];
+  StrokeSignature(letters, stroke.count, stroke.x, stroke.y);
+  Write(std::string(letters) + "\n");
   return kSuccess;
 }
 
-int Match(const std::string& plugin, const std::string& stroke) {
+int Match(const std::string& plugin, const std::string& path) {
   DataFile file;
   if (!ReadUsable(plugin, Kind::kPlugin, "no plug-in file", &file)) return kTrouble;
-  std::string signature;
-  if (!StrokeInputSignature(stroke, &signature)) return kTrouble;
-  const int index = FindAction(&file.plugin, signature.c_str());
+  Stroke stroke;
+  if (!ReadStroke(path, &stroke)) return kTrouble;
+  const int index = FindAction(&file.plugin, stroke, {kBySignature, 0});
   if (index >= 0) {
     const std::string_view name = FieldText(file.plugin.actions[index]->name);
     Write(std::to_string(index) + "\t" + std::string(name) + "\n");

@@ -44,7 +44,7 @@ bool ParseCoordinate(std::string_view word, int16_t* out, std::string* error) {
 }  // namespace
 
 bool ParseStroke(std::string_view text, Stroke* stroke, std::string* error) {
-  stroke->npoints = 0;
+  stroke->count = 0;
   for (size_t number = 1; !text.empty(); number++) {
     std::string_view line = text.substr(0, text.find('\n'));
     text.remove_prefix(std::min(line.size() + 1, text.size()));
@@ -62,10 +62,10 @@ bool ParseStroke(std::string_view text, Stroke* stroke, std::string* error) {
       *error = "line " + std::to_string(number) + ": " + *error;
       return false;
     }
-    if (stroke->npoints == kMaxStrokePoints) continue;
-    stroke->x[stroke->npoints] = x;
-    stroke->y[stroke->npoints] = y;
-    stroke->npoints++;
+    if (stroke->count == kMaxStrokePoints) continue;
+    stroke->x[stroke->count] = x;
+    stroke->y[stroke->count] = y;
+    stroke->count++;
   }
   return true;
 }

@@ -1,19 +1,12 @@
 // Strokes written as text: one "x y" pair of root-window pixels per line.
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <string_view>
 
-#include "core/gromlit.h"
+#include "recognition/stroke.h"
 
 namespace gromlit {
-
-struct Stroke {
-  int npoints = 0;  // 0..kMaxStrokePoints
-  int16_t x[kMaxStrokePoints];
-  int16_t y[kMaxStrokePoints];
-};
 
 // Reads a stroke. Points beyond the 256th are checked and dropped, as a live stroke drops them;
 // lines of white space are skipped. False, with the line and what is wrong with it in *error, when

@@ -370,52 +370,52 @@ TEST(SymbolMatch, VariesTheDrawnSignature) {
 
 // --- Actions ----------------------------------------------------------------------------------
 
-TEST(FindAction, TakesTheFirstOfTwoThatMatch) {
+TEST(FindSignature, TakesTheFirstOfTwoThatMatch) {
   TestPlugin plugin({SymbolOfCells(kDown), SymbolOfCells(kRight), SymbolOfCells(kRight)});
-  EXPECT_EQ(FindAction(&plugin.record, "aaaa"), 1);
-  EXPECT_EQ(FindAction(&plugin.record, "cccc"), 0);
+  EXPECT_EQ(FindSignature(&plugin.record, "aaaa"), 1);
+  EXPECT_EQ(FindSignature(&plugin.record, "cccc"), 0);
 }
 
-TEST(FindAction, PrefersAnEarlierVariantToALaterExactMatch) {
+TEST(FindSignature, PrefersAnEarlierVariantToALaterExactMatch) {
   std::array<char, 5> variant = {"cabd"};
   std::array<char, 5> exact = {"acbd"};
   TestPlugin plugin({GromlitSymbol{}, GromlitSymbol{}});
   plugin.actions[0].sym.signature = variant.data();
   plugin.actions[1].sym.signature = exact.data();
-  EXPECT_EQ(FindAction(&plugin.record, "acbd"), 0);
+  EXPECT_EQ(FindSignature(&plugin.record, "acbd"), 0);
   plugin.actions[0].sym.signature = nullptr;  // not on the heap: nothing to free
   plugin.actions[1].sym.signature = nullptr;
 }
 
-TEST(FindAction, LeavesLaterActionsUnexamined) {
+TEST(FindSignature, LeavesLaterActionsUnexamined) {
   TestPlugin plugin({SymbolOfCells(kRight), SymbolOfCells(kDown)});
-  EXPECT_EQ(FindAction(&plugin.record, "aaaa"), 0);
+  EXPECT_EQ(FindSignature(&plugin.record, "aaaa"), 0);
   EXPECT_NE(plugin.actions[0].sym.signature, nullptr);
   EXPECT_EQ(plugin.actions[1].sym.signature, nullptr);
 }
 
-TEST(FindAction, GivesMinusOneWhenNoneMatches) {
+TEST(FindSignature, GivesMinusOneWhenNoneMatches) {
   TestPlugin plugin({SymbolOfCells(kRight), SymbolOfCells(kDown)});
-  EXPECT_EQ(FindAction(&plugin.record, "dddd"), -1);
-  EXPECT_EQ(FindAction(&plugin.record, ""), -1);
+  EXPECT_EQ(FindSignature(&plugin.record, "dddd"), -1);
+  EXPECT_EQ(FindSignature(&plugin.record, ""), -1);
   TestPlugin none({});
-  EXPECT_EQ(FindAction(&none.record, "aaaa"), -1);
-  EXPECT_EQ(FindAction(&none.record, ""), -1);
+  EXPECT_EQ(FindSignature(&none.record, "aaaa"), -1);
+  EXPECT_EQ(FindSignature(&none.record, ""), -1);
 }
 
-TEST(FindAction, MatchesAnEmptyDrawnSignatureWithASymbolOfNoPoints) {
+TEST(FindSignature, MatchesAnEmptyDrawnSignatureWithASymbolOfNoPoints) {
   TestPlugin plugin({SymbolOfCells(kRight), SymbolOfCells({}), SymbolOfCells({{3, 3}})});
-  EXPECT_EQ(FindAction(&plugin.record, ""), 1);
+  EXPECT_EQ(FindSignature(&plugin.record, ""), 1);
 }
 
-TEST(FindAction, SearchesAll128Actions) {
+TEST(FindSignature, SearchesAll128Actions) {
   std::vector<GromlitSymbol> syms(kMaxActions, SymbolOfCells(kRight));
   syms.back() = SymbolOfCells(kDown);
   TestPlugin plugin(syms);
-  EXPECT_EQ(FindAction(&plugin.record, "cccc"), 127);
+  EXPECT_EQ(FindSignature(&plugin.record, "cccc"), 127);
 }
 
-TEST(FindAction, FindsEveryRecordedStrokeAsTheExhaustiveSearchDoes) {
+TEST(FindSignature, FindsEveryRecordedStrokeAsTheExhaustiveSearchDoes) {
   std::string missing;
   const std::vector<RecordedStroke> strokes = ReadRecordedStrokes(&missing);
   if (strokes.empty()) GTEST_SKIP() << missing;
@@ -436,7 +436,7 @@ TEST(FindAction, FindsEveryRecordedStrokeAsTheExhaustiveSearchDoes) {
   const size_t step = kSanitized ? 8 : 1;
   for (size_t i = 0; i < strokes.size(); i += step) {
     const std::string drawn = LiveSignature(strokes[i]);
-    const int action = FindAction(&plugin.record, drawn.c_str());
+    const int action = FindSignature(&plugin.record, drawn.c_str());
     ASSERT_EQ(action, literal::FindAction(signatures, drawn)) << "stroke " << i << ": " << drawn;
     if (action < 0) {
       ++nothing;
@@ -451,7 +451,7 @@ TEST(FindAction, FindsEveryRecordedStrokeAsTheExhaustiveSearchDoes) {
   EXPECT_GT(right, found / 2);
 }
 
-TEST(FindAction, FindsEveryStrokeAmongTheStrokesOfItsOwnSignature) {
+TEST(FindSignature, FindsEveryStrokeAmongTheStrokesOfItsOwnSignature) {
   std::string missing;
   const std::vector<RecordedStroke> strokes = ReadRecordedStrokes(&missing);
   if (strokes.empty()) GTEST_SKIP() << missing;
@@ -466,7 +466,7 @@ TEST(FindAction, FindsEveryStrokeAmongTheStrokesOfItsOwnSignature) {
       plugin.actions[i].sym.signature = signatures[i].data();
     }
     for (size_t i = 0; i < signatures.size(); ++i) {
-      const int action = FindAction(&plugin.record, signatures[i].c_str());
+      const int action = FindSignature(&plugin.record, signatures[i].c_str());
       ASSERT_GE(action, 0);
       ASSERT_LE(action, static_cast<int>(i));
       ASSERT_EQ(action, literal::FindAction(signatures, signatures[i]));

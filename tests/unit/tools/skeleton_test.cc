@@ -153,10 +153,10 @@ Stroke DrawByHand(const GromlitSymbol& sym, std::mt19937* random) {
       const double y = y1 + (y2 - y1) * t / part + a;
       const double u = x * std::cos(turn) - y * std::sin(turn) + lean * y;
       const double v = x * std::sin(turn) + y * std::cos(turn);
-      if (stroke.npoints == kMaxStrokePoints) return stroke;
-      stroke.x[stroke.npoints] = static_cast<int16_t>(600 + u * width);
-      stroke.y[stroke.npoints] = static_cast<int16_t>(500 + v * height);
-      stroke.npoints++;
+      if (stroke.count == kMaxStrokePoints) return stroke;
+      stroke.x[stroke.count] = static_cast<int16_t>(600 + u * width);
+      stroke.y[stroke.count] = static_cast<int16_t>(500 + v * height);
+      stroke.count++;
     }
     way += part;
   }
@@ -173,7 +173,7 @@ TEST(Skeleton, IsRecognisedWhenItIsDrawnByHand) {
     for (int i = 0; i < kStrokes; i++) {
       const Stroke stroke = DrawByHand(file->symbol, &random);
       char signature[kDrawnSignatureSize];
-      StrokeSignature(signature, stroke.npoints, stroke.x, stroke.y);
+      StrokeSignature(signature, stroke.count, stroke.x, stroke.y);
       if (SymbolMatch(&file->symbol, signature) != 0) right++;
       for (const auto& [other_name, other] : symbols)
         if (other_name != name && SymbolMatch(&other->symbol, signature) != 0) wrong[other_name]++;

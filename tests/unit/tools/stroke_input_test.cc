@@ -16,7 +16,7 @@ TEST(ParseStroke, ReadsOnePairPerLine) {
   Stroke stroke;
   std::string error;
   ASSERT_TRUE(ParseStroke("1 2\n  -3\t4 \r\n\n32767 -32768", &stroke, &error)) << error;
-  ASSERT_EQ(stroke.npoints, 3);
+  ASSERT_EQ(stroke.count, 3);
   EXPECT_EQ(stroke.x[0], 1);
   EXPECT_EQ(stroke.y[0], 2);
   EXPECT_EQ(stroke.x[1], -3);
@@ -28,10 +28,10 @@ TEST(ParseStroke, ReadsOnePairPerLine) {
 TEST(ParseStroke, OfNothingHasNoPoints) {
   for (const char* text : {"", "\n", " \n\t\n"}) {
     Stroke stroke;
-    stroke.npoints = 5;
+    stroke.count = 5;
     std::string error;
     EXPECT_TRUE(ParseStroke(text, &stroke, &error));
-    EXPECT_EQ(stroke.npoints, 0);
+    EXPECT_EQ(stroke.count, 0);
   }
 }
 
@@ -41,7 +41,7 @@ TEST(ParseStroke, DropsPointsBeyondThe256thButChecksThem) {
   Stroke stroke;
   std::string error;
   ASSERT_TRUE(ParseStroke(text, &stroke, &error));
-  EXPECT_EQ(stroke.npoints, 256);
+  EXPECT_EQ(stroke.count, 256);
   EXPECT_EQ(stroke.x[255], 255);
   EXPECT_EQ(ErrorOf(text + "1 x\n"), "line 301: \"x\" is no whole number");
 }

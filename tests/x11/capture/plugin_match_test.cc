@@ -32,6 +32,7 @@ class PluginMatchTest : public testing::XFixture {
  protected:
   void SetUp() override {
     XFixture::SetUp();
+    user = &options_;
     probe = std::make_unique<KeyProbe>(server->name(), 300, 200);
     probe->FocusOn(PointerRoot);
   }
@@ -40,6 +41,7 @@ class PluginMatchTest : public testing::XFixture {
     if (dpy != nullptr) XSync(dpy, False);
     probe.reset();
     XFixture::TearDown();
+    user = nullptr;
   }
 
   // Adds an action for the symbol that sends one key.
@@ -90,6 +92,7 @@ class PluginMatchTest : public testing::XFixture {
   std::unique_ptr<KeyProbe> probe;
 
  private:
+  GromlitUserOptions options_{};
   std::deque<GromlitCmd> commands_;
   std::deque<GromlitAction> actions_;
 };

@@ -1,0 +1,29 @@
+#include "recognition/find_action.h"
+
+#include "recognition/signature_match.h"
+#include "recognition/stroke_signature.h"
+
+namespace gromlit {
+namespace {
+
+int FindBySignature(const GromlitPlugin* pin, const Stroke& stroke) {
+  char sigDrawn[kDrawnSignatureSize];
+  StrokeSignature(sigDrawn, stroke.count, stroke.x, stroke.y);
+  return FindSignature(pin, sigDrawn);
+}
+
+}  // namespace
+
+Matching MatchingOf(const GromlitUserOptions& options) {
+  return {options.temp3, options.tolerance};
+}
+
+int FindAction(const GromlitPlugin* pin, const Stroke& stroke, const Matching& how) {
+  switch (how.way) {
+    case kBySignature:
+    default:
+      return FindBySignature(pin, stroke);
+  }
+}
+
+}  // namespace gromlit

@@ -1,0 +1,31 @@
+// Which action of a plug-in a stroke stands for. Everybody who asks that asks here: the capture,
+// the companion tool and the tests. The way of matching is chosen here and nowhere else.
+#pragma once
+
+#include <cstdint>
+
+#include "core/gromlit.h"
+#include "recognition/stroke.h"
+
+namespace gromlit {
+
+// Ways of telling strokes apart; the values are stored in files.
+enum MatchingWay : int32_t {
+  kBySignature = 0,
+  kByShape = 1,
+};
+
+// The matching options.
+struct Matching {
+  int32_t way;        // MatchingWay; any other value matches by signature
+  int32_t tolerance;  // for ways that measure a distance: 1 strict .. 5 generous; kept as read
+};
+
+// The matching that these options ask for.
+Matching MatchingOf(const GromlitUserOptions& options);
+
+// Index of the action of pin that the stroke stands for, -1 when there is none. By signature it is
+// the first one, in the plug-in's order, whose symbol matches.
+int FindAction(const GromlitPlugin* pin, const Stroke& stroke, const Matching& how);
+
+}  // namespace gromlit
