@@ -1,10 +1,7 @@
 #include "capture/app_track.h"
 
-#include <array>
-
 #include "app/main_window/gromlit_app.h"
 #include "display/display.h"
-#include "display/target.h"
 #include "display/x_handles.h"
 #include "toolkit/window_object.h"
 
@@ -32,18 +29,23 @@ void CreateAppTrack() {
   }
 }
 
+bool IsOwnTarget(const Target& target) {
+  // The root window has a window object, too, which makes nothing there ours.
+  return target.client != root && (IsOwnWindow(target.client) || IsOwnWindow(target.app));
+}
+
 void GromlitAppTrackEnter(void*, XEvent* event) {
-  if (event->xcrossing.mode == NotifyGrab || editingPlugin != 0) return;
+  const XCrossingEvent& crossing = event->xcrossing;
+  if (crossing.mode == NotifyGrab || editingPlugin != 0) return;
   // A menu or a dialog lay over this window: the plug-in that was chosen in it, or changed by it,
   // would not be shown even once.
-  if (app->lifted != 0 && event->xcrossing.serial == app->lifted) return;
-  std::array<char, kClassBuffer> cname{};
-  const Window entered = GetXApp(event->xcrossing.window, cname);
+  if (app->lifted != 0 && crossing.serial == app->lifted) return;
+  const Target entered = FindApplication(crossing.window, crossing.x_root, crossing.y_root);
   // The program's own windows are found inside a window manager's frames. On the way to one of them
   // the main window must keep what its menus are about to act on.
-  if (entered == None || (entered != root && IsOwnWindow(entered))) return;
+  if (entered.app == None || IsOwnTarget(entered)) return;
   int updated = 0;
-  UpdateGromlitApp(app, cname.data(), &updated);
+  UpdateGromlitApp(app, entered.cname.data(), &updated);
   if (updated != 0) DrawGromlitApp(app);
 }
 

@@ -3,12 +3,17 @@
 
 #include <X11/Xlib.h>
 
+#include "display/target.h"
+
 namespace gromlit {
 
 // Starts following: the default window object gets the crossing events of other clients' windows,
 // the root window reports new top-level windows, and every top-level window that is there now and
 // is not the program's own reports crossings.
 void CreateAppTrack();
+
+// Whether a position belongs to one of the program's own windows, in whatever frame.
+bool IsOwnTarget(const Target& target);
 
 // EnterNotify: shows the plug-in of the application that was entered. Nothing while an action is
 // being edited, for crossings that a grab causes, and for the program's own windows.

@@ -53,7 +53,7 @@ class Capture {
   Capture(const Capture&) = delete;
   Capture& operator=(const Capture&) = delete;
 
-  void FindTargets();
+  void Search();
   void Run();
 
  private:
@@ -76,12 +76,7 @@ class Capture {
   const XButtonEvent press_;  // its time goes with every call, so that none acts on a newer grab
   const long mask_;           // events of the widened grab
   bool own_ = false;          // the press is on one of the program's own windows
-  Window userapp_ = None;     // application below the press
-  Window mwin_ = None;        // click target
-  Window kwin_ = None;        // key target
-  int winx_ = 0;              // pointer in the target
-  int winy_ = 0;
-  std::array<char, kClassBuffer> cname_{};
+  Target target_;             // the application below the press
   GromlitPluginList* headplugin_ = nullptr;  // looked up on the first motion
   Trail trail_;
   std::array<int16_t, kMaxStrokePoints> xbuffer_{};
@@ -97,21 +92,10 @@ void Capture::AddPoint(int x, int y) {
   npoints_++;
 }
 
-void Capture::FindTargets() {
-  if (press_.subwindow == None) {
-    GetXApp(root, cname_);
-    userapp_ = mwin_ = kwin_ = root;
-    winx_ = press_.x_root;
-    winy_ = press_.y_root;
-    return;
-  }
-  userapp_ = GetXApp(press_.subwindow, cname_);
+void Capture::Search() {
+  target_ = FindTargets(press_.subwindow, press_.x_root, press_.y_root);
   // A window manager's frame is not ours, but the window in it may be.
-  own_ = IsOwnWindow(press_.subwindow) || (userapp_ != None && IsOwnWindow(userapp_));
-  if (userapp_ == None) return;
-  mwin_ = GetXAppClick(userapp_, &winx_, &winy_);
-  // Second, so that its position wins where both searches find a window.
-  kwin_ = GetXAppKey(userapp_, &winx_, &winy_);
+  own_ = IsOwnTarget(target_);
 }
 
 void Capture::Run() {
@@ -191,9 +175,9 @@ void Capture::BeginDrawing(const XMotionEvent& motion) {
   if (own_) {
     // A click with an unsteady hand begins like this, too: the main window must keep what its
     // popup is about to act on.
-    headplugin_ = FindPluginNode(cname_.data());
+    headplugin_ = FindPluginNode(target_.cname.data());
   } else {
-    headplugin_ = UpdateGromlitApp(draw_->app, cname_.data(), nullptr);
+    headplugin_ = UpdateGromlitApp(draw_->app, target_.cname.data(), nullptr);
     if (headplugin_ != nullptr && user->showactions != 0) DrawGromlitApp(draw_->app);
   }
   ShowTrail(&trail_, motion.x_root, motion.y_root);
@@ -210,22 +194,23 @@ void Capture::Release(const XButtonEvent& release) {
     SendClick();
   } else if (headplugin_ != nullptr) {
     Recognise(headplugin_->plugin);
-  } else if (!own_ && cname_.data() != kOwnClass &&
-             FindNewPlugin(draw_->app, cname_.data(), release.x_root, release.y_root) != 0) {
+  } else if (!own_ && target_.cname.data() != kOwnClass &&
+             FindNewPlugin(draw_->app, target_.cname.data(), release.x_root, release.y_root) != 0) {
     Recognise(DefaultPlugin);
   }
 }
 
 void Capture::SendClick() {
-  if (mwin_ == None) {
+  if (target_.click == None) {
     // An application whose windows take the buttons by another protocol than the core's, as most
     // toolkits of today do: it would ignore a click that is sent, and there is none to send it to.
-    if (userapp_ != None) ClickAtPointer(static_cast<int>(press_.button));
+    if (target_.app != None) ClickAtPointer(static_cast<int>(press_.button));
     return;
   }
   XEvent event{};
   event.xbutton.button = press_.button;
-  PlaceInput(&event.xbutton, {mwin_, winx_, winy_, press_.x_root, press_.y_root}, 0);
+  PlaceInput(&event.xbutton,
+             {target_.click, target_.winx, target_.winy, press_.x_root, press_.y_root}, 0);
   SendPressAndRelease(&event, ButtonPress, ButtonRelease);
 }
 
@@ -233,8 +218,8 @@ void Capture::Recognise(GromlitPlugin* plugin) {
   if (plugin == nullptr) return;
   // The trail stays until the action is over, which may take seconds.
   LetPointerThrough(trail_);
-  PluginMatch(plugin, npoints_, xbuffer_.data(), ybuffer_.data(), mwin_, kwin_, winx_, winy_,
-              press_.x_root, press_.y_root);
+  PluginMatch(plugin, npoints_, xbuffer_.data(), ybuffer_.data(), target_.click, target_.key,
+              target_.winx, target_.winy, press_.x_root, press_.y_root);
 }
 
 long TrailMask() {
@@ -268,7 +253,7 @@ void GromlitDrawButtonPress(GromlitDraw* draw, XEvent* event) {
     return;
   }
   Capture capture(draw, press);
-  capture.FindTargets();
+  capture.Search();
   capture.Run();
 }
 

@@ -9,7 +9,7 @@
 //   idle       press with a modifier or      idle       replayed to the window under the pointer
 //              another button, or while an
 //              action is being edited
-//   idle       press                         pressed    FindTargets, widened grab
+//   idle       press                         pressed    widened grab, Search
 //   pressed    motion                        drawing    BeginDrawing, then as in drawing
 //   drawing    motion                        drawing    AddPoint, MoveTrail
 //   pressed,   draw button released          idle       SendClick, or Recognise

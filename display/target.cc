@@ -78,7 +78,19 @@ bool Inside(const XWindowAttributes& attributes, int x, int y) {
   return x >= 0 && x <= attributes.width && y >= 0 && y <= attributes.height;
 }
 
-Window SearchDown(Window window, long mask, int* x, int* y, int depth, int* budget) {
+// A position on the root window.
+struct Position {
+  int x;
+  int y;
+};
+
+// Writes the position in a window, and which mapped child of it holds that. False when the window
+// is gone.
+bool Translate(Window window, Position at, int* x, int* y, Window* child) {
+  return XTranslateCoordinates(dpy, root, window, at.x, at.y, x, y, child) != 0;
+}
+
+Window SearchDown(Window window, long mask, Position at, int* x, int* y, int depth, int* budget) {
   if (depth == kMaxDepth || --*budget < 0) return None;
   XWindowAttributes attributes;
   // Nothing below a window that is not viewable can be viewable.
@@ -88,43 +100,31 @@ Window SearchDown(Window window, long mask, int* x, int* y, int depth, int* budg
   {
     const Children children = ChildrenOf(window);
     for (unsigned i = 0; i < children.count; i++) {
-      const Window found = SearchDown(children.list.get()[i], mask, x, y, depth + 1, budget);
+      const Window found = SearchDown(children.list.get()[i], mask, at, x, y, depth + 1, budget);
       if (found != None) return found;
     }
   }
   if (*budget < 0 || !Takes(attributes, mask)) return None;
-  Window rootwin = None;
   Window child;
-  int rootx;
-  int rooty;
   int winx;
   int winy;
-  unsigned state;
-  if (!XQueryPointer(dpy, window, &rootwin, &child, &rootx, &rooty, &winx, &winy, &state)) {
-    // On another screen the window itself is the answer; a query that failed left rootwin alone.
-    return rootwin != None ? window : None;
-  }
-  if (!Inside(attributes, winx, winy)) return None;
+  if (!Translate(window, at, &winx, &winy, &child) || !Inside(attributes, winx, winy)) return None;
   *x = winx;
   *y = winy;
   return window;
 }
 
-// For a client with more windows than may be searched: follows the pointer down instead, so that
+// For a client with more windows than may be searched: follows the position down instead, so that
 // its click still has a target. The deepest window that takes the press is the answer.
-Window FollowPointer(Window window, long mask, int* x, int* y) {
+Window FollowPosition(Window window, long mask, Position at, int* x, int* y) {
   Window best = None;
   for (int depth = 0; depth < kMaxDepth && window != None; depth++) {
     XWindowAttributes attributes;
-    Window rootwin;
     Window child;
-    int rootx;
-    int rooty;
     int winx;
     int winy;
-    unsigned state;
     if (XGetWindowAttributes(dpy, window, &attributes) == 0 ||
-        !XQueryPointer(dpy, window, &rootwin, &child, &rootx, &rooty, &winx, &winy, &state)) {
+        !Translate(window, at, &winx, &winy, &child)) {
       break;
     }
     if (Takes(attributes, mask) && Inside(attributes, winx, winy)) {
@@ -137,10 +137,10 @@ Window FollowPointer(Window window, long mask, int* x, int* y) {
   return best;
 }
 
-Window FindTarget(Window window, long mask, int* x, int* y) {
+Window FindTarget(Window window, long mask, Position at, int* x, int* y) {
   int budget = kMaxWindows;
-  const Window found = SearchDown(window, mask, x, y, 0, &budget);
-  if (found == None && budget < 0) return FollowPointer(window, mask, x, y);
+  const Window found = SearchDown(window, mask, at, x, y, 0, &budget);
+  if (found == None && budget < 0) return FollowPosition(window, mask, at, x, y);
   return found;
 }
 
@@ -155,12 +155,34 @@ Window GetXApp(Window window, std::span<char> cname) {
   return FindApp(window, cname, 0, &budget);
 }
 
-Window GetXAppClick(Window window, int* x, int* y) {
-  return FindTarget(window, ButtonPressMask | ButtonReleaseMask, x, y);
+Window GetXAppClick(Window window, int rootx, int rooty, int* x, int* y) {
+  return FindTarget(window, ButtonPressMask | ButtonReleaseMask, {rootx, rooty}, x, y);
 }
 
-Window GetXAppKey(Window window, int* x, int* y) {
-  return FindTarget(window, ButtonPressMask, x, y);
+Window GetXAppKey(Window window, int rootx, int rooty, int* x, int* y) {
+  return FindTarget(window, ButtonPressMask, {rootx, rooty}, x, y);
+}
+
+Target FindApplication(Window rootchild, int, int) {
+  Target target;
+  target.client = rootchild == None ? root : rootchild;
+  target.app = GetXApp(rootchild, target.cname);
+  target.named = target.app > 1;
+  return target;
+}
+
+Target FindTargets(Window rootchild, int rootx, int rooty) {
+  Target target = FindApplication(rootchild, rootx, rooty);
+  if (target.app == root) {
+    target.click = target.key = root;
+    target.winx = rootx;
+    target.winy = rooty;
+  } else if (target.app != None) {
+    target.click = GetXAppClick(target.app, rootx, rooty, &target.winx, &target.winy);
+    // Second, so that its position wins where both searches find a window.
+    target.key = GetXAppKey(target.app, rootx, rooty, &target.winx, &target.winy);
+  }
+  return target;
 }
 
 }  // namespace gromlit

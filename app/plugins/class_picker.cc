@@ -125,6 +125,7 @@ class Pick {
  private:
   bool NextEvent(XEvent* event);
   bool GrabIsGone() const;
+  Window Look(Window child, int x, int y);
   void Motion(const XMotionEvent& motion);
 
   std::span<char> cname_;
@@ -184,11 +185,18 @@ bool Pick::GrabIsGone() const {
   return false;
 }
 
+// The application at a position; its class text, where it has one, goes into cname_.
+Window Pick::Look(Window child, int x, int y) {
+  const Target found = FindApplication(child, x, y);
+  if (found.named) CopyText(cname_, found.cname.data());
+  return found.app;
+}
+
 void Pick::Motion(const XMotionEvent& motion) {
   x_ = motion.x_root;
   y_ = motion.y_root;
   if (looked_ && motion.subwindow == child_) return;
-  const Window found = GetXApp(motion.subwindow, cname_);
+  const Window found = Look(motion.subwindow, motion.x_root, motion.y_root);
   child_ = motion.subwindow;
   looked_ = found != None;
   if (found == None || found == app_) return;
@@ -206,7 +214,7 @@ bool Pick::Run() {
     if (event.type == MotionNotify) Motion(event.xmotion);
     if (event.type != ButtonRelease) continue;
     grab_.Release();  // before the search, which asks another client's windows
-    GetXApp(event.xbutton.subwindow, cname_);
+    Look(event.xbutton.subwindow, event.xbutton.x_root, event.xbutton.y_root);
     return true;
   }
 }

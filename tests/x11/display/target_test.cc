@@ -60,7 +60,14 @@ class TargetTest : public testing::XFixture {
   }
   std::string Class() const { return cname.data(); }
 
+  // The searches at the position of the press.
+  Window Click(Window window) { return GetXAppClick(window, at.x, at.y, &x, &y); }
+  Window Key(Window window) { return GetXAppKey(window, at.x, at.y, &x, &y); }
+
   std::array<char, kClassBuffer> cname{};
+  struct {
+    int x, y;
+  } at{120, 130};
   int x = -7;
   int y = -7;
 };
@@ -129,7 +136,7 @@ TEST_F(TargetTest, NameInAnotherEncodingGivesNoWindowAndKeepsTheText) {
     EXPECT_NE(found, 0u) << type;
     EXPECT_NE(found, top) << type;
     EXPECT_EQ(Class(), "before") << type;
-    EXPECT_EQ(GetXAppClick(found, &x, &y), 0u) << type;
+    EXPECT_EQ(Click(found), 0u) << type;
   }
 }
 
@@ -164,8 +171,8 @@ TEST_F(TargetTest, DeadWindowGivesNothing) {
   XDestroyWindow(player->display(), top);
   XSync(player->display(), False);
   EXPECT_EQ(App(top), 0u);
-  EXPECT_EQ(GetXAppClick(top, &x, &y), 0u);
-  EXPECT_EQ(GetXAppKey(top, &x, &y), 0u);
+  EXPECT_EQ(Click(top), 0u);
+  EXPECT_EQ(Key(top), 0u);
   EXPECT_EQ(x, -7);
 }
 
@@ -173,8 +180,8 @@ TEST_F(TargetTest, DeepestWindowThatTakesTheClickWins) {
   const Window top = Top(kPress);
   const Window child = Make(top, 10, 10, 100, 100, kPress);
   const Window deepest = Make(child, 10, 10, 50, 50, kPress);
-  player->MoveTo(130, 140);
-  EXPECT_EQ(GetXAppClick(top, &x, &y), deepest);
+  at = {130, 140};
+  EXPECT_EQ(Click(top), deepest);
   EXPECT_EQ(x, 10);
   EXPECT_EQ(y, 20);
 }
@@ -183,18 +190,18 @@ TEST_F(TargetTest, OfOverlappingSiblingsTheBottomMostWins) {
   const Window top = Top(kPress);
   const Window bottom = Make(top, 0, 0, 100, 100, kPress);
   Make(top, 0, 0, 100, 100, kPress);
-  player->MoveTo(120, 120);
-  EXPECT_EQ(GetXAppClick(top, &x, &y), bottom);
+  at = {120, 120};
+  EXPECT_EQ(Click(top), bottom);
 }
 
 TEST_F(TargetTest, ReleasesAloneCountForClicksButNotForKeys) {
   const Window top = Top(kRelease);
-  player->MoveTo(120, 130);
-  EXPECT_EQ(GetXAppClick(top, &x, &y), top);
+  at = {120, 130};
+  EXPECT_EQ(Click(top), top);
   EXPECT_EQ(x, 20);
   EXPECT_EQ(y, 30);
   x = y = -7;
-  EXPECT_EQ(GetXAppKey(top, &x, &y), 0u);
+  EXPECT_EQ(Key(top), 0u);
   EXPECT_EQ(x, -7);
   EXPECT_EQ(y, -7);
 }
@@ -202,14 +209,14 @@ TEST_F(TargetTest, ReleasesAloneCountForClicksButNotForKeys) {
 TEST_F(TargetTest, KeyWindowTakesPresses) {
   const Window top = Top(kPress);
   Make(top, 0, 0, 100, 100, kRelease);
-  player->MoveTo(120, 130);
-  EXPECT_EQ(GetXAppKey(top, &x, &y), top);
+  at = {120, 130};
+  EXPECT_EQ(Key(top), top);
 }
 
 TEST_F(TargetTest, WindowThatNobodyListensOnIsNoTarget) {
   const Window top = Top(ExposureMask);
-  player->MoveTo(120, 130);
-  EXPECT_EQ(GetXAppClick(top, &x, &y), 0u);
+  at = {120, 130};
+  EXPECT_EQ(Click(top), 0u);
 }
 
 TEST_F(TargetTest, RightAndBottomEdgeCountAsInside) {
@@ -219,12 +226,12 @@ TEST_F(TargetTest, RightAndBottomEdgeCountAsInside) {
     bool inside;
   } cases[] = {
       {300, 250, true}, {100, 100, true}, {301, 250, false}, {300, 251, false}, {99, 100, false}};
-  for (const auto& at : cases) {
-    player->MoveTo(at.rootx, at.rooty);
-    EXPECT_EQ(GetXAppClick(top, &x, &y), at.inside ? top : 0u) << at.rootx << "," << at.rooty;
+  for (const auto& edge : cases) {
+    at = {edge.rootx, edge.rooty};
+    EXPECT_EQ(Click(top), edge.inside ? top : 0u) << edge.rootx << "," << edge.rooty;
   }
-  player->MoveTo(300, 250);
-  EXPECT_EQ(GetXAppClick(top, &x, &y), top);
+  at = {300, 250};
+  EXPECT_EQ(Click(top), top);
   EXPECT_EQ(x, 200);
   EXPECT_EQ(y, 150);
 }
@@ -235,8 +242,8 @@ TEST_F(TargetTest, UnmappedWindowIsNoTargetNorAnythingInIt) {
   Make(child, 0, 0, 100, 100, kPress);
   XUnmapWindow(player->display(), child);
   XSync(player->display(), False);
-  player->MoveTo(120, 130);
-  EXPECT_EQ(GetXAppClick(top, &x, &y), top);
+  at = {120, 130};
+  EXPECT_EQ(Click(top), top);
 }
 
 TEST_F(TargetTest, ClientWithThousandsOfWindowsStillGetsItsClick) {
@@ -246,9 +253,9 @@ TEST_F(TargetTest, ClientWithThousandsOfWindowsStillGetsItsClick) {
                XCreateSimpleWindow(player->display(), top, 150, 100, 10, 10, 0, 0, 0));
   }
   const Window target = Make(top, 0, 0, 50, 50, kPress);
-  player->MoveTo(120, 130);
+  at = {120, 130};
   const unsigned long before = NextRequest(dpy);
-  EXPECT_EQ(GetXAppClick(top, &x, &y), target);
+  EXPECT_EQ(Click(top), target);
   EXPECT_EQ(x, 20);
   EXPECT_LT(NextRequest(dpy) - before, 10000u);
 }
@@ -258,21 +265,21 @@ TEST_F(TargetTest, EndlessNestingIsCutShort) {
   Window window = top;
   for (int i = 0; i < 200; i++) window = Make(window, 0, 0, 100, 100, 0);
   SetClass(window, "Deep", "deep");
-  player->MoveTo(120, 130);
+  at = {120, 130};
   EXPECT_EQ(App(top), 0u);
-  EXPECT_EQ(GetXAppClick(top, &x, &y), top);
+  EXPECT_EQ(Click(top), top);
 }
 
 TEST_F(TargetTest, OrdinaryWindowIsFoundInFewRequests) {
   const Window top = Top(kPress);
   SetClass(top, "Class", "name");
-  player->MoveTo(120, 130);
-  // Class hint; then attributes and geometry, tree, pointer.
+  at = {120, 130};
+  // Class hint; then attributes and geometry, tree, position.
   unsigned long before = NextRequest(dpy);
   EXPECT_EQ(App(top), top);
   EXPECT_EQ(NextRequest(dpy) - before, 1u);
   before = NextRequest(dpy);
-  EXPECT_EQ(GetXAppClick(top, &x, &y), top);
+  EXPECT_EQ(Click(top), top);
   EXPECT_EQ(NextRequest(dpy) - before, 4u);
 }
 
