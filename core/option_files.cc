@@ -64,6 +64,22 @@ GromlitUserOptions* GetUserOptions() {
   return user;
 }
 
+Delivery DeliveryOf(const GromlitUserOptions* usr) {
+  return usr->temp1 == kRealInput ? kRealInput : kSentEvents;
+}
+
+bool Chosen(const GromlitUserOptions* usr, Behaviour bit) {
+  return (usr->temp2 & bit) != 0;
+}
+
+Matching MatchingOf(const GromlitUserOptions* usr) {
+  return usr->temp3 == kByShape ? kByShape : kBySignature;
+}
+
+WindowManners MannersOf(const GromlitUserOptions* usr) {
+  return usr->temp4 == kModernManners ? kModernManners : kPlainManners;
+}
+
 int EffectiveButton(const GromlitUserOptions* usr) {
   return usr->button >= kFirstButton && usr->button <= kLastButton ? usr->button : kDefaultButton;
 }

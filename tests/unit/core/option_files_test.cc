@@ -183,5 +183,42 @@ TEST_F(OptionFiles, SaveBeyondTheFileSizeLimitPrintsTheReason) {
   EXPECT_EQ(ReadText(path_), "old");
 }
 
+// --- Choices -----------------------------------------------------------------------------------
+
+TEST(OptionChoices, NothingIsChosenByDefault) {
+  GromlitUserOptions options{};
+  DefaultUserOptions(&options);
+  EXPECT_EQ(DeliveryOf(&options), kSentEvents);
+  EXPECT_EQ(MatchingOf(&options), kBySignature);
+  EXPECT_EQ(MannersOf(&options), kPlainManners);
+  for (const Behaviour bit :
+       {kDrawWithLocks, kFallBack, kActivateFirst, kOpenDirectly, kNameWhileDrawing})
+    EXPECT_FALSE(Chosen(&options, bit)) << bit;
+}
+
+TEST(OptionChoices, UnknownValuesActAsZero) {
+  for (const int32_t value : {-1, 2, 3, 257, INT32_MIN, INT32_MAX}) {
+    GromlitUserOptions options{};
+    options.temp1 = options.temp3 = options.temp4 = value;
+    EXPECT_EQ(DeliveryOf(&options), kSentEvents) << value;
+    EXPECT_EQ(MatchingOf(&options), kBySignature) << value;
+    EXPECT_EQ(MannersOf(&options), kPlainManners) << value;
+  }
+}
+
+TEST(OptionChoices, BitsAreLookedAtOneByOne) {
+  GromlitUserOptions options{};
+  options.temp1 = options.temp3 = options.temp4 = 1;
+  options.temp2 = kFallBack | kOpenDirectly | 32 | INT32_MIN;
+  EXPECT_EQ(DeliveryOf(&options), kRealInput);
+  EXPECT_EQ(MatchingOf(&options), kByShape);
+  EXPECT_EQ(MannersOf(&options), kModernManners);
+  EXPECT_TRUE(Chosen(&options, kFallBack));
+  EXPECT_TRUE(Chosen(&options, kOpenDirectly));
+  EXPECT_FALSE(Chosen(&options, kDrawWithLocks));
+  EXPECT_FALSE(Chosen(&options, kActivateFirst));
+  EXPECT_FALSE(Chosen(&options, kNameWhileDrawing));
+}
+
 }  // namespace
 }  // namespace gromlit
