@@ -1,6 +1,7 @@
 #include "capture/app_track.h"
 
-#include "app/main_window/gromlit_app.h"
+#include <array>
+#include "app/main_window/shown_plugin.h"
 #include "display/display.h"
 #include "display/x_handles.h"
 #include "toolkit/window_object.h"

@@ -7,7 +7,8 @@
 #include <cstdint>
 #include <string_view>
 
-#include "app/plugins/find_new_plugin.h"
+#include "app/main_window/find_new_plugin.h"
+#include "app/main_window/shown_plugin.h"
 #include "capture/app_track.h"
 #include "capture/plugin_match.h"
 #include "core/option_files.h"

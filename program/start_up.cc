@@ -11,11 +11,13 @@
 #include "actions/child.h"
 #include "actions/keystrokes.h"
 #include "app/action_editor/action_editor.h"
-#include "app/main_window/gromlit_app.h"
 #include "app/main_window/main_menu.h"
+#include "app/main_window/main_window.h"
+#include "app/main_window/shown_plugin.h"
 #include "app/plugins/new_plugin.h"
 #include "app/plugins/plugin_menu.h"
 #include "app/preferences/user_options_window.h"
+#include "app/symbols/symbol_commands.h"
 #include "app/symbols/symbol_dialog.h"
 #include "app/symbols/symbol_editor.h"
 #include "app/windows/dialogs.h"
@@ -99,9 +101,14 @@ void ReadPlugins() {
   UpdatePluginsMenu();
 }
 
+void MakeNewPluginDialogs() {
+  app->dlog = MakeDownloadDialog();
+  app->newdlog = MakeNewPluginDialog();
+}
+
 void MakeEditors(int argc, char** argv) {
   CreateSymbolEditor(argc, argv);  // reads the symbol library as well
-  MakeSymbolSelect();
+  MakeSymbolSelect(YesEditSymbol);
   CreateActionEditor(argc, argv);
   CreateUserOptions(argc, argv);
   UpdateUserOptions(user);
@@ -134,7 +141,7 @@ void StartUp(const CommandLine& line, int argc, char** argv) {
   MakeConfirmDialog();
   MakeEditNameDialog(SaveNewPluginName);
   ReadPlugins();
-  MakeNewPluginDialogs(app);
+  MakeNewPluginDialogs();
   MakeEditors(argc, argv);
   ShowMainWindow();
   // From here on windows of other clients are asked about that may be gone already.

@@ -5,13 +5,14 @@
 #include <cstdlib>
 
 #include "actions/launch.h"
-#include "app/action_editor/action_commands_list.h"
 #include "app/action_editor/action_tabs.h"
-#include "app/main_window/action_commands.h"
-#include "app/main_window/gromlit_app.h"
+#include "app/action_editor/command_list.h"
+#include "app/plugins/plugin_actions.h"
+#include "app/plugins/plugin_view.h"
 #include "app/symbols/symbol_dialog.h"
 #include "app/windows/dialogs.h"
 #include "app/windows/wm_properties.h"
+#include "core/action_copy.h"
 #include "core/plugin_files.h"
 #include "core/retired.h"
 #include "core/strings.h"
@@ -20,8 +21,6 @@
 #include "toolkit/child_window.h"
 
 namespace gromlit {
-
-ActionEditor* act = nullptr;
 
 namespace {
 
@@ -81,17 +80,14 @@ void YesActSelectSymbol(XDialog* dlog) {
 
 // Release on the symbol's tile.
 int actSelectSymbol(void*) {
-  if (symselect == nullptr) return 0;
-  symselect->yesfn = YesActSelectSymbol;
-  MousePopUpDialog(symselect, labelSelectSymbol);
-  return 1;
+  return ShowSymbolSelect(labelSelectSymbol, YesActSelectSymbol) ? 1 : 0;
 }
 
 // --- Opening and closing ----------------------------------------------------------------------
 
 // A symbol chosen later would go into whatever action is edited then.
 void CloseChooser() {
-  if (symselect != nullptr && symselect->yesfn == YesActSelectSymbol) DialogNo(symselect);
+  CloseSymbolSelect(YesActSelectSymbol);
 }
 
 void ShowAction(const char* name) {
@@ -148,9 +144,7 @@ void actClickSave(void*) {
     if (PluginNewAction(act->plugin, &act->action, name) == nullptr) return;
   }
   CloseActionEditor();
-  if (app == nullptr) return;
-  UpdateGromlitScrollRange();
-  RefreshGromlitApp();
+  if (pluginview != nullptr) pluginview->actionschanged();
 }
 
 void actClickCancel(void*) {

@@ -7,7 +7,7 @@
 
 #include "actions/execute.h"
 #include "actions/keystrokes.h"
-#include "app/action_editor/action_commands_list.h"
+#include "app/action_editor/command_list.h"
 #include "core/strings.h"
 #include "display/display.h"
 #include "toolkit/bevel.h"
@@ -113,10 +113,6 @@ XTabBar* MakeActionTabBar(Window parent, int x, int y, int width, int height) {
   tab->bupdate->state = kButtonInactive;
   On<ButtonPress, AddButtonDown>(tab->badd);
   return tbar;
-}
-
-ActionTab* TabsOf(XTabBar* tbar) {
-  return static_cast<ActionTab*>(tbar->owner);
 }
 
 void ClearTabField(ActionTab* tab) {

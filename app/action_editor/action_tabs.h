@@ -14,31 +14,13 @@
 
 #include <X11/Xlib.h>
 
-#include "toolkit/button.h"
-#include "toolkit/check_box.h"
+#include "app/action_editor/action_editor_record.h"
 #include "toolkit/menu.h"
-#include "toolkit/tab_bar.h"
-#include "toolkit/text_editor.h"
 
 namespace gromlit {
 
-// Owner record of the tab bar.
-struct ActionTab {
-  TextEditor* ed;       // the text field; in keycode and keystate the recorded hot key
-  XButton* sys;         // pulldown of system commands; no tab shows it
-  XCheckBox* checkbox;  // of Text and Internet
-  GC gc;                // not set
-  XTabBar* tbar;
-  XButton* bdelete;
-  XButton* bupdate;
-  XButton* badd;
-};
-
 // Makes the bar with everything in it, not mapped; a width of 0 makes it as wide as its titles.
 XTabBar* MakeActionTabBar(Window parent, int x, int y, int width, int height);
-
-// The owner record of the editor's bar.
-ActionTab* TabsOf(XTabBar* tbar);
 
 // Empties the text field and forgets the key recorded in it.
 void ClearTabField(ActionTab* tab);

@@ -1,4 +1,5 @@
-// The main window: the actions of one plug-in, that of the application the pointer is on.
+// The main window: the actions of one plug-in, that of the application the pointer is on. Here are
+// its record, which is `app`, and its grid.
 //
 // From top to bottom: the menu bar, the logo, the pulldown button that names the plug-in, the grid
 // of actions with its scrollbar.
@@ -6,14 +7,16 @@
 //   press            on                       selected                    then
 //   1, single        the selected action      -1                          -
 //   1, single        another action           that action                 -
-//   1, double        an action                that action                 popEditAction
+//   1, double        an action                that action                 `edit`
 //   1                beside the actions       as before                   -
 //   3                anywhere                 as before                   popup opens
 #pragma once
 
 #include <X11/Xlib.h>
 
+#include "app/plugins/plugin_view.h"
 #include "core/gromlit.h"
+#include "toolkit/menu.h"
 #include "toolkit/window_object.h"
 
 namespace gromlit {
@@ -21,10 +24,8 @@ namespace gromlit {
 struct XButton;
 struct XDialog;
 struct XLogo;
-struct XMenu;
 struct XMenuBar;
 struct XScrollbar;
-struct PluginMenus;
 
 // INV-APP-1: icontop is a multiple of ncols, 0 or more; selected is -1 or an action of `plugin`.
 // INV-APP-2: the records below `cut` belong to it alone: no plug-in and no editor points to them.
@@ -55,7 +56,8 @@ struct GromlitApp {
   GromlitAction cut;      // clipboard of Cut, Copy and Paste
   int validcut;           // non-zero when `cut` holds an action
   XMenu* popup;           // menu of button 3
-  PluginMenus* menus;     // windows of the plug-in menu; made and used by MakePluginsMenu
+  MenuAction edit;        // what a double click on an action does
+  PluginView view;        // how the rooms below show plug-ins here
   GromlitPlugin* drawn;   // whose actions the grid has; differs from `plugin` until the next redraw
   unsigned long lifted;   // request that took a window from under the pointer; 0 for none
 };
@@ -65,26 +67,16 @@ extern GromlitApp* app;
 // Server time of the last button press on the main window, milliseconds, as the 32 bits of it.
 extern int AppLastClick;
 
-// Makes the main window, not mapped, with its window-manager properties. ncols x nrows is the grid
-// of actions that it shows; argc and argv become its WM_COMMAND.
-GromlitApp* MakeGromlitApp(int ncols, int nrows, int argc, char** argv);
+// Size of a cell of the grid, and length of all rows of the shown plug-in, pixels.
+int GridCellWidth(const GromlitApp* gromlit);
+int GridCellHeight(const GromlitApp* gromlit);
+int GridLength(const GromlitApp* gromlit);
 
 // Redraws the window. No round trips.
 void DrawGromlitApp(GromlitApp* gromlit);
 
 // Redraws `app`; nothing when there is none yet.
 void RefreshGromlitApp();
-
-// Shows the plug-in of this class, its actions loaded on first use; the default plug-in when there
-// is none. *updated (may be null) becomes 1 when another plug-in is shown than before, else it is
-// left alone. Returns the plug-in's node; null when the class has no plug-in. Does not redraw the
-// grid.
-GromlitPluginList* UpdateGromlitApp(GromlitApp* gromlit, const char* classname, int* updated);
-
-// To be called right before the request that takes a menu or a dialog from the screen after which
-// the main window is to show a certain plug-in. The pointer is then on what was below, often
-// another application, without having gone there; GromlitAppTrackEnter does not follow it.
-void KeepShownPlugin();
 
 // Gives the scrollbar the number of rows that the shown plug-in of `app` needs. To be called when
 // its actions have become more or fewer.
@@ -94,15 +86,14 @@ void UpdateGromlitScrollRange();
 // shown. Redraws only when that is another row than before.
 void GromlitIconScroll(GromlitApp* gromlit, int ypos);
 
-// Handlers.
+// Handlers. The last event of an exposure stands for all of it: everything is drawn anew. What does
+// nothing is asked for traces only.
+void ExposeGromlitApp(GromlitApp* gromlit, XEvent* event);
 void GromlitAppButtonPress(GromlitApp* gromlit, XEvent* event);
 void GromlitAppButtonRelease(GromlitApp* gromlit, XEvent* event);
 void GromlitAppMotionNotify(GromlitApp* gromlit, XEvent* event);
 void GromlitAppEnter(GromlitApp* gromlit, XEvent* event);
 void GromlitAppLeave(GromlitApp* gromlit, XEvent* event);
 void GromlitAppResizeNotify(GromlitApp* gromlit, XEvent* event);
-
-// Action of the plug-in button; its menu does the work.
-void appClickPlugins(void* button);
 
 }  // namespace gromlit

@@ -8,9 +8,11 @@
 #include <span>
 
 #include "actions/launch.h"
-#include "app/main_window/action_commands.h"
+#include "app/main_window/action_menu.h"
+#include "app/main_window/shown_plugin.h"
 #include "app/plugins/plugin_menu.h"
 #include "app/preferences/user_options_window.h"
+#include "app/symbols/symbol_commands.h"
 #include "app/symbols/symbol_dialog.h"
 #include "app/symbols/symbol_editor.h"
 #include "app/windows/dialogs.h"
@@ -70,12 +72,6 @@ void Ask(const char* title, const char* const* msgs, void* arg, void (*yesfn)(XD
   confirm->arg = arg;
   confirm->yesfn = yesfn;
   MousePopUpDialog(confirm, title);
-}
-
-void ShowSymbolSelect(const char* title, void (*yesfn)(XDialog* dlog)) {
-  if (symselect == nullptr) return;
-  symselect->yesfn = yesfn;
-  MousePopUpDialog(symselect, title);
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "actions/launch.h"
 #include "app/plugins/class_picker.h"
 #include "app/plugins/plugin_menu.h"
+#include "app/plugins/plugin_view.h"
 #include "app/windows/dialogs.h"
 #include "core/plugin_files.h"
 #include "display/display.h"
@@ -26,9 +27,12 @@ constexpr size_t kUrlLength = 179;  // bytes of a download page's address
 
 }  // namespace
 
-void MakeNewPluginDialogs(GromlitApp* gromlit) {
-  gromlit->dlog = MakeDialog("Plugin Update", NoPluginMsg, YesDownloadPlugin, 0, 0);
-  gromlit->newdlog = MakeDialog("New Plugin", NewPluginMsg, YesNewPlugin, 0, 0);
+XDialog* MakeDownloadDialog() {
+  return MakeDialog("Plugin Update", NoPluginMsg, YesDownloadPlugin, 0, 0);
+}
+
+XDialog* MakeNewPluginDialog() {
+  return MakeDialog("New Plugin", NewPluginMsg, YesNewPlugin, 0, 0);
 }
 
 void YesDownloadPlugin(XDialog* dlog) {
@@ -56,8 +60,7 @@ void YesNewPlugin(XDialog* dlog) {
   if (CreatePlugin(cname.data(), cname.data(), &saved) == nullptr) return;
   const int reason = errno;
   UpdatePluginsMenu();
-  UpdateGromlitApp(app, cname.data(), nullptr);
-  DrawGromlitApp(app);
+  if (pluginview != nullptr) pluginview->show(cname.data());
   if (!saved) ShowSaveFailure("The new plug-in could not be saved.", reason);
 }
 

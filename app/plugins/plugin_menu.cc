@@ -4,7 +4,7 @@
 #include <memory>
 #include <vector>
 
-#include "app/main_window/gromlit_app.h"
+#include "app/plugins/plugin_view.h"
 #include "app/windows/dialogs.h"
 #include "core/plugin_files.h"
 #include "display/display.h"
@@ -49,9 +49,9 @@ int CountPlugins() {
 XMenu* MakePluginsMenu() {
   PluginMenus unkept{};
   PluginMenus* menus = &unkept;
-  if (app != nullptr) {
-    if (app->menus == nullptr) app->menus = new PluginMenus{};
-    menus = app->menus;
+  if (pluginview != nullptr) {
+    if (pluginview->menus == nullptr) pluginview->menus = new PluginMenus{};
+    menus = pluginview->menus;
   }
   SpareMenus(&menus->pool, menus->first);
   // From the last to the first: an item's submenu has to be known when its menu is measured.
@@ -65,18 +65,17 @@ XMenu* MakePluginsMenu() {
 }
 
 void UpdatePluginsMenu() {
-  if (app != nullptr) SetPulldownMenu(app->txt, MakePluginsMenu());
+  if (pluginview != nullptr) SetPulldownMenu(pluginview->button, MakePluginsMenu());
 }
 
 void MenuMore(XMenu*, void*) {}
 
 void SelectPlugin(XMenu* menu, void* plugin) {
   if (menu != nullptr) {
-    KeepShownPlugin();
+    pluginview->keepshown();
     PullUpMenu(menu);
   }
-  UpdateGromlitApp(app, static_cast<GromlitPlugin*>(plugin)->classname, nullptr);
-  DrawGromlitApp(app);
+  pluginview->show(static_cast<GromlitPlugin*>(plugin)->classname);
 }
 
 int DeletePlugin(GromlitPlugin* killpin, const char* fname) {
@@ -85,11 +84,10 @@ int DeletePlugin(GromlitPlugin* killpin, const char* fname) {
     ShowSaveFailure("The plug-in was not deleted.", errno);
     return 0;
   }
-  if (app == nullptr || CountPlugins() == before) return 1;
+  if (pluginview == nullptr || CountPlugins() == before) return 1;
   GetDefaultPlugin();  // a deleted one is replaced, as the next start would do it
   UpdatePluginsMenu();
-  UpdateGromlitApp(app, defaultPluginClassname, nullptr);
-  DrawGromlitApp(app);
+  pluginview->show(defaultPluginClassname);
   return 1;
 }
 

@@ -25,7 +25,7 @@ inline constexpr const char* labelMenuMore = "more...";
 XMenu* MakePluginsMenu();
 
 // MakePluginsMenu, hung on the main window's pulldown button. To be called whenever allPlugins or
-// an appname has changed. Nothing when there is no main window yet.
+// an appname has changed. Nothing while plug-ins are shown nowhere yet.
 void UpdatePluginsMenu();
 
 // Action of an item that leads to the next menu; does nothing.

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <iterator>
 
-#include "app/symbols/symbol_editor.h"
+#include "app/symbols/symbol_editor_record.h"
 #include "display/display.h"
 #include "recognition/signature_match.h"
 #include "recognition/symbol_icon.h"

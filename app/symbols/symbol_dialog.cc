@@ -1,39 +1,38 @@
 #include "app/symbols/symbol_dialog.h"
 
-#include "app/symbols/symbol_editor.h"
-#include "app/symbols/symbol_library.h"
-#include "app/windows/dialogs.h"
-#include "core/strings.h"
-#include "display/display.h"
 #include "toolkit/image.h"
 
 namespace gromlit {
 namespace {
 
-// The library's record of a symbol: the same one or, when it was saved anew in the meantime, the
-// one that took its name. Null when it is gone.
-const GromlitSymbol* InLibrary(const GromlitSymbol* sym) {
-  const GromlitSymbol* namesake = nullptr;
-  for (const auto* node = allSymbols; node != nullptr && node->sym != nullptr; node = node->next) {
-    if (node->sym == sym) return sym;
-    if (namesake == nullptr && FieldText(node->sym->name) == FieldText(sym->name)) {
-      namesake = node->sym;
-    }
-  }
-  return namesake;
+// A double click in the chooser: as OK.
+void ChooseShown(void* dlog) {
+  auto* shown = static_cast<XDialog*>(dlog);
+  if (shown->yesfn != nullptr) shown->yesfn(shown);
 }
 
 }  // namespace
 
 XDialog* symselect = nullptr;
 
-void MakeSymbolSelect() {
-  symselect =
-      MakeDialogLabeled(labelSelectSymbol, nullptr, YesEditSymbol, 300, 500, labelOK, labelCancel);
-  SymbolDisplay* sd = MakeSymbolDisplay(symselect->window, 4, logoImage->height + 8);
+void MakeSymbolSelect(void (*yesfn)(XDialog* dlog)) {
+  symselect = MakeDialogLabeled(labelSelectSymbol, nullptr, yesfn, 300, 500, labelOK, labelCancel);
+  SymbolDisplay* sd =
+      MakeSymbolDisplay(symselect->window, 4, logoImage->height + 8, ChooseShown, symselect);
   ResizeDialog(symselect, sd->width, sd->height);
   symselect->show = sd->window;
   symselect->arg = sd;
+}
+
+bool ShowSymbolSelect(const char* title, void (*yesfn)(XDialog* dlog)) {
+  if (symselect == nullptr) return false;
+  symselect->yesfn = yesfn;
+  MousePopUpDialog(symselect, title);
+  return true;
+}
+
+void CloseSymbolSelect(void (*yesfn)(XDialog* dlog)) {
+  if (symselect != nullptr && symselect->yesfn == yesfn) DialogNo(symselect);
 }
 
 SymbolDisplay* SymbolChooser() {
@@ -43,32 +42,6 @@ SymbolDisplay* SymbolChooser() {
 GromlitSymbol* ChosenSymbol() {
   const SymbolDisplay* sd = SymbolChooser();
   return sd != nullptr ? SelectedSymbol(sd) : nullptr;
-}
-
-void YesEditSymbol(XDialog* dlog) {
-  DialogYes(dlog);
-  SymInit(sed, ChosenSymbol());
-}
-
-void YesDeleteSymbol(XDialog* dlog) {
-  DialogYes(dlog);
-  GromlitSymbol* sym = ChosenSymbol();
-  if (sym == nullptr) return;
-  confirm->msgs = ConfirmDeleteSymbolMsg;
-  confirm->arg = sym;
-  confirm->yesfn = ConfirmDeleteSymbol;
-  MousePopUpDialog(confirm, labelDeleteSymbol);
-}
-
-void ConfirmDeleteSymbol(XDialog* dlog) {
-  DialogYes(dlog);
-  if (dlog->arg == nullptr) return;
-  // A record that is no longer listed would lose its file and stay in the library under its name.
-  const GromlitSymbol* sym = InLibrary(static_cast<GromlitSymbol*>(dlog->arg));
-  if (sym == nullptr) return;
-  RemoveSymbol(sym, sym->name);
-  SymbolDisplay* sd = SymbolChooser();
-  if (sd != nullptr) sd->selected = -1;
 }
 
 }  // namespace gromlit

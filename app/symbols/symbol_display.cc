@@ -5,7 +5,6 @@
 #include <string>
 #include <string_view>
 
-#include "app/symbols/symbol_dialog.h"
 #include "app/windows/icon_name.h"
 #include "app/windows/symbol_big_icon.h"
 #include "core/strings.h"
@@ -154,8 +153,11 @@ GromlitSymbol* SelectedSymbol(const SymbolDisplay* sd) {
   return Listed(sd, sd->selected) ? sd->syms[sd->selected] : nullptr;
 }
 
-SymbolDisplay* MakeSymbolDisplay(Window parent, int x, int y) {
+SymbolDisplay* MakeSymbolDisplay(Window parent, int x, int y, void (*done)(void* arg),
+                                 void* donearg) {
   auto* sd = new SymbolDisplay{};
+  sd->done = done;
+  sd->donearg = donearg;
   sd->border = kBorder;
   sd->iconheight = kIconHeight;
   sd->iconwidth = kIconWidth;
@@ -224,7 +226,7 @@ void SymbolDisplayButtonPress(SymbolDisplay* sd, XEvent* event) {
 void SymbolDisplayButtonRelease(SymbolDisplay* sd, XEvent* event) {
   if (sd->chosen == 0 || event->xbutton.button != Button1) return;
   sd->chosen = 0;
-  if (symselect != nullptr && symselect->yesfn != nullptr) symselect->yesfn(symselect);
+  sd->done(sd->donearg);
 }
 
 }  // namespace gromlit

@@ -4,13 +4,13 @@
 //   press            on                        selected       then
 //   1, single        the selected symbol       -1             -
 //   1, single        another symbol            that symbol    -
-//   1, double        a symbol                  that symbol    the dialog's OK, at the release
+//   1, double        a symbol                  that symbol    `done`, at the release
 //   1                beside the symbols        as before      -
 //   2..5             anywhere                  as before      -
 //
-// A press is double when it comes within half a second of the one before, of whichever button. OK
-// waits for the release, as the OK button does: a release that comes when the dialog is gone would
-// go to the widget below it.
+// A press is double when it comes within half a second of the one before, of whichever button.
+// `done`, which is the OK of the dialog around the chooser, waits for the release, as the OK button
+// does: a release that comes when the dialog is gone would go to the widget below it.
 //
 // When the library holds more symbols than can be listed, a row behind the last one says how many
 // are missing.
@@ -48,17 +48,21 @@ struct SymbolDisplay {
   void* arg;                             // free for the owner
   GromlitSymbol* syms[kChooserSymbols];  // not owned; in the order of allSymbols
   XScrollbar* sbar;
-  XMenu* popup;   // not used
-  int chosen;     // 1 from the second press of a double click on a symbol to its release
-  int unlisted;   // symbols of the library beyond those listed
+  XMenu* popup;             // not used
+  int chosen;               // 1 from the second press of a double click on a symbol to its release
+  int unlisted;             // symbols of the library beyond those listed
+  void (*done)(void* arg);  // called when a symbol was chosen by a double click
+  void* donearg;
   int measuring;  // 1 while the scrollbar learns its range, so that its callback does not draw
 };
 
 // Server time of the last press in the chooser, milliseconds, as the 32 bits of it.
 extern int SymLastClick;
 
-// Makes the chooser, not mapped, at (x, y) of its parent.
-SymbolDisplay* MakeSymbolDisplay(Window parent, int x, int y);
+// Makes the chooser, not mapped, at (x, y) of its parent. A double click on a symbol calls
+// done(donearg).
+SymbolDisplay* MakeSymbolDisplay(Window parent, int x, int y, void (*done)(void* arg),
+                                 void* donearg);
 
 // Reads the list of symbols again and draws everything; an Expose handler that does not look at its
 // event. No round trips.

@@ -3,6 +3,7 @@
 #include <initializer_list>
 
 #include "app/symbols/symbol_editor_buttons.h"
+#include "app/symbols/symbol_editor_steps.h"
 #include "app/symbols/symbol_library.h"
 #include "app/windows/wm_properties.h"
 #include "core/symbol_files.h"
@@ -12,16 +13,11 @@
 
 namespace gromlit {
 
-SymbolEditor* sed = nullptr;
-
 namespace {
 
 constexpr int kWidth = 560;
 constexpr int kHeight = 454;
 constexpr int kMargin = 16;
-constexpr int kTitleY = 96;  // baseline of the step's title
-constexpr int kWorkY = 100;  // top of the drawing area and of the name field
-constexpr int kLinesX = 320;
 constexpr int kNameWidth = 280;
 constexpr int kIconX = 312;
 constexpr int kIconY = 340;
@@ -30,48 +26,9 @@ constexpr int kListWidth = 256;
 constexpr int kListHeight = 243;
 constexpr int kScrollX = 280;
 constexpr int kScrollY = 136;
-constexpr int kButtonsY = 414;
 
 constexpr const char* kWindowTitle = "Gromlit: Symbol Editor";
 constexpr const char* kBannerTitle = "S y m b o l    E d i t o r";
-
-// What a step shows beside its widgets.
-struct Step {
-  const char* title;
-  const char* const* lines;  // ended by a null pointer
-};
-
-const char* const kVectorLines[] = {"Create the symbol by clicking",
-                                    "and dragging the mouse.",
-                                    "",
-                                    "Click again on the last point",
-                                    "to stop capture of the vector format.",
-                                    "",
-                                    "Once completed, you can modify",
-                                    "the shape by clicking and dragging",
-                                    "the black squares.",
-                                    "",
-                                    "The vector data is used to recognize",
-                                    "the symbol.",
-                                    nullptr};
-const char* const kBitmapLines[] = {
-    "Create the symbol icon bitmap.", "",     "Turn on or off a pixel by",
-    "clicking on the pixel.",         "",     "The icon is not used to",
-    "recognize the symbol.",          nullptr};
-const char* const kNameLines[] = {
-    "Enter the symbol name.",  "",     "To edit the name, place the mouse",
-    "into the edit area.",     "",     "Click the Save button or hit",
-    "the Return key to save.", nullptr};
-
-constexpr Step kVectorStep = {"Step 1: Edit Vector Format:", kVectorLines};
-constexpr Step kBitmapStep = {"Step 2: Edit Bitmap Format:", kBitmapLines};
-constexpr Step kNameStep = {"Step 3: Save Symbol As:", kNameLines};
-
-const Step& StepOf(const SymbolEditor* editor) {
-  return editor->state == kSymName     ? kNameStep
-         : editor->state == kSymBitmap ? kBitmapStep
-                                       : kVectorStep;
-}
 
 void ShowPicked(void* arg, const char* item) {
   TextEditorUpdate(static_cast<TextEditor*>(arg), item);
@@ -79,12 +36,6 @@ void ShowPicked(void* arg, const char* item) {
 
 void ScrollLines(void* arg, int offset) {
   ListScrollUp(static_cast<XTextList*>(arg), offset);
-}
-
-XButton* MakeEditorButton(SymbolEditor* editor, const char* label, void (*func)(void* arg), int x) {
-  XButton* button = MakeButton(editor, editor->window, label, func, x, kButtonsY);
-  button->arg = editor;
-  return button;
 }
 
 // The list of names below the name field: picking a line copies it into the field.
@@ -122,31 +73,17 @@ SymbolEditor* MakeSymbolEditor(int argc, char** argv) {
   return editor;
 }
 
-void MakeSymbolEditorButtons(SymbolEditor* editor) {
-  editor->bhelp = MakeEditorButton(editor, "Help", symHelp, 16);
-  editor->bclear = MakeEditorButton(editor, "Clear", symClear, 144);
-  editor->brestart = MakeEditorButton(editor, "Restart", symRestart, 224);
-  editor->bprev = MakeEditorButton(editor, "Prev", symPrev, 320);
-  editor->bnext = MakeEditorButton(editor, "Next", symNext, 400);
-  editor->bfinish = MakeEditorButton(editor, "Finish", symFinish, 400);
-  editor->bsave = MakeEditorButton(editor, "Save", symSave, 400);
-  editor->bcancel = MakeEditorButton(editor, "Cancel", symCancel, 480);
-  editor->bprev->state = kButtonInactive;
-  editor->brestart->state = kButtonInactive;
-  XUnmapWindow(dpy, editor->bfinish->window);
-  XUnmapWindow(dpy, editor->bsave->window);
-}
-
 void CreateSymbolEditor(int argc, char** argv) {
   SymbolEditor* editor = MakeSymbolEditor(argc, argv);
   MakeSymbolEditorButtons(editor);
 
-  editor->wsym = MakeSymWindow(editor->window, kMargin, kWorkY);
+  editor->wsym = MakeSymWindow(editor->window, kSymbolWorkX, kSymbolWorkY);
   editor->wsym->sym = &editor->sym;
   editor->wsym->owner = editor;
   XMapWindow(dpy, editor->wsym->window);
 
-  editor->txt = MakeTextEditor(editor->window, kMargin, kWorkY, kNameWidth, kEditorHeight);
+  editor->txt =
+      MakeTextEditor(editor->window, kSymbolWorkX, kSymbolWorkY, kNameWidth, kEditorHeight);
   editor->txt->complete = txtSaveSymbol;
   editor->txt->owner = editor;
   XMapWindow(dpy, editor->txt->window);
@@ -184,18 +121,6 @@ void SymInit(SymbolEditor* editor, const GromlitSymbol* sym) {
   XMapWindow(dpy, editor->wsym->window);
   // Mapped again the window comes to the front, and a window manager gives it the user's attention.
   XMapRaised(dpy, editor->window);
-}
-
-void DrawSymbolEditor(SymbolEditor* editor, XEvent*) {
-  const Step& step = StepOf(editor);
-  XClearWindow(dpy, editor->window);
-  XSetForeground(dpy, editor->gc, black.pixel);
-  DrawText(editor->window, editor->gc, kMargin, kTitleY, step.title);
-  int baseline = kWorkY + txtCharht;
-  for (const char* const* line = step.lines; *line != nullptr; line++) {
-    DrawText(editor->window, editor->gc, kLinesX, baseline, *line);
-    baseline += txtCharht;
-  }
 }
 
 void txtSaveSymbol(TextEditor* txt) {

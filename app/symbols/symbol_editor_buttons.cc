@@ -4,7 +4,8 @@
 #include <iterator>
 
 #include "actions/launch.h"
-#include "app/symbols/symbol_editor.h"
+#include "app/symbols/sym_window.h"
+#include "app/symbols/symbol_editor_steps.h"
 #include "app/symbols/symbol_library.h"
 #include "display/display.h"
 #include "recognition/signature_match.h"
@@ -12,6 +13,8 @@
 
 namespace gromlit {
 namespace {
+
+constexpr int kButtonsY = 414;
 
 SymbolEditor* Editor(void* arg) {
   return static_cast<SymbolEditor*>(arg);
@@ -60,7 +63,28 @@ void RedrawIcon(SymbolEditor* editor) {
   DrawIconWindow(editor->icon);
 }
 
+XButton* MakeEditorButton(SymbolEditor* editor, const char* label, void (*func)(void* arg), int x) {
+  XButton* button = MakeButton(editor, editor->window, label, func, x, kButtonsY);
+  button->arg = editor;
+  return button;
+}
+
 }  // namespace
+
+void MakeSymbolEditorButtons(SymbolEditor* editor) {
+  editor->bhelp = MakeEditorButton(editor, "Help", symHelp, 16);
+  editor->bclear = MakeEditorButton(editor, "Clear", symClear, 144);
+  editor->brestart = MakeEditorButton(editor, "Restart", symRestart, 224);
+  editor->bprev = MakeEditorButton(editor, "Prev", symPrev, 320);
+  editor->bnext = MakeEditorButton(editor, "Next", symNext, 400);
+  editor->bfinish = MakeEditorButton(editor, "Finish", symFinish, 400);
+  editor->bsave = MakeEditorButton(editor, "Save", symSave, 400);
+  editor->bcancel = MakeEditorButton(editor, "Cancel", symCancel, 480);
+  editor->bprev->state = kButtonInactive;
+  editor->brestart->state = kButtonInactive;
+  XUnmapWindow(dpy, editor->bfinish->window);
+  XUnmapWindow(dpy, editor->bsave->window);
+}
 
 void symHelp(void*) {
   LaunchGromlitFileURL(GromlitSymbolHelpFile);

@@ -1,7 +1,7 @@
 // Changes of the symbol library, together with the windows that show it.
 #pragma once
 
-#include "app/symbols/symbol_editor.h"
+#include "app/symbols/symbol_editor_record.h"
 #include "core/gromlit.h"
 
 namespace gromlit {

@@ -1,7 +1,7 @@
 // The dialogs that several commands share, made once at start-up and then only shown and hidden.
 #pragma once
 
-#include "app/main_window/gromlit_app.h"
+#include "core/gromlit.h"
 #include "toolkit/dialog.h"
 #include "toolkit/text_editor.h"
 

@@ -12,9 +12,10 @@
 #include <vector>
 
 #include "actions/keystrokes.h"
-#include "app/action_editor/action_commands_list.h"
 #include "app/action_editor/action_editor.h"
 #include "app/action_editor/action_tabs.h"
+#include "app/action_editor/command_list.h"
+#include "app/symbols/symbol_commands.h"
 #include "app/symbols/symbol_dialog.h"
 #include "app/windows/dialogs.h"
 #include "core/plugin_files.h"
@@ -37,7 +38,7 @@ class ActionFixture : public XFixture {
     LoadSymbols();
     LoadPlugins();
     plugin = CreatePlugin("Test application", kClass);
-    MakeSymbolSelect();
+    MakeSymbolSelect(YesEditSymbol);
     SymLastClick = 0;  // of another server's clock
     editingPlugin = 0;
     CreateActionEditor(0, nullptr);

@@ -15,6 +15,7 @@
 #include "app/main_window/main_menu.h"
 #include "app/plugins/new_plugin.h"
 #include "app/preferences/user_options_window.h"
+#include "app/symbols/symbol_commands.h"
 #include "app/symbols/symbol_dialog.h"
 #include "app/symbols/symbol_editor.h"
 #include "app/windows/dialogs.h"
@@ -41,9 +42,10 @@ class CommandFixture : public MainWindowFixture {
     char* argv[] = {name, nullptr};
     MakeConfirmDialog();
     MakeEditNameDialog(SaveNewPluginName);
-    MakeNewPluginDialogs(app);
+    app->dlog = MakeDownloadDialog();
+    app->newdlog = MakeNewPluginDialog();
     CreateSymbolEditor(1, argv);
-    MakeSymbolSelect();
+    MakeSymbolSelect(YesEditSymbol);
     CreateUserOptions(1, argv);
     UpdateUserOptions(user);
     Pump();

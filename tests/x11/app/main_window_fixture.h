@@ -14,10 +14,13 @@
 #include <vector>
 
 #include "app/action_editor/action_editor.h"
-#include "app/main_window/action_commands.h"
-#include "app/main_window/gromlit_app.h"
+#include "app/main_window/action_menu.h"
+#include "app/main_window/main_window.h"
+#include "app/main_window/shown_plugin.h"
+#include "app/plugins/plugin_actions.h"
 #include "app/plugins/plugin_menu.h"
 #include "app/windows/dialogs.h"
+#include "core/action_copy.h"
 #include "core/plugin_files.h"
 #include "core/retired.h"
 #include "core/strings.h"

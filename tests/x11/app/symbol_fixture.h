@@ -16,6 +16,7 @@
 #include <utility>
 #include <vector>
 
+#include "app/symbols/symbol_commands.h"
 #include "app/symbols/symbol_dialog.h"
 #include "app/symbols/symbol_display.h"
 #include "app/symbols/symbol_editor.h"
@@ -60,7 +61,7 @@ class SymbolFixture : public WidgetFixture {
     sed = nullptr;
     symselect = nullptr;
     CreateSymbolEditor(1, argv);
-    MakeSymbolSelect();
+    MakeSymbolSelect(YesEditSymbol);
     Pump();
   }
 

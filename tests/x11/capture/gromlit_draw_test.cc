@@ -30,7 +30,8 @@ class GromlitDrawTest : public testing::MainWindowFixture {
     ASSERT_TRUE(GrabDrawButton(3));
     overlay = MakeGromlitDraw();
     overlay->app = app;
-    MakeNewPluginDialogs(app);
+    app->dlog = MakeDownloadDialog();
+    app->newdlog = MakeNewPluginDialog();
     XSetErrorHandler(GromlitXErrorHandler);  // windows vanish on purpose here
   }
   void TearDown() override {

@@ -11,7 +11,7 @@
 #include <memory>
 #include <thread>
 
-#include "app/main_window/gromlit_app.h"
+#include "app/main_window/main_window.h"
 #include "app/preferences/user_options_window.h"
 #include "app/windows/dialogs.h"
 #include "capture/gromlit_draw.h"

@@ -7,8 +7,8 @@
 #include <cstdio>
 #include <iterator>
 
-#include "app/main_window/action_commands.h"
-#include "app/main_window/gromlit_app.h"
+#include "app/main_window/action_menu.h"
+#include "app/main_window/main_window.h"
 #include "recognition/signature_match.h"
 
 namespace gromlit {

@@ -11,8 +11,8 @@
 #include <thread>
 
 #include "actions/launch.h"
+#include "app/main_window/find_new_plugin.h"
 #include "app/plugins/class_picker.h"
-#include "app/plugins/find_new_plugin.h"
 
 namespace gromlit::testing {
 namespace {

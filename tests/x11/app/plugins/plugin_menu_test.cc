@@ -395,11 +395,11 @@ TEST_F(PluginMenuTest, RebuildingWhileTheMenuIsOpenClosesItAndFreesThePointer) {
 }
 
 TEST_F(PluginMenuTest, BeforeThereIsAWindowTheMenuIsMadeAllTheSame) {
-  GromlitApp* kept = app;
-  app = nullptr;
+  PluginView* kept = pluginview;
+  pluginview = nullptr;
   UpdatePluginsMenu();
   const XMenu* menu = MakePluginsMenu();
-  app = kept;
+  pluginview = kept;
   ASSERT_NE(menu, nullptr);
   EXPECT_EQ(LabelsOf(menu), Labels{"Default"});
   Retire(const_cast<XMenu*>(menu));

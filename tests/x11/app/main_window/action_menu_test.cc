@@ -14,7 +14,7 @@ using testing::CostOf;
 using testing::ShownFailure;
 using Texts = std::vector<std::string>;
 
-class ActionCommandsTest : public testing::MainWindowFixture {
+class ActionMenuTest : public testing::MainWindowFixture {
  protected:
   enum Item { kCut, kCopy, kPaste, kDelete, kEdit, kExport, kNew, kEditSymbol };
 
@@ -48,7 +48,7 @@ class ActionCommandsTest : public testing::MainWindowFixture {
 
 // --- By the popup, as a user does it ----------------------------------------------------------
 
-TEST_F(ActionCommandsTest, CopyAndPasteFromThePopupAddACopyAtTheEnd) {
+TEST_F(ActionMenuTest, CopyAndPasteFromThePopupAddACopyAtTheEnd) {
   ShowNew(3);
   ClickCell(1);
   ChooseFromPopup(kCopy);
@@ -61,7 +61,7 @@ TEST_F(ActionCommandsTest, CopyAndPasteFromThePopupAddACopyAtTheEnd) {
   EXPECT_EQ(PixelOf(app->window, CellX(3) + 16, CellY(3) + 8), kBlue);
 }
 
-TEST_F(ActionCommandsTest, CutFromThePopupTakesTheActionOutAndPasteBringsItBack) {
+TEST_F(ActionMenuTest, CutFromThePopupTakesTheActionOutAndPasteBringsItBack) {
   ShowNew(3);
   ClickCell(0);
   ChooseFromPopup(kCut);
@@ -73,7 +73,7 @@ TEST_F(ActionCommandsTest, CutFromThePopupTakesTheActionOutAndPasteBringsItBack)
   EXPECT_EQ(Actions(), (Texts{"a1", "a2", "a0", "a0"}));
 }
 
-TEST_F(ActionCommandsTest, DeleteFromThePopupSavesAtOnce) {
+TEST_F(ActionMenuTest, DeleteFromThePopupSavesAtOnce) {
   ShowNew(3);
   ClickCell(1);
   ChooseFromPopup(kDelete);
@@ -82,7 +82,7 @@ TEST_F(ActionCommandsTest, DeleteFromThePopupSavesAtOnce) {
   EXPECT_EQ(app->validcut, 0);
 }
 
-TEST_F(ActionCommandsTest, EditFromThePopupOpensTheEditorOnTheSelectedAction) {
+TEST_F(ActionMenuTest, EditFromThePopupOpensTheEditorOnTheSelectedAction) {
   ShowNew(3);
   ClickCell(2);
   ChooseFromPopup(kEdit);
@@ -95,7 +95,7 @@ TEST_F(ActionCommandsTest, EditFromThePopupOpensTheEditorOnTheSelectedAction) {
   EXPECT_NE(act->action.cmds[0], app->plugin->actions[2]->cmds[0]);
 }
 
-TEST_F(ActionCommandsTest, NewFromThePopupOpensTheEditorOnANewAction) {
+TEST_F(ActionMenuTest, NewFromThePopupOpensTheEditorOnANewAction) {
   ShowNew(3);
   ChooseFromPopup(kNew);
   EXPECT_TRUE(Viewable(act->window));
@@ -105,7 +105,7 @@ TEST_F(ActionCommandsTest, NewFromThePopupOpensTheEditorOnANewAction) {
   EXPECT_EQ(Actions(), (Texts{"a0", "a1", "a2"}));
 }
 
-TEST_F(ActionCommandsTest, ExportFromThePopupShowsTheEditorAsItIs) {
+TEST_F(ActionMenuTest, ExportFromThePopupShowsTheEditorAsItIs) {
   ShowNew(3);
   ClickCell(0);
   Run(popEditAction);
@@ -119,7 +119,7 @@ TEST_F(ActionCommandsTest, ExportFromThePopupShowsTheEditorAsItIs) {
   EXPECT_EQ(act->edit, app->plugin->actions[0]);
 }
 
-TEST_F(ActionCommandsTest, APopupThatIsLeftRunsNothing) {
+TEST_F(ActionMenuTest, APopupThatIsLeftRunsNothing) {
   ShowNew(3);
   ClickCell(1);
   OpenPopup();
@@ -133,7 +133,7 @@ TEST_F(ActionCommandsTest, APopupThatIsLeftRunsNothing) {
 
 // --- What there is nothing to do for ----------------------------------------------------------
 
-TEST_F(ActionCommandsTest, WithoutASelectionCutCopyDeleteAndEditDoNothing) {
+TEST_F(ActionMenuTest, WithoutASelectionCutCopyDeleteAndEditDoNothing) {
   ShowNew(3);
   const std::vector<std::byte> before = testing::ReadBytes(FileOf(app->plugin));
   EXPECT_EQ(
@@ -147,13 +147,13 @@ TEST_F(ActionCommandsTest, WithoutASelectionCutCopyDeleteAndEditDoNothing) {
   EXPECT_EQ(testing::ReadBytes(FileOf(app->plugin)), before);
 }
 
-TEST_F(ActionCommandsTest, WithAnEmptyClipboardPasteDoesNothing) {
+TEST_F(ActionMenuTest, WithAnEmptyClipboardPasteDoesNothing) {
   ShowNew(3);
   EXPECT_EQ(CostOf([] { Run(popPasteAction); }), (Cost{0, 0}));
   EXPECT_EQ(Actions(), (Texts{"a0", "a1", "a2"}));
 }
 
-TEST_F(ActionCommandsTest, WithoutAPluginNothingHappens) {
+TEST_F(ActionMenuTest, WithoutAPluginNothingHappens) {
   ShowNew(3);
   Select(0);
   Run(popCopyAction);
@@ -165,7 +165,7 @@ TEST_F(ActionCommandsTest, WithoutAPluginNothingHappens) {
   EXPECT_STREQ(app->cut.name, "a0");
 }
 
-TEST_F(ActionCommandsTest, BeforeThereIsAWindowNothingHappens) {
+TEST_F(ActionMenuTest, BeforeThereIsAWindowNothingHappens) {
   GromlitApp* kept = app;
   app = nullptr;
   for (MenuAction command :
@@ -177,7 +177,7 @@ TEST_F(ActionCommandsTest, BeforeThereIsAWindowNothingHappens) {
 
 // --- Deleting ---------------------------------------------------------------------------------
 
-TEST_F(ActionCommandsTest, DeletingTheLastActionSelectsTheNewLastOne) {
+TEST_F(ActionMenuTest, DeletingTheLastActionSelectsTheNewLastOne) {
   ShowNew(3);
   Select(2);
   Run(popDeleteAction);
@@ -187,7 +187,7 @@ TEST_F(ActionCommandsTest, DeletingTheLastActionSelectsTheNewLastOne) {
   EXPECT_EQ(Actions(), (Texts{"a0", "a1"}));
 }
 
-TEST_F(ActionCommandsTest, DeletingTheOnlyActionLeavesNothingSelected) {
+TEST_F(ActionMenuTest, DeletingTheOnlyActionLeavesNothingSelected) {
   ShowNew(1);
   Select(0);
   Run(popDeleteAction);
@@ -198,7 +198,7 @@ TEST_F(ActionCommandsTest, DeletingTheOnlyActionLeavesNothingSelected) {
   EXPECT_EQ(app->selected, -1);
 }
 
-TEST_F(ActionCommandsTest, DeletingDownToOneRowLessShrinksTheScrollRange) {
+TEST_F(ActionMenuTest, DeletingDownToOneRowLessShrinksTheScrollRange) {
   ShowNew(25);
   ASSERT_EQ(app->sbar->range, 5 * cell);
   Select(24);
@@ -206,7 +206,7 @@ TEST_F(ActionCommandsTest, DeletingDownToOneRowLessShrinksTheScrollRange) {
   EXPECT_EQ(app->sbar->range, 4 * cell);
 }
 
-TEST_F(ActionCommandsTest, AnActionThatIsDeletedWhileItIsEditedStaysReadable) {
+TEST_F(ActionMenuTest, AnActionThatIsDeletedWhileItIsEditedStaysReadable) {
   ShowNew(3);
   Select(1);
   Run(popEditAction);
@@ -215,7 +215,7 @@ TEST_F(ActionCommandsTest, AnActionThatIsDeletedWhileItIsEditedStaysReadable) {
   EXPECT_STREQ(act->edit->cmds[0]->text, "run1");
 }
 
-TEST_F(ActionCommandsTest, ADeleteThatCannotBeSavedLeavesTheActionAndTellsTheUser) {
+TEST_F(ActionMenuTest, ADeleteThatCannotBeSavedLeavesTheActionAndTellsTheUser) {
   GromlitPlugin* plugin = ShowNew(4);
   ClickCell(1);
   BlockFile(plugin);
@@ -233,7 +233,7 @@ TEST_F(ActionCommandsTest, ADeleteThatCannotBeSavedLeavesTheActionAndTellsTheUse
   EXPECT_EQ(ShownFailure(), "");
 }
 
-TEST_F(ActionCommandsTest, ACutThatCannotBeSavedIsACopy) {
+TEST_F(ActionMenuTest, ACutThatCannotBeSavedIsACopy) {
   GromlitPlugin* plugin = ShowNew(2);
   Select(0);
   BlockFile(plugin);
@@ -245,7 +245,7 @@ TEST_F(ActionCommandsTest, ACutThatCannotBeSavedIsACopy) {
 
 // --- The clipboard ----------------------------------------------------------------------------
 
-TEST_F(ActionCommandsTest, ClipboardAndPasteShareNothingWithTheAction) {
+TEST_F(ActionMenuTest, ClipboardAndPasteShareNothingWithTheAction) {
   GromlitPlugin* plugin = ShowNew(2);
   Select(0);
   Run(popCopyAction);
@@ -266,7 +266,7 @@ TEST_F(ActionCommandsTest, ClipboardAndPasteShareNothingWithTheAction) {
   EXPECT_STREQ(plugin->actions[2]->cmds[0]->text, "run0");
 }
 
-TEST_F(ActionCommandsTest, TheClipboardOutlivesItsActionAndItsPlugin) {
+TEST_F(ActionMenuTest, TheClipboardOutlivesItsActionAndItsPlugin) {
   GromlitPlugin* other = Plugin("Other", "Other.other", 1);
   GromlitPlugin* plugin = ShowNew(2);
   Select(1);
@@ -278,7 +278,7 @@ TEST_F(ActionCommandsTest, TheClipboardOutlivesItsActionAndItsPlugin) {
   EXPECT_STREQ(other->actions[1]->cmds[0]->text, "run1");
 }
 
-TEST_F(ActionCommandsTest, ACopyHasTheWholeRecordButNoSignature) {
+TEST_F(ActionMenuTest, ACopyHasTheWholeRecordButNoSignature) {
   GromlitPlugin* plugin = ShowNew(1);
   GromlitAction* action = plugin->actions[0];
   action->spare = 17;
@@ -322,7 +322,7 @@ TEST_F(ActionCommandsTest, ACopyHasTheWholeRecordButNoSignature) {
   EXPECT_EQ(copy->cmds[2], nullptr);
 }
 
-TEST_F(ActionCommandsTest, ALaterCopyReplacesTheClipboard) {
+TEST_F(ActionMenuTest, ALaterCopyReplacesTheClipboard) {
   ShowNew(3);
   for (int n : {0, 2, 1}) {
     Select(n);
@@ -332,7 +332,7 @@ TEST_F(ActionCommandsTest, ALaterCopyReplacesTheClipboard) {
   EXPECT_EQ(Actions(), (Texts{"a0", "a1", "a2", "a1"}));
 }
 
-TEST_F(ActionCommandsTest, AnActionWithTheMostCommandsIsCopiedWhole) {
+TEST_F(ActionMenuTest, AnActionWithTheMostCommandsIsCopiedWhole) {
   GromlitPlugin* plugin = ShowNew(1);
   GromlitAction* action = plugin->actions[0];
   for (; action->ncmds < kMaxCommands; action->ncmds++)
@@ -344,7 +344,7 @@ TEST_F(ActionCommandsTest, AnActionWithTheMostCommandsIsCopiedWhole) {
   EXPECT_STREQ(plugin->actions[1]->cmds[127]->text, "127");
 }
 
-TEST_F(ActionCommandsTest, AnActionWithoutANameComesBackAfterACut) {
+TEST_F(ActionMenuTest, AnActionWithoutANameComesBackAfterACut) {
   GromlitPlugin* plugin = ShowNew(2);
   plugin->actions[0]->name[0] = '\0';
   Select(0);
@@ -355,7 +355,7 @@ TEST_F(ActionCommandsTest, AnActionWithoutANameComesBackAfterACut) {
 
 // --- Full plug-ins ----------------------------------------------------------------------------
 
-TEST_F(ActionCommandsTest, PasteAddsNothingToAFullPluginAndSaysSo) {
+TEST_F(ActionMenuTest, PasteAddsNothingToAFullPluginAndSaysSo) {
   GromlitPlugin* plugin = ShowNew(127);
   Select(0);
   Run(popCopyAction);
@@ -378,7 +378,7 @@ TEST_F(ActionCommandsTest, PasteAddsNothingToAFullPluginAndSaysSo) {
   EXPECT_EQ(ShownFailure(), "");
 }
 
-TEST_F(ActionCommandsTest, NewOnAFullPluginOpensNoEditorAndSaysSo) {
+TEST_F(ActionMenuTest, NewOnAFullPluginOpensNoEditorAndSaysSo) {
   ShowNew(128);
   ChooseFromPopup(kNew);
   EXPECT_EQ(ShownFailure(), "This plug-in holds 128 actions already./Nothing was added.");
@@ -388,7 +388,7 @@ TEST_F(ActionCommandsTest, NewOnAFullPluginOpensNoEditorAndSaysSo) {
 
 // --- Adding -----------------------------------------------------------------------------------
 
-TEST_F(ActionCommandsTest, ANewActionIsAddedUnderItsNameAndSaved) {
+TEST_F(ActionMenuTest, ANewActionIsAddedUnderItsNameAndSaved) {
   GromlitPlugin* plugin = ShowNew(1);
   const GromlitAction action = Action("ignored", 5);
   const GromlitAction* added = PluginNewAction(plugin, &action, "Fifth");
@@ -399,14 +399,14 @@ TEST_F(ActionCommandsTest, ANewActionIsAddedUnderItsNameAndSaved) {
   EXPECT_EQ(Actions(), (Texts{"a0", "Fifth"}));
 }
 
-TEST_F(ActionCommandsTest, ANameLongerThanItsFieldIsCut) {
+TEST_F(ActionMenuTest, ANameLongerThanItsFieldIsCut) {
   GromlitPlugin* plugin = ShowNew(0);
   const GromlitAction action = Action("ignored");
   ASSERT_NE(PluginNewAction(plugin, &action, std::string(200, 'n').c_str()), nullptr);
   EXPECT_EQ(Actions(), Texts{std::string(63, 'n')});
 }
 
-TEST_F(ActionCommandsTest, WithoutANameOrAPluginNothingIsAdded) {
+TEST_F(ActionMenuTest, WithoutANameOrAPluginNothingIsAdded) {
   GromlitPlugin* plugin = ShowNew(1);
   const GromlitAction action = Action("x");
   EXPECT_EQ(PluginNewAction(plugin, &action, ""), nullptr);
@@ -415,7 +415,7 @@ TEST_F(ActionCommandsTest, WithoutANameOrAPluginNothingIsAdded) {
   EXPECT_EQ(ShownFailure(), "");
 }
 
-TEST_F(ActionCommandsTest, APasteThatCannotBeSavedAddsNothingAndTellsTheUser) {
+TEST_F(ActionMenuTest, APasteThatCannotBeSavedAddsNothingAndTellsTheUser) {
   GromlitPlugin* plugin = ShowNew(2);
   Select(0);
   Run(popCopyAction);
@@ -432,7 +432,7 @@ TEST_F(ActionCommandsTest, APasteThatCannotBeSavedAddsNothingAndTellsTheUser) {
   EXPECT_EQ(Actions(), (Texts{"a0", "a1", "a0"}));
 }
 
-TEST_F(ActionCommandsTest, AnActionAddedBeforeTheFileWasReadJoinsThoseOfTheFile) {
+TEST_F(ActionMenuTest, AnActionAddedBeforeTheFileWasReadJoinsThoseOfTheFile) {
   Plugin("Editor", "Edit.edit", 3);
   LoadPlugins();
   GetDefaultPlugin();
@@ -447,7 +447,7 @@ TEST_F(ActionCommandsTest, AnActionAddedBeforeTheFileWasReadJoinsThoseOfTheFile)
 
 // --- Many commands in any order ---------------------------------------------------------------
 
-TEST_F(ActionCommandsTest, AnyOrderOfCommandsKeepsMemoryFileAndSelectionTogether) {
+TEST_F(ActionMenuTest, AnyOrderOfCommandsKeepsMemoryFileAndSelectionTogether) {
   GromlitPlugin* plugin = ShowNew(5);
   Texts expected = Names(plugin);
   std::string clip;

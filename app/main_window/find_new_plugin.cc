@@ -1,4 +1,4 @@
-#include "app/plugins/find_new_plugin.h"
+#include "app/main_window/find_new_plugin.h"
 
 #include <cstdlib>
 

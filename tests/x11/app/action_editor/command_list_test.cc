@@ -9,7 +9,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
-class ActionCommandsListTest : public testing::ActionFixture {
+class CommandListTest : public testing::ActionFixture {
  protected:
   void SetUp() override {
     ActionFixture::SetUp();
@@ -22,7 +22,7 @@ class ActionCommandsListTest : public testing::ActionFixture {
 
 // --- Adding -------------------------------------------------------------------------------------
 
-TEST_F(ActionCommandsListTest, OneCommandOfEachTypeIsAddedAndListed) {
+TEST_F(CommandListTest, OneCommandOfEachTypeIsAddedAndListed) {
   ClickTab(kMenu);
   ClickTab(kHotKey);
   Record({XK_Control_L}, XK_l);
@@ -42,7 +42,7 @@ TEST_F(ActionCommandsListTest, OneCommandOfEachTypeIsAddedAndListed) {
   Picture("action_six_commands");
 }
 
-TEST_F(ActionCommandsListTest, TheLineThatWasAddedIsInSight) {
+TEST_F(CommandListTest, TheLineThatWasAddedIsInSight) {
   ClickTab(kRun);
   for (int i = 0; i < 12; i++) {
     Add(kRun, "program" + std::to_string(i));
@@ -51,7 +51,7 @@ TEST_F(ActionCommandsListTest, TheLineThatWasAddedIsInSight) {
   }
 }
 
-TEST_F(ActionCommandsListTest, AMenuCommandKeepsItsLastLetterInTheFirstPair) {
+TEST_F(CommandListTest, AMenuCommandKeepsItsLastLetterInTheFirstPair) {
   Add(kMenu, "Nb");
   const GromlitCmd& command = *act->action.cmds[0];
   EXPECT_EQ(command.nkeys, 2);
@@ -66,7 +66,7 @@ TEST_F(ActionCommandsListTest, AMenuCommandKeepsItsLastLetterInTheFirstPair) {
   EXPECT_EQ(act->action.cmds[1]->keystate[0], Mod1Mask | ShiftMask);
 }
 
-TEST_F(ActionCommandsListTest, TheCheckBoxBelongsToTextAndInternet) {
+TEST_F(CommandListTest, TheCheckBoxBelongsToTextAndInternet) {
   ClickTab(kText);
   Type(tab->ed, "notes.txt");
   ClickCheckBox();
@@ -81,7 +81,7 @@ TEST_F(ActionCommandsListTest, TheCheckBoxBelongsToTextAndInternet) {
   EXPECT_EQ(act->action.cmds[2]->checked, 0);
 }
 
-TEST_F(ActionCommandsListTest, ALongTextIsListedByItsFirstSixteenLetters) {
+TEST_F(CommandListTest, ALongTextIsListedByItsFirstSixteenLetters) {
   Add(kText, "abcdefghijklmnopqrstuvwxyz0123");
   Add(kText, "abcdefghijklmnopq");
   Add(kText, "abcdefghijklmnopqr");
@@ -90,7 +90,7 @@ TEST_F(ActionCommandsListTest, ALongTextIsListedByItsFirstSixteenLetters) {
   EXPECT_STREQ(act->action.cmds[0]->text, "abcdefghijklmnopqrstuvwxyz0123");
 }
 
-TEST_F(ActionCommandsListTest, AnEmptyTextMayBeAdded) {
+TEST_F(CommandListTest, AnEmptyTextMayBeAdded) {
   ClickTab(kText);
   ClickOn(tab->badd);
   ASSERT_EQ(act->action.ncmds, 1u);
@@ -98,7 +98,7 @@ TEST_F(ActionCommandsListTest, AnEmptyTextMayBeAdded) {
   EXPECT_THAT(Lines(), ElementsAre("Text: "));
 }
 
-TEST_F(ActionCommandsListTest, ATextThatAControlKeyShortenedIsAddedAsItIsShown) {
+TEST_F(CommandListTest, ATextThatAControlKeyShortenedIsAddedAsItIsShown) {
   ClickTab(kRun);
   Type(tab->ed, "xclock");
   for (int i = 0; i < 3; i++) player->Type(XK_Left);
@@ -107,7 +107,7 @@ TEST_F(ActionCommandsListTest, ATextThatAControlKeyShortenedIsAddedAsItIsShown) 
   EXPECT_STREQ(act->action.cmds[0]->text, "xcl");
 }
 
-TEST_F(ActionCommandsListTest, AtTheLimitAddAddsNothingAndSaysSo) {
+TEST_F(CommandListTest, AtTheLimitAddAddsNothingAndSaysSo) {
   for (int i = 0; i < kMaxCommands; i++) {
     ActionEditorAddCommand(kRun, std::to_string(i).c_str(), 0, 0, 0);
   }
@@ -137,7 +137,7 @@ TEST_F(ActionCommandsListTest, AtTheLimitAddAddsNothingAndSaysSo) {
 
 // --- The list -----------------------------------------------------------------------------------
 
-TEST_F(ActionCommandsListTest, SelectingACheckedTextCommandShowsAllOfIt) {
+TEST_F(CommandListTest, SelectingACheckedTextCommandShowsAllOfIt) {
   ClickTab(kText);
   Type(tab->ed, "notes.txt");
   ClickCheckBox();
@@ -154,7 +154,7 @@ TEST_F(ActionCommandsListTest, SelectingACheckedTextCommandShowsAllOfIt) {
   Picture("action_checked_text");
 }
 
-TEST_F(ActionCommandsListTest, SelectingAHotKeyBringsItsKeyBack) {
+TEST_F(CommandListTest, SelectingAHotKeyBringsItsKeyBack) {
   Record({XK_Control_L}, XK_l);
   ClickOn(tab->badd);
   Add(kRun, "xclock");
@@ -167,7 +167,7 @@ TEST_F(ActionCommandsListTest, SelectingAHotKeyBringsItsKeyBack) {
   EXPECT_THAT(Lines(), ElementsAre("HotKey: Control-l", "Run: xclock"));
 }
 
-TEST_F(ActionCommandsListTest, UpdateChangesTheSelectedCommandOnly) {
+TEST_F(CommandListTest, UpdateChangesTheSelectedCommandOnly) {
   Add(kRun, "one");
   Add(kRun, "two");
   ClickLine(0);
@@ -178,7 +178,7 @@ TEST_F(ActionCommandsListTest, UpdateChangesTheSelectedCommandOnly) {
   EXPECT_EQ(act->lst->selected, 0);
 }
 
-TEST_F(ActionCommandsListTest, UpdateGivesTheCommandTheTypeOfTheTab) {
+TEST_F(CommandListTest, UpdateGivesTheCommandTheTypeOfTheTab) {
   Add(kRun, "one");
   // A click on the tab would give up the selection.
   act->tbar->selected = kSound;
@@ -187,7 +187,7 @@ TEST_F(ActionCommandsListTest, UpdateGivesTheCommandTheTypeOfTheTab) {
   EXPECT_THAT(Lines(), ElementsAre("Sound: one"));
 }
 
-TEST_F(ActionCommandsListTest, WithoutASelectionUpdateDeleteAndMovingDoNothing) {
+TEST_F(CommandListTest, WithoutASelectionUpdateDeleteAndMovingDoNothing) {
   Add(kRun, "one");
   Add(kRun, "two");
   ClickTab(kText);
@@ -201,7 +201,7 @@ TEST_F(ActionCommandsListTest, WithoutASelectionUpdateDeleteAndMovingDoNothing) 
   EXPECT_THAT(Lines(), ElementsAre("Run: one", "Run: two"));
 }
 
-TEST_F(ActionCommandsListTest, DeletingTheLastLineSelectsTheNewLastLine) {
+TEST_F(CommandListTest, DeletingTheLastLineSelectsTheNewLastLine) {
   for (const char* name : {"one", "two", "three"}) Add(kRun, name);
   ClickLine(2);
   ClickOn(tab->bdelete);
@@ -211,7 +211,7 @@ TEST_F(ActionCommandsListTest, DeletingTheLastLineSelectsTheNewLastLine) {
   EXPECT_EQ(Buttons(), "11111");
 }
 
-TEST_F(ActionCommandsListTest, DeletingAMiddleLineSelectsTheOneThatTookItsPlace) {
+TEST_F(CommandListTest, DeletingAMiddleLineSelectsTheOneThatTookItsPlace) {
   for (const char* name : {"one", "two", "three"}) Add(kRun, name);
   ClickLine(1);
   ClickOn(tab->bdelete);
@@ -221,7 +221,7 @@ TEST_F(ActionCommandsListTest, DeletingAMiddleLineSelectsTheOneThatTookItsPlace)
   EXPECT_STREQ(act->action.cmds[1]->text, "three");
 }
 
-TEST_F(ActionCommandsListTest, DeletingTheOnlyLineLeavesNoSelection) {
+TEST_F(CommandListTest, DeletingTheOnlyLineLeavesNoSelection) {
   Add(kRun, "one");
   ClickOn(tab->bdelete);
   EXPECT_EQ(act->action.ncmds, 0u);
@@ -230,7 +230,7 @@ TEST_F(ActionCommandsListTest, DeletingTheOnlyLineLeavesNoSelection) {
   EXPECT_EQ(Buttons(), "00001");
 }
 
-TEST_F(ActionCommandsListTest, MovingTakesTheSelectionAlong) {
+TEST_F(CommandListTest, MovingTakesTheSelectionAlong) {
   for (const char* name : {"one", "two", "three"}) Add(kRun, name);
   ClickLine(0);
   ClickOn(act->bmovedown);
@@ -243,7 +243,7 @@ TEST_F(ActionCommandsListTest, MovingTakesTheSelectionAlong) {
   EXPECT_EQ(act->lst->selected, 0);
 }
 
-TEST_F(ActionCommandsListTest, MovingUpFromTheFirstLineAndDownFromTheLastDoesNothing) {
+TEST_F(CommandListTest, MovingUpFromTheFirstLineAndDownFromTheLastDoesNothing) {
   for (const char* name : {"one", "two"}) Add(kRun, name);
   ClickLine(0);
   ClickOn(act->bmoveup);
@@ -254,7 +254,7 @@ TEST_F(ActionCommandsListTest, MovingUpFromTheFirstLineAndDownFromTheLastDoesNot
   EXPECT_THAT(Lines(), ElementsAre("Run: one", "Run: two"));
 }
 
-TEST_F(ActionCommandsListTest, ALineThatMovesOutOfSightIsFollowed) {
+TEST_F(CommandListTest, ALineThatMovesOutOfSightIsFollowed) {
   for (int i = 0; i < 20; i++) ActionEditorAddCommand(kRun, std::to_string(i).c_str(), 0, 0, 0);
   ASSERT_GT(act->lst->top, 0);
   for (int line = 18; line >= 0; line--) {

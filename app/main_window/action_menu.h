@@ -5,8 +5,6 @@
 // at.
 #pragma once
 
-#include "core/gromlit.h"
-
 namespace gromlit {
 
 struct XMenu;
@@ -26,19 +24,5 @@ void popDeleteAction(XMenu* menu, void* arg);
 void popEditAction(XMenu* menu, void* arg);
 void popNewAction(XMenu* menu, void* arg);
 void popExportAction(XMenu* menu, void* arg);
-
-// Copies an action into a record, commands and their texts included; what dst held is overwritten,
-// not released. The copied symbol has no signature (INV-SYMBOL-1).
-void CopyAction(GromlitAction* dst, const GromlitAction* src);
-
-// Releases the commands of an action, their texts, and the signature of its symbol; ncmds is 0
-// afterwards. REQUIRES: nobody else points to them.
-void ReleaseActionContents(GromlitAction* action);
-
-// Adds a copy of an action, under this name, at the end of a plug-in and saves the plug-in. Nothing
-// is added, and null returned, when the name is empty, the plug-in null or full (kMaxActions), or
-// the save fails; the last two tell the user. Returns the new action.
-GromlitAction* PluginNewAction(GromlitPlugin* plugin, const GromlitAction* action,
-                               const char* name);
 
 }  // namespace gromlit

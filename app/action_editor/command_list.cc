@@ -1,4 +1,4 @@
-#include "app/action_editor/action_commands_list.h"
+#include "app/action_editor/command_list.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,7 +9,6 @@
 
 #include "actions/execute.h"
 #include "actions/keystrokes.h"
-#include "app/action_editor/action_tabs.h"
 #include "app/windows/dialogs.h"
 #include "core/strings.h"
 

@@ -4,7 +4,7 @@
 
 #include <X11/Xlib.h>
 
-#include "app/action_editor/action_editor.h"
+#include "app/action_editor/action_editor_record.h"
 
 namespace gromlit {
 

@@ -1,0 +1,120 @@
+#include "app/main_window/main_window.h"
+
+#include <iterator>
+
+#include "app/main_window/action_menu.h"
+#include "app/main_window/main_menu.h"
+#include "app/main_window/shown_plugin.h"
+#include "app/windows/wm_properties.h"
+#include "display/display.h"
+#include "toolkit/child_window.h"
+#include "toolkit/image.h"
+#include "toolkit/logo.h"
+#include "toolkit/menu.h"
+#include "toolkit/menu_bar.h"
+#include "toolkit/pulldown_button.h"
+#include "toolkit/scrollbar.h"
+
+namespace gromlit {
+namespace {
+
+constexpr int kBorder = 4;
+constexpr int kIconWidth = 64;
+
+void MakeWindow(GromlitApp* gromlit, int argc, char** argv) {
+  gromlit->window =
+      CreateTopLevel(gromlit->width, gromlit->height,
+                     ExposureMask | EnterWindowMask | LeaveWindowMask | ButtonPressMask);
+  gromlit->mbar = MakeGromlitMenuBar(gromlit, gromlit->window, 0, 0, gromlit->width);
+  XMapWindow(dpy, gromlit->mbar->window);
+  gromlit->height += gromlit->mbar->height;
+  XResizeWindow(dpy, gromlit->window, static_cast<unsigned>(gromlit->width),
+                static_cast<unsigned>(gromlit->height));
+  SetWindowManagerProperties(gromlit->window, {.title = "Gromlit",
+                                               .icontitle = nullptr,
+                                               .name = "Application",
+                                               .width = gromlit->width,
+                                               .height = gromlit->height,
+                                               .argc = argc,
+                                               .argv = argv});
+  gromlit->gc = MakeWindowGC(gromlit->window, txtFont);
+}
+
+// The parts of the window, from top to bottom.
+void MakeParts(GromlitApp* gromlit) {
+  const int border = gromlit->border;
+  const int inside = gromlit->width - 2 * border;
+  const int top = gromlit->mbar->height;
+  gromlit->logo = MakeLogo(gromlit->window, border, top, inside, nullptr, nullptr);
+
+  const int buttony = border + top + logoImage->height + 2;
+  gromlit->txt =
+      MakeButtonSized(gromlit, gromlit->window, "", appClickPlugins, border, buttony, inside);
+  SetPulldownMenu(gromlit->txt, nullptr);
+
+  gromlit->iconx = border + 4;
+  gromlit->icony = buttony + 26;
+  const int below = gromlit->height - (border + gromlit->icony);
+  // Names are cut at the edge of the grid.
+  XRectangle grid = {static_cast<short>(border), static_cast<short>(gromlit->icony),
+                     static_cast<unsigned short>(inside), static_cast<unsigned short>(below)};
+  XSetClipRectangles(dpy, gromlit->gc, 0, 0, &grid, 1, YXBanded);
+
+  gromlit->sbar = MakeScrollbar(gromlit->window, gromlit->width - kScrollbarWidth - border,
+                                gromlit->icony, below);
+  gromlit->sbar->range = gromlit->nrows * GridCellHeight(gromlit);
+  gromlit->sbar->scrollarg = gromlit;
+  gromlit->sbar->scroll = [](void* arg, int offset) {
+    GromlitIconScroll(static_cast<GromlitApp*>(arg), offset);
+  };
+  XMapWindow(dpy, gromlit->sbar->window);
+}
+
+XMenu* MakePopup(GromlitApp* gromlit) {
+  XMenuItem* items[] = {
+      MakeMenuItem("Cut", popCutAction, gromlit),
+      MakeMenuItem("Copy", popCopyAction, gromlit),
+      MakeMenuItem("Paste", popPasteAction, gromlit),
+      MakeMenuItem("Delete", popDeleteAction, gromlit),
+      MakeMenuItem("Edit", popEditAction, gromlit),
+      MakeMenuItem("Export", popExportAction, gromlit),
+      MakeMenuItem("New", popNewAction, gromlit),
+      MakeMenuItem("Edit Symbol", popEditSymbol, gromlit),
+  };
+  return MakeMenu(root, 0, 0, labelFontinfo, items, static_cast<int>(std::size(items)));
+}
+
+}  // namespace
+
+GromlitApp* MakeGromlitApp(int ncols, int nrows, int argc, char** argv) {
+  auto* gromlit = new GromlitApp{};
+  gromlit->border = kBorder;
+  gromlit->iconwidth = kIconWidth;
+  gromlit->iconheight = kIconSize;
+  gromlit->ncols = ncols;
+  gromlit->nrows = nrows;
+  gromlit->selected = -1;
+  gromlit->width = ncols * GridCellWidth(gromlit) + 36;
+  gromlit->height = nrows * GridCellHeight(gromlit) + 36 + logoImage->height + 4;
+  MakeWindow(gromlit, argc, argv);
+  MakeParts(gromlit);
+  gromlit->popup = MakePopup(gromlit);
+  gromlit->edit = popEditAction;
+  gromlit->view = MakePluginView(gromlit->txt);
+  pluginview = &gromlit->view;
+
+  gromlit->wobj = AllocWindowObj(gromlit->window, gromlit);
+  On<Expose, ExposeGromlitApp>(gromlit);
+  On<EnterNotify, GromlitAppEnter>(gromlit);
+  On<LeaveNotify, GromlitAppLeave>(gromlit);
+  On<ButtonPress, GromlitAppButtonPress>(gromlit);
+  On<MotionNotify, GromlitAppMotionNotify>(gromlit);
+  On<ResizeRequest, GromlitAppResizeNotify>(gromlit);
+  SetHandler(gromlit->wobj, ClientMessage, WMClientMessage);
+  showWindow = gromlit->window;
+  return gromlit;
+}
+
+void appClickPlugins(void*) {}
+
+}  // namespace gromlit

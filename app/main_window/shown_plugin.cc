@@ -1,0 +1,57 @@
+#include "app/main_window/shown_plugin.h"
+
+#include "core/plugin_files.h"
+#include "core/strings.h"
+#include "display/display.h"
+#include "toolkit/button.h"
+#include "toolkit/pulldown_button.h"
+#include "toolkit/scrollbar.h"
+
+namespace gromlit {
+namespace {
+
+// Makes a plug-in, or none, the shown one.
+void ShowPlugin(GromlitApp* gromlit, GromlitPlugin* plugin, int* updated) {
+  // Caption and range are compared even if the plug-in stays: it may have got another name, and
+  // start-up makes the default plug-in the shown one by itself.
+  const char* caption = plugin != nullptr ? plugin->appname : "";
+  if (StrCmp(gromlit->txt->label, caption) != 0) UpdatePulldownButton(gromlit->txt, caption);
+  if (gromlit->plugin != plugin) {
+    gromlit->plugin = plugin;
+    gromlit->selected = -1;
+    if (updated != nullptr) *updated = 1;
+  }
+  const int range = GridLength(gromlit);
+  if (gromlit->sbar->range != range) UpdateScrollbarRange(gromlit->sbar, range);
+}
+
+}  // namespace
+
+GromlitPluginList* UpdateGromlitApp(GromlitApp* gromlit, const char* classname, int* updated) {
+  GromlitPluginList* node = FindPluginNode(classname);
+  ShowPlugin(gromlit, node != nullptr ? node->plugin : DefaultPlugin, updated);
+  return node;
+}
+
+void KeepShownPlugin() {
+  if (app != nullptr) app->lifted = NextRequest(dpy);
+}
+
+PluginView MakePluginView(XButton* button) {
+  return {.button = button,
+          .menus = nullptr,
+          .show =
+              [](const char* classname) {
+                if (app == nullptr) return;
+                UpdateGromlitApp(app, classname, nullptr);
+                DrawGromlitApp(app);
+              },
+          .keepshown = KeepShownPlugin,
+          .actionschanged =
+              [] {
+                UpdateGromlitScrollRange();
+                RefreshGromlitApp();
+              }};
+}
+
+}  // namespace gromlit

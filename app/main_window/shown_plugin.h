@@ -1,0 +1,24 @@
+// Which plug-in the main window shows.
+#pragma once
+
+#include "app/main_window/gromlit_app.h"
+#include "core/gromlit.h"
+
+namespace gromlit {
+
+// Shows the plug-in of this class, its actions loaded on first use; the default plug-in when there
+// is none. *updated (may be null) becomes 1 when another plug-in is shown than before, else it is
+// left alone. Returns the plug-in's node; null when the class has no plug-in. Does not redraw the
+// grid.
+GromlitPluginList* UpdateGromlitApp(GromlitApp* gromlit, const char* classname, int* updated);
+
+// To be called right before the request that takes a menu or a dialog from the screen after which
+// the main window is to show a certain plug-in. The pointer is then on what was below, often
+// another application, without having gone there; GromlitAppTrackEnter does not follow it.
+void KeepShownPlugin();
+
+// How the rooms below show plug-ins in `app`; its button is the one given. They do nothing while
+// there is no `app`.
+PluginView MakePluginView(XButton* button);
+
+}  // namespace gromlit
