@@ -5,21 +5,18 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <iterator>
 #include <string>
 
 #include "actions/child.h"
 #include "actions/keystrokes.h"
 #include "actions/launch.h"
+#include "core/command_types.h"
 #include "core/strings.h"
 #include "display/display.h"
 #include "display/draw_button.h"
 
 namespace gromlit {
-
-const char* const tabcmdNames[] = {"HotKey", "Menu", "Text", "Sound", "Run", "Internet", nullptr};
-const char* const tabcmdTypeNames[] = {
-    "HotKey: ", "Menu: ", "Text: ", "Sound: ", "Run: ", "Internet: ", nullptr};
-
 namespace {
 
 constexpr long kWaitNanoseconds = 250'000'000;
@@ -57,7 +54,38 @@ constexpr Keyword kKeywords[] = {
      }},
 };
 
-void Run(const char* text) {
+// A command as it is run.
+struct Running {
+  const GromlitPlugin* pin;
+  const GromlitCmd* cmd;
+  const char* text;  // the command's, empty where it has none
+  Window kwin;       // for keys where no window has the input focus
+  int winx, winy;    // pointer in that window and on the root, pixels
+  int rootx, rooty;
+};
+
+InputPlace KeyPlace(const Running& r) {
+  return {KeyTarget(r.kwin), r.winx, r.winy, r.rootx, r.rooty};
+}
+
+void SendKeys(const Running& r) {
+  SendKeyPairs(KeyPlace(r), r.cmd);
+}
+
+void Type(const Running& r) {
+  if (r.cmd->checked != 0) {
+    TypeFile(KeyPlace(r), r.text);
+  } else {
+    TypeText(KeyPlace(r), r.text, std::strlen(r.text));
+  }
+}
+
+void Play(const Running& r) {
+  PlaySoundFile(r.text);
+}
+
+void Run(const Running& r) {
+  const char* text = r.text;
   for (const Keyword& keyword : kKeywords) {
     if (std::strstr(text, keyword.text) == nullptr) continue;
     keyword.run();
@@ -67,18 +95,28 @@ void Run(const char* text) {
 }
 
 // Every address goes through the web service, which redirects to the site; nothing is encoded.
-void Browse(const GromlitPlugin* pin, const GromlitCmd* cmd, const char* text) {
+void Browse(const Running& r) {
   std::string url;
-  if (cmd->checked != 0) {
+  if (r.cmd->checked != 0) {
     url = GromlitForumURLprefix;
-    url += FieldText(pin->classname);
+    url += FieldText(r.pin->classname);
     url += "&uargs=";
   } else {
     url = GromlitRedirectURLprefix;
   }
-  url += text;
+  url += r.text;
   LaunchBrowserURL(url.c_str());
 }
+
+// What running a command of each type does; the types: core/command_types.h.
+constexpr struct {
+  CommandType type;
+  void (*run)(const Running&);
+} kRuns[] = {
+    {kHotKey, SendKeys}, {kMenu, SendKeys}, {kText, Type},
+    {kSound, Play},      {kRun, Run},       {kInternet, Browse},
+};
+static_assert(std::size(kRuns) == kCommandTypeCount);
 
 }  // namespace
 
@@ -104,32 +142,8 @@ void ExecuteCommand(GromlitPlugin* pin, const GromlitCmd* cmd, Window /*mwin*/, 
   XSync(dpy, False);
 
   const char* text = cmd->text != nullptr ? cmd->text : "";
-  switch (cmd->type) {
-    case kHotKey:
-    case kMenu:
-      SendKeyPairs({KeyTarget(kwin), winx, winy, rootx, rooty}, cmd);
-      break;
-    case kText: {
-      const InputPlace place{KeyTarget(kwin), winx, winy, rootx, rooty};
-      if (cmd->checked != 0) {
-        TypeFile(place, text);
-      } else {
-        TypeText(place, text, std::strlen(text));
-      }
-      break;
-    }
-    case kSound:
-      PlaySoundFile(text);
-      break;
-    case kRun:
-      Run(text);
-      break;
-    case kInternet:
-      Browse(pin, cmd, text);
-      break;
-    default:
-      break;
-  }
+  for (const auto& row : kRuns)
+    if (row.type == cmd->type) row.run({pin, cmd, text, kwin, winx, winy, rootx, rooty});
 }
 
 }  // namespace gromlit

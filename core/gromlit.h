@@ -12,6 +12,8 @@
 
 #include <cstdint>
 
+#include "core/command_types.h"
+
 namespace gromlit {
 
 // --- Limits -----------------------------------------------------------------------------------
@@ -45,16 +47,6 @@ struct GromlitSymbol {
   uint32_t icon[kIconSize];  // row r is icon[r], column c is bit c
   uint32_t spare;            // reserved, kept as read
   char* signature;           // cached signature, heap, owned by the record; null until computed
-};
-
-// What running a command does; the values are stored in files.
-enum CommandType : uint8_t {
-  kHotKey = 0,
-  kMenu = 1,
-  kText = 2,
-  kSound = 3,
-  kRun = 4,
-  kInternet = 5,
 };
 
 struct GromlitCmd {

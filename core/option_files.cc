@@ -1,12 +1,11 @@
 #include "core/option_files.h"
 
 #include <array>
-#include <cerrno>
-#include <cstdio>
 #include <vector>
 
 #include "core/files.h"
 #include "core/record_codec.h"
+#include "core/report.h"
 #include "core/retired.h"
 #include "core/strings.h"
 
@@ -37,21 +36,19 @@ int SaveUserOptions(const GromlitUserOptions* usr, const char* fname) {
   PutHeader(file, GromlitOptionFileHeaderString);
   EncodeOptions(*usr, std::span(file).subspan(kHeaderSize));
   if (SaveFile(DataPath(optionDirectory, fname).c_str(), file)) return 1;
-  // Printing may change what the caller is to tell the user.
-  const int reason = errno;
-  std::perror("Save Options");
-  errno = reason;
+  ReportSystemError("Save Options");
   return 0;
 }
 
 void DefaultUserOptions(GromlitUserOptions* usr) {
-  usr->button = kDefaultButton;
-  usr->sensitivity = 4;
-  usr->tolerance = 3;
-  usr->splash = 1;
-  usr->showactions = 1;
-  CopyText(usr->urlcmd, defaultURLcmd);
-  CopyText(usr->sndcmd, defaultSoundcmd);
+  for (const OptionField& field : kOptionFields) {
+    if (!field.fallback.given) continue;
+    if (field.kind == OptionKind::kNumber) {
+      OptionNumber(usr, field) = field.fallback.number;
+    } else {
+      CopyText(OptionBytes(usr, field), field.fallback.text);
+    }
+  }
 }
 
 GromlitUserOptions* GetUserOptions() {

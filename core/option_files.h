@@ -2,14 +2,13 @@
 #pragma once
 
 #include "core/gromlit.h"
+#include "core/option_fields.h"
 
 namespace gromlit {
 
 inline constexpr const char* optionDirectory = "options";
 inline constexpr const char* defaultOptionFile = "default.user";
 inline constexpr const char* GromlitOptionFileHeaderString = "GromlitOption";
-inline constexpr const char* defaultURLcmd = "netscape %s";
-inline constexpr const char* defaultSoundcmd = "play %s";
 
 // Reads GromlitPath/options/`fname` into a new record; null, silently, when it is missing, too
 // short or has a wrong header.
@@ -20,7 +19,7 @@ GromlitUserOptions* LoadUserOptions(const char* fname);
 // was.
 int SaveUserOptions(const GromlitUserOptions* usr, const char* fname);
 
-// Stores the defaults into usr; temp1..temp4 and charspare2 are not touched.
+// Stores the defaults into usr; the reserved fields, which have none, are not touched.
 void DefaultUserOptions(GromlitUserOptions* usr);
 
 // Sets `user` from the options file, or from the defaults when there is no usable one (the file is

@@ -16,18 +16,17 @@
 #include "core/files.h"
 #include "core/plugin_image.h"
 #include "core/record_codec.h"
+#include "core/report.h"
 #include "core/retired.h"
 #include "core/strings.h"
 
 namespace gromlit {
 
 GromlitPluginList* allPlugins = nullptr;
-RememberFindNew* RememberFindNewList = nullptr;
 
 namespace {
 
 constexpr size_t kRecordEnd = kHeaderSize + kPluginImageSize;
-constexpr size_t kPageItems = 20;  // of one menu of plug-ins, the "more" item included
 constexpr int kNameVariations = 32;
 
 static_assert(kPluginHeader == GromlitPluginFileHeaderString);
@@ -163,15 +162,8 @@ void EnsureActions(GromlitPlugin* pin) {
   }
 }
 
-// Reports with the reason in errno, which stays for the caller.
-void Report(const char* prefix) {
-  const int reason = errno;
-  std::perror(prefix);
-  errno = reason;
-}
-
 GromlitPlugin* SaveFailed() {
-  Report("Save Plugin");
+  ReportSystemError("Save Plugin");
   return nullptr;
 }
 
@@ -305,7 +297,7 @@ int DropPlugin(const GromlitPlugin* killpin, const char* fname) {
   const std::string name = StoredName(*killpin, fname);
   if (name.empty()) errno = ENOENT;
   if (name.empty() || unlink(PluginPath(name).c_str()) != 0) {
-    Report("Delete Plugin");
+    ReportSystemError("Delete Plugin");
     return 0;
   }
   EnsureList();
@@ -317,32 +309,6 @@ int DropPlugin(const GromlitPlugin* killpin, const char* fname) {
     break;
   }
   return 1;
-}
-
-// --- Menu and memory of offers ----------------------------------------------------------------
-
-std::vector<PluginPage> PluginMenuPages() {
-  EnsureList();
-  std::vector<GromlitPlugin*> all;
-  for (const auto* node = allPlugins; node->plugin != nullptr; node = node->next)
-    all.push_back(node->plugin);
-  std::vector<PluginPage> pages;
-  for (size_t first = 0; first < all.size();) {
-    const size_t left = all.size() - first;
-    const bool more = left > kPageItems;
-    const size_t n = more ? kPageItems - 1 : left;
-    const auto begin = all.begin() + static_cast<std::ptrdiff_t>(first);
-    pages.push_back({more, {begin, begin + static_cast<std::ptrdiff_t>(n)}});
-    first += n;
-  }
-  return pages;
-}
-
-int RememberClass(const char* classname) {
-  for (const auto* node = RememberFindNewList; node != nullptr; node = node->next)
-    if (StrCmp(node->classname, classname) == 0) return 1;
-  RememberFindNewList = new RememberFindNew{StrDup(classname), 0, RememberFindNewList};
-  return 0;
 }
 
 }  // namespace gromlit

@@ -1,8 +1,6 @@
 // Plug-in files: GromlitPath/plugins/CLASS.sla, the list of all plug-ins and the look-up by class.
 #pragma once
 
-#include <vector>
-
 #include "core/gromlit.h"
 
 namespace gromlit {
@@ -75,26 +73,5 @@ GromlitPlugin* GetDefaultPlugin();
 // one. The record stays allocated. Returns 1; 0 after reporting "Delete Plugin" with the system
 // error, which is left in errno, the list as it was.
 int DropPlugin(const GromlitPlugin* killpin, const char* fname);
-
-// One menu of the chain that lists all plug-ins. Every page but the last begins with an item that
-// leads to the next page, so it holds 19 plug-ins; the last holds up to 20.
-struct PluginPage {
-  bool more;  // begins with the item that leads to the next page
-  std::vector<GromlitPlugin*> plugins;
-};
-
-// allPlugins split into the pages of the plug-ins menu, in list order; empty when there are none.
-std::vector<PluginPage> PluginMenuPages();
-
-// The memory behind the offer to make a plug-in for an unknown class: made once per class and run.
-struct RememberFindNew {
-  char* classname;  // heap
-  int prompt;       // never used
-  RememberFindNew* next;
-};
-extern RememberFindNew* RememberFindNewList;
-
-// 1 when the class was already remembered in this run; else remembers it and returns 0.
-int RememberClass(const char* classname);
 
 }  // namespace gromlit

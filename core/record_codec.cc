@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "core/record_layout.h"
+#include "core/option_fields.h"
 #include "core/strings.h"
 
 namespace gromlit {
@@ -182,36 +182,36 @@ void EncodePlugin(const GromlitPlugin& plugin, std::span<std::byte> image) {
 }
 
 void DecodeOptions(std::span<const std::byte> image, GromlitUserOptions* options) {
-  namespace at = options_layout;
-  options->button = GetI32(image, at::kButton.offset);
-  options->sensitivity = GetI32(image, at::kSensitivity.offset);
-  options->tolerance = GetI32(image, at::kTolerance.offset);
-  options->splash = GetI32(image, at::kSplash.offset);
-  options->showactions = GetI32(image, at::kShowactions.offset);
-  options->temp1 = GetI32(image, at::kTemp1.offset);
-  options->temp2 = GetI32(image, at::kTemp2.offset);
-  options->temp3 = GetI32(image, at::kTemp3.offset);
-  options->temp4 = GetI32(image, at::kTemp4.offset);
-  GetText(image, at::kUrlcmd, options->urlcmd);
-  GetText(image, at::kSndcmd, options->sndcmd);
-  GetRaw(image, at::kCharspare2, options->charspare2);
+  for (const OptionField& field : kOptionFields) {
+    switch (field.kind) {
+      case OptionKind::kNumber:
+        OptionNumber(options, field) = GetI32(image, field.at.offset);
+        break;
+      case OptionKind::kText:
+        GetText(image, field.at, OptionBytes(options, field));
+        break;
+      case OptionKind::kRaw:
+        GetRaw(image, field.at, OptionBytes(options, field).data());
+        break;
+    }
+  }
 }
 
 void EncodeOptions(const GromlitUserOptions& options, std::span<std::byte> image) {
-  namespace at = options_layout;
   Clear(image);
-  PutI32(image, at::kButton.offset, options.button);
-  PutI32(image, at::kSensitivity.offset, options.sensitivity);
-  PutI32(image, at::kTolerance.offset, options.tolerance);
-  PutI32(image, at::kSplash.offset, options.splash);
-  PutI32(image, at::kShowactions.offset, options.showactions);
-  PutI32(image, at::kTemp1.offset, options.temp1);
-  PutI32(image, at::kTemp2.offset, options.temp2);
-  PutI32(image, at::kTemp3.offset, options.temp3);
-  PutI32(image, at::kTemp4.offset, options.temp4);
-  PutText(image, at::kUrlcmd, options.urlcmd);
-  PutText(image, at::kSndcmd, options.sndcmd);
-  PutRaw(image, at::kCharspare2, options.charspare2);
+  for (const OptionField& field : kOptionFields) {
+    switch (field.kind) {
+      case OptionKind::kNumber:
+        PutI32(image, field.at.offset, OptionNumber(options, field));
+        break;
+      case OptionKind::kText:
+        PutText(image, field.at, OptionBytes(options, field));
+        break;
+      case OptionKind::kRaw:
+        PutRaw(image, field.at, OptionBytes(options, field).data());
+        break;
+    }
+  }
 }
 
 }  // namespace gromlit

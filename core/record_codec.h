@@ -12,16 +12,9 @@
 
 #include "core/bytes.h"
 #include "core/gromlit.h"
+#include "core/record_layout.h"
 
 namespace gromlit {
-
-inline constexpr size_t kHeaderSize = 13;  // every file begins with one, without a NUL
-
-inline constexpr size_t kSymbolImageSize = 428;
-inline constexpr size_t kCmdImageSize = 56;
-inline constexpr size_t kActionImageSize = 1012;
-inline constexpr size_t kPluginImageSize = 1164;
-inline constexpr size_t kOptionsImageSize = 292;
 
 // True when the file begins with this header. REQUIRES: header.size() == kHeaderSize.
 bool HasHeader(std::span<const std::byte> file, std::string_view header);

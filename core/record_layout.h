@@ -1,4 +1,5 @@
-// Where each field lies in the stored image of its record.
+// Where each field lies in the stored image of its record (those of the options:
+// core/option_fields.h).
 //
 // These constants are the one description of the formats: the encoder and the decoder use them, and
 // the assertions below hold every published offset. All integers are little-endian. "Gap" bytes
@@ -16,9 +17,16 @@
 
 #include "core/bytes.h"
 #include "core/gromlit.h"
-#include "core/record_codec.h"
 
 namespace gromlit {
+
+inline constexpr size_t kHeaderSize = 13;  // every file begins with one, without a NUL
+
+inline constexpr size_t kSymbolImageSize = 428;
+inline constexpr size_t kCmdImageSize = 56;
+inline constexpr size_t kActionImageSize = 1012;
+inline constexpr size_t kPluginImageSize = 1164;
+inline constexpr size_t kOptionsImageSize = 292;
 
 namespace symbol_layout {
 inline constexpr Field kName{0, kNameSize};
@@ -107,29 +115,5 @@ static_assert(kChars7.end() == kChars8.offset && kChars8.end() == kNactions.offs
 static_assert(kNactions.end() == kGap.offset && kGap.end() == kActionSlots.offset);
 static_assert(kActionSlots.end() == kPluginImageSize);
 }  // namespace plugin_layout
-
-namespace options_layout {
-inline constexpr Field kButton{0, 4};
-inline constexpr Field kSensitivity{4, 4};
-inline constexpr Field kTolerance{8, 4};
-inline constexpr Field kSplash{12, 4};
-inline constexpr Field kShowactions{16, 4};
-inline constexpr Field kTemp1{20, 4};
-inline constexpr Field kTemp2{24, 4};
-inline constexpr Field kTemp3{28, 4};
-inline constexpr Field kTemp4{32, 4};
-inline constexpr Field kUrlcmd{36, kUrlCmdSize};
-inline constexpr Field kSndcmd{164, kTextSize};
-inline constexpr Field kCharspare2{228, kTextSize};
-
-static_assert(kButton.offset == 13 - kHeaderSize && kSensitivity.offset == 17 - kHeaderSize);
-static_assert(kTolerance.offset == 21 - kHeaderSize && kSplash.offset == 25 - kHeaderSize);
-static_assert(kShowactions.offset == 29 - kHeaderSize && kTemp1.offset == 33 - kHeaderSize);
-static_assert(kTemp1.end() == kTemp2.offset && kTemp2.end() == kTemp3.offset);
-static_assert(kTemp3.end() == kTemp4.offset && kTemp4.end() == kUrlcmd.offset);
-static_assert(kUrlcmd.offset == 49 - kHeaderSize && kSndcmd.offset == 177 - kHeaderSize);
-static_assert(kCharspare2.offset == 241 - kHeaderSize);
-static_assert(kCharspare2.end() == kOptionsImageSize);
-}  // namespace options_layout
 
 }  // namespace gromlit

@@ -5,8 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -14,6 +12,7 @@
 
 #include "core/files.h"
 #include "core/record_codec.h"
+#include "core/report.h"
 #include "core/retired.h"
 #include "core/strings.h"
 
@@ -30,13 +29,6 @@ static_assert(kFileSize == 441);
 
 std::string SymbolPath(const char* fname, const char* ext) {
   return DataPath(symbolDirectory, fname) + ext;
-}
-
-// Reports the error of errno and leaves it there for the caller; perror alone may change it.
-void Report(const char* prefix) {
-  const int reason = errno;
-  std::perror(prefix);
-  errno = reason;
 }
 
 // A list that was never loaded is an empty one.
@@ -60,7 +52,7 @@ GromlitSymbol* UnLoadSymbol(GromlitSymbol* sym, const char* fname, const char* e
   PutHeader(file, GromlitSymbolFileHeaderString);
   EncodeSymbol(*sym, std::span(file).subspan(kHeaderSize));
   if (SaveFile(SymbolPath(fname, ext).c_str(), file)) return sym;
-  Report("Save Symbol");
+  ReportSystemError("Save Symbol");
   return nullptr;
 }
 
@@ -127,7 +119,7 @@ int DropSymbol(const GromlitSymbol* sym, const char* fname) {
   // the installation directory first.
   const std::string path = std::string(symbolDirectory) + "/" + fname + GromlitSymbolFileExt;
   if (unlink(path.c_str()) != 0) {
-    Report("Remove Symbol");
+    ReportSystemError("Remove Symbol");
     return 0;
   }
   EnsureList();

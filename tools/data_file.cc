@@ -7,6 +7,7 @@
 #include <span>
 
 #include "core/files.h"
+#include "core/option_fields.h"
 #include "core/option_files.h"
 #include "core/plugin_image.h"
 #include "core/record_codec.h"
@@ -37,8 +38,8 @@ void ReportSymbol(Bytes image, const std::string& where, Damage* damage) {
 }
 
 void ReportOptions(Bytes image, Damage* damage) {
-  ReportCutText(image, options_layout::kUrlcmd, "urlcmd", damage);
-  ReportCutText(image, options_layout::kSndcmd, "sndcmd", damage);
+  for (const OptionField& field : kOptionFields)
+    if (field.kind == OptionKind::kText) ReportCutText(image, field.at, field.name, damage);
 }
 
 // Looks again at what the decoder has read: the cut texts, and the counts that the complete actions

@@ -8,14 +8,13 @@
 #include <span>
 #include <type_traits>
 
+#include "core/command_types.h"
+#include "core/option_fields.h"
 #include "core/strings.h"
 #include "recognition/symbol_icon.h"
 
 namespace gromlit {
 namespace {
-
-// Names of the command types, by value; the same words label the tabs of the action editor.
-constexpr const char* kTypeNames[] = {"HotKey", "Menu", "Text", "Sound", "Run", "Internet"};
 
 // The reserved text fields chars1..chars8 of a plug-in, in order.
 template <typename Plugin>
@@ -60,8 +59,8 @@ void PutSymbol(const GromlitSymbol& sym, Json* out) {
 
 Json CommandObject(const GromlitCmd& cmd) {
   Json out = Json::object();
-  if (cmd.type < std::size(kTypeNames)) {
-    out["type"] = kTypeNames[cmd.type];
+  if (const CommandTypeInfo* type = CommandTypeOf(cmd.type)) {
+    out["type"] = type->name;
   } else {
     out["type"] = cmd.type;
   }
@@ -230,10 +229,9 @@ void ReadSymbol(ObjectReader* in, GromlitSymbol* sym) {
 uint8_t ReadType(const Json& type, const std::string& where) {
   if (type.is_number()) return ObjectReader::ToNumber<uint8_t>(type, where);
   const std::string name = ObjectReader::ToBytes(type, where);
-  const auto* found = std::find(std::begin(kTypeNames), std::end(kTypeNames), name);
-  if (found == std::end(kTypeNames))
-    Fail(where, Json(type).dump() + " is no command type and no number 0..255");
-  return static_cast<uint8_t>(found - std::begin(kTypeNames));
+  for (const CommandTypeInfo& known : kCommandTypes)
+    if (name == known.name) return known.type;
+  Fail(where, type.dump() + " is no command type and no number 0..255");
 }
 
 void ReadCommand(const Json& object, const std::string& where, GromlitCmd* cmd) {
@@ -313,18 +311,20 @@ Json PluginDocument(const GromlitPlugin& plugin) {
 Json OptionsDocument(const GromlitUserOptions& options) {
   Json out = Json::object();
   out["kind"] = "options";
-  out["button"] = options.button;
-  out["sensitivity"] = options.sensitivity;
-  out["tolerance"] = options.tolerance;
-  out["splash"] = options.splash;
-  out["showactions"] = options.showactions;
-  out["temp1"] = options.temp1;
-  out["temp2"] = options.temp2;
-  out["temp3"] = options.temp3;
-  out["temp4"] = options.temp4;
-  out["urlcmd"] = NameText(options.urlcmd);
-  out["sndcmd"] = NameText(options.sndcmd);
-  out["charspare2"] = RawText(options.charspare2);
+  for (const OptionField& field : kOptionFields) {
+    Json& value = out[field.name];
+    switch (field.kind) {
+      case OptionKind::kNumber:
+        value = OptionNumber(options, field);
+        break;
+      case OptionKind::kText:
+        value = NameText(OptionBytes(options, field));
+        break;
+      case OptionKind::kRaw:
+        value = RawText(OptionBytes(options, field));
+        break;
+    }
+  }
   return out;
 }
 
@@ -362,18 +362,19 @@ void ReadPluginDocument(const Json& document, GromlitPlugin* plugin) {
 void ReadOptionsDocument(const Json& document, GromlitUserOptions* options) {
   ObjectReader in(document, "");
   in.Find("kind");
-  in.Number("button", &options->button);
-  in.Number("sensitivity", &options->sensitivity);
-  in.Number("tolerance", &options->tolerance);
-  in.Number("splash", &options->splash);
-  in.Number("showactions", &options->showactions);
-  in.Number("temp1", &options->temp1);
-  in.Number("temp2", &options->temp2);
-  in.Number("temp3", &options->temp3);
-  in.Number("temp4", &options->temp4);
-  in.Name("urlcmd", options->urlcmd);
-  in.Name("sndcmd", options->sndcmd);
-  in.Raw("charspare2", options->charspare2);
+  for (const OptionField& field : kOptionFields) {
+    switch (field.kind) {
+      case OptionKind::kNumber:
+        in.Number(field.name, &OptionNumber(options, field));
+        break;
+      case OptionKind::kText:
+        in.Name(field.name, OptionBytes(options, field));
+        break;
+      case OptionKind::kRaw:
+        in.Raw(field.name, OptionBytes(options, field));
+        break;
+    }
+  }
   in.NoOtherKeys();
 }
 

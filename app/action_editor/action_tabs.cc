@@ -5,9 +5,9 @@
 #include <iterator>
 #include <memory>
 
-#include "actions/execute.h"
 #include "actions/keystrokes.h"
 #include "app/action_editor/command_list.h"
+#include "core/command_types.h"
 #include "core/strings.h"
 #include "display/display.h"
 #include "toolkit/bevel.h"
@@ -80,14 +80,20 @@ bool IsModifier(KeySym key) {
 }  // namespace
 
 XTabBar* MakeActionTabBar(Window parent, int x, int y, int width, int height) {
-  constexpr TabAction kActions[] = {tabHotKey, tabMenu, tabText, tabSound, tabRun, tabWebsite};
-  constexpr size_t kTabs = std::size(kActions);
+  // What shows the tab of each type; the tabs stand in the order of the types.
+  constexpr struct {
+    CommandType type;
+    TabAction show;
+  } kTabs[] = {{kHotKey, tabHotKey}, {kMenu, tabMenu}, {kText, tabText},
+               {kSound, tabSound},   {kRun, tabRun},   {kInternet, tabWebsite}};
+  static_assert(std::size(kTabs) == kCommandTypeCount);
 
   auto* tab = new ActionTab{};
-  const std::unique_ptr<XTabItem*[]> items(MakeTabItemArray(static_cast<int>(kTabs)));
-  for (size_t i = 0; i < kTabs; i++) items[i] = MakeTabItem(tabcmdNames[i], kActions[i], tab);
+  const std::unique_ptr<XTabItem*[]> items(MakeTabItemArray(kCommandTypeCount));
+  for (const auto& [type, show] : kTabs)
+    items[type] = MakeTabItem(kCommandTypes[type].name, show, tab);
   XTabBar* tbar =
-      MakeTabBar(parent, x, y, width, height, labelFontinfo, items.get(), static_cast<int>(kTabs));
+      MakeTabBar(parent, x, y, width, height, labelFontinfo, items.get(), kCommandTypeCount);
   tbar->owner = tab;
   tab->tbar = tbar;
 

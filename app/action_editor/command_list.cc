@@ -7,16 +7,15 @@
 #include <string>
 #include <utility>
 
-#include "actions/execute.h"
 #include "actions/keystrokes.h"
 #include "app/windows/dialogs.h"
+#include "core/command_types.h"
 #include "core/strings.h"
 
 namespace gromlit {
 namespace {
 
 constexpr int kShownText = 20;  // bytes of a command's text in the list, with "..." and NUL
-constexpr int kTypes = kInternet + 1;
 
 int Count() {
   return static_cast<int>(act->action.ncmds);
@@ -113,7 +112,8 @@ void ShowFull() {
 char* CommandLine(const GromlitCmd& command) {
   char keys[kKeyStrokeText];
   char* cut = nullptr;
-  std::string line = command.type < kTypes ? tabcmdTypeNames[command.type] : "Unknown: ";
+  const CommandTypeInfo* type = CommandTypeOf(command.type);
+  std::string line = type != nullptr ? type->prefix : "Unknown: ";
   if (command.type == kHotKey) {
     line += KeyStrokeToString(keys, command.keycode[0], command.keystate[0]);
   } else {
@@ -158,7 +158,7 @@ void ActionEditorUpdateCommand(int n, int ntype, const char* cmdstr, int keycode
     SetText(command, cmdstr != nullptr ? cmdstr : "");
   }
   if (ntype == kMenu) SetMenuKeys(command);
-  if (ntype == kText || ntype == kInternet) command->checked = static_cast<uint8_t>(checkbox);
+  if (HasCheckBox(ntype)) command->checked = static_cast<uint8_t>(checkbox);
   SetLine(n);
   ShowCount();
 }
@@ -184,14 +184,14 @@ void actCommandSelect(ActionEditor* editor) {
   ActionTab* tab = TabsOf(editor->tbar);
   SetActionCommandSelected(editor->lst, n);
   // A command of a type that has no tab keeps the tab that is there.
-  if (command.type < kTypes) editor->tbar->selected = command.type;
+  if (CommandTypeOf(command.type) != nullptr) editor->tbar->selected = command.type;
   TextEditorInit(tab->ed, TextOf(command));
   if (command.type == kHotKey) {
     tab->ed->keycode = command.keycode[0];
     tab->ed->keystate = command.keystate[0];
   }
   DrawTextEditor(tab->ed);
-  if (command.type == kText || command.type == kInternet) {
+  if (HasCheckBox(command.type)) {
     tab->checkbox->state = command.checked != 0 ? 1 : 0;
     DrawCheckBox(tab->checkbox);
   }

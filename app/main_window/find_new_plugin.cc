@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "core/plugin_files.h"
+#include "core/offer_memory.h"
 #include "core/strings.h"
 #include "toolkit/dialog.h"
 

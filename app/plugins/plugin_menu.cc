@@ -7,6 +7,7 @@
 #include "app/plugins/plugin_view.h"
 #include "app/windows/dialogs.h"
 #include "core/plugin_files.h"
+#include "core/plugin_pages.h"
 #include "display/display.h"
 #include "toolkit/menu.h"
 #include "toolkit/pulldown_button.h"

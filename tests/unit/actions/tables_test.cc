@@ -1,30 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
-#include "actions/execute.h"
 #include "actions/keystrokes.h"
 
 namespace gromlit {
 namespace {
-
-std::vector<std::string> Entries(const char* const* names) {
-  std::vector<std::string> entries;
-  for (; *names != nullptr; names++) entries.emplace_back(*names);
-  return entries;
-}
-
-TEST(CommandTypes, TabLabelsInTheOrderOfTheirValues) {
-  EXPECT_EQ(Entries(tabcmdNames),
-            (std::vector<std::string>{"HotKey", "Menu", "Text", "Sound", "Run", "Internet"}));
-}
-
-TEST(CommandTypes, ListPrefixesInTheOrderOfTheirValues) {
-  EXPECT_EQ(
-      Entries(tabcmdTypeNames),
-      (std::vector<std::string>{"HotKey: ", "Menu: ", "Text: ", "Sound: ", "Run: ", "Internet: "}));
-}
 
 // The tables are filled by hand here: no keyboard is needed to look something up.
 class CharToKeycodeTest : public ::testing::Test {

@@ -10,6 +10,8 @@
 #include <vector>
 
 #include "core/files.h"
+#include "core/offer_memory.h"
+#include "core/plugin_pages.h"
 #include "core/retired.h"
 #include "core/strings.h"
 #include "tests/support/temp_install.h"

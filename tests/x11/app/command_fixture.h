@@ -19,6 +19,7 @@
 #include "app/symbols/symbol_dialog.h"
 #include "app/symbols/symbol_editor.h"
 #include "app/windows/dialogs.h"
+#include "core/offer_memory.h"
 #include "core/option_files.h"
 #include "toolkit/menu_bar.h"
 
