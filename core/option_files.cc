@@ -69,7 +69,7 @@ bool Chosen(const GromlitUserOptions* usr, Behaviour bit) {
   return (usr->temp2 & bit) != 0;
 }
 
-Matching MatchingOf(const GromlitUserOptions* usr) {
+MatchingWay MatchingWayOf(const GromlitUserOptions* usr) {
   return usr->temp3 == kByShape ? kByShape : kBySignature;
 }
 

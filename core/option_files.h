@@ -48,11 +48,11 @@ enum Behaviour : int32_t {
 bool Chosen(const GromlitUserOptions* usr, Behaviour bit);
 
 // `temp3`: how a stroke is compared with symbols.
-enum Matching : int32_t {
+enum MatchingWay : int32_t {
   kBySignature = 0,
   kByShape = 1,
 };
-Matching MatchingOf(const GromlitUserOptions* usr);
+MatchingWay MatchingWayOf(const GromlitUserOptions* usr);
 
 // `temp4`: how windows answer to hands.
 enum WindowManners : int32_t {

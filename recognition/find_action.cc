@@ -15,7 +15,7 @@ int FindBySignature(const GromlitPlugin* pin, const Stroke& stroke) {
 }  // namespace
 
 Matching MatchingOf(const GromlitUserOptions& options) {
-  return {options.temp3, options.tolerance};
+  return {MatchingWayOf(&options), options.tolerance};
 }
 
 int FindAction(const GromlitPlugin* pin, const Stroke& stroke, const Matching& how) {

@@ -5,15 +5,10 @@
 #include <cstdint>
 
 #include "core/gromlit.h"
+#include "core/option_files.h"
 #include "recognition/stroke.h"
 
 namespace gromlit {
-
-// Ways of telling strokes apart; the values are stored in files.
-enum MatchingWay : int32_t {
-  kBySignature = 0,
-  kByShape = 1,
-};
 
 // The matching options.
 struct Matching {

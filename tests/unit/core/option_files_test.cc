@@ -189,7 +189,7 @@ TEST(OptionChoices, NothingIsChosenByDefault) {
   GromlitUserOptions options{};
   DefaultUserOptions(&options);
   EXPECT_EQ(DeliveryOf(&options), kSentEvents);
-  EXPECT_EQ(MatchingOf(&options), kBySignature);
+  EXPECT_EQ(MatchingWayOf(&options), kBySignature);
   EXPECT_EQ(MannersOf(&options), kPlainManners);
   for (const Behaviour bit :
        {kDrawWithLocks, kFallBack, kActivateFirst, kOpenDirectly, kNameWhileDrawing})
@@ -201,7 +201,7 @@ TEST(OptionChoices, UnknownValuesActAsZero) {
     GromlitUserOptions options{};
     options.temp1 = options.temp3 = options.temp4 = value;
     EXPECT_EQ(DeliveryOf(&options), kSentEvents) << value;
-    EXPECT_EQ(MatchingOf(&options), kBySignature) << value;
+    EXPECT_EQ(MatchingWayOf(&options), kBySignature) << value;
     EXPECT_EQ(MannersOf(&options), kPlainManners) << value;
   }
 }
@@ -211,7 +211,7 @@ TEST(OptionChoices, BitsAreLookedAtOneByOne) {
   options.temp1 = options.temp3 = options.temp4 = 1;
   options.temp2 = kFallBack | kOpenDirectly | 32 | INT32_MIN;
   EXPECT_EQ(DeliveryOf(&options), kRealInput);
-  EXPECT_EQ(MatchingOf(&options), kByShape);
+  EXPECT_EQ(MatchingWayOf(&options), kByShape);
   EXPECT_EQ(MannersOf(&options), kModernManners);
   EXPECT_TRUE(Chosen(&options, kFallBack));
   EXPECT_TRUE(Chosen(&options, kOpenDirectly));
