@@ -45,8 +45,9 @@ XMenu* MenuBelow(const XMenuBar* bar, int y) {
 
 // Whether buttons besides the one released are down.
 bool OthersDown(const XButtonEvent& release) {
-  constexpr unsigned kButtons = Button1Mask | Button2Mask | Button3Mask | Button4Mask | Button5Mask;
-  const unsigned own = release.button >= Button1 && release.button <= Button5
+  // Of the others no release comes here.
+  constexpr unsigned kButtons = Button1Mask | Button2Mask | Button3Mask;
+  const unsigned own = release.button >= Button1 && release.button <= kLastPressingButton
                            ? unsigned{Button1Mask} << (release.button - 1)
                            : 0U;
   return (release.state & kButtons & ~own) != 0;

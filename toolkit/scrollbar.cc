@@ -59,7 +59,8 @@ bool ReleaseHasArrived(const XScrollbar* sb) {
   const auto look = [](Display*, XEvent* event, XPointer arg) {
     auto* wanted = reinterpret_cast<Search*>(arg);
     const XButtonEvent& button = event->xbutton;
-    if ((event->type == ButtonRelease && button.window == wanted->window) ||
+    if ((event->type == ButtonRelease && button.window == wanted->window &&
+         button.button <= kLastPressingButton) ||
         (event->type == ButtonPress && button.window == root)) {
       wanted->found = true;
     }

@@ -30,6 +30,13 @@ WindowObj* EntryAt(int i) {
   return &MoreBlocks()[static_cast<size_t>(i / kWindowObjects) - 1][i % kWindowObjects];
 }
 
+// Whether an event is of a button that presses nothing. The root window's are left alone: one of
+// these may be the button that draws, whose press has to be answered.
+bool IsNotch(const XEvent& event) {
+  return (event.type == ButtonPress || event.type == ButtonRelease) &&
+         event.xbutton.button > kLastPressingButton && event.xbutton.window != root;
+}
+
 int TableSize() {
   return kWindowObjects * (1 + static_cast<int>(MoreBlocks().size()));
 }
@@ -97,6 +104,7 @@ void DispatchEvent(XEvent* event) {
   if (event->type < kFirstEvent || event->type > kLastEvent) {
     std::printf("Unknown event type %d\n", event->type);
   } else {
+    if (IsNotch(*event)) return;
     const WindowObj* entry = FindWindowObj(event->xany.window);
     handler = entry != nullptr ? entry->eh[event->type] : NoHandler;
     owner = entry != nullptr ? entry->obj : nullptr;

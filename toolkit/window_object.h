@@ -20,6 +20,11 @@ inline constexpr int kEventTypes = 35;      // slots 0 and 1 are never used
 inline constexpr int kFirstEvent = KeyPress;
 inline constexpr int kLastEvent = MappingNotify;
 
+// Buttons 1, 2 and 3 press; what is above are the notches of a wheel, which come as a press and a
+// release each, and the buttons at the side of a mouse. A hand that turns the wheel means nothing
+// that lies under the pointer.
+inline constexpr unsigned kLastPressingButton = Button3;
+
 using EventHandler = void (*)(void* obj, XEvent* event);
 
 struct WindowObj {
@@ -58,7 +63,9 @@ WindowObj* FindWindowObj(Window window);
 
 // Hands an event to its entry's handler, and lets Xlib know of a changed keyboard mapping first
 // (one round trip). An event of a type outside 2..34 prints "Unknown event type N" on standard
-// output and goes to the handler and owner of the event before it.
+// output and goes to the handler and owner of the event before it. Presses and releases of buttons
+// above kLastPressingButton are dropped here, for every window but the root: the owners need not
+// ask, and no release of one ends what another button began.
 void DispatchEvent(XEvent* event);
 
 // The handler of every slot that was not set: nothing.

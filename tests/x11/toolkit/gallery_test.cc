@@ -74,6 +74,76 @@ TEST_F(GalleryTest, TheWidgetsAnswerTheMouse) {
   EXPECT_EQ(ClickAt(347, 564, 3), "Scrollbar: offset 3") << "one step of the down arrow";
 }
 
+// Every widget, every few pixels, and the menus, fields and dialogs that are open.
+TEST_F(GalleryTest, TheWheelPressesNothing) {
+  const auto sweep = [this](const std::function<void(int x, int y)>& at) {
+    for (int y = 5; y < kGalleryHeight && !HasFailure(); y += 11) {
+      for (int x = 5; x < kGalleryWidth && !HasFailure(); x += 13) {
+        player->MoveTo(x, y);
+        at(x, y);
+        Pump();
+      }
+    }
+    player->MoveTo(1, kGalleryHeight + 20);
+    Pump();
+    return testing::TakeScreen(*player, 0, 0, kGalleryWidth, kGalleryHeight);
+  };
+  // Fields answer the pointer alone.
+  const testing::Picture before = sweep([](int, int) {});
+  const int ncalls = gallery->ncalls;
+  const testing::Picture after = sweep([&](int x, int y) {
+    for (const int button : {4, 5, 6}) player->Click(button);
+    Pump();
+    EXPECT_EQ(gallery->ncalls, ncalls) << gallery->status << " at " << x << ", " << y;
+    EXPECT_FALSE(MenuHoldsPointer()) << x << ", " << y;
+  });
+  EXPECT_TRUE(after == before);
+  EXPECT_TRUE(player->CanGrabPointer());
+}
+
+// Neither does it end what another button has begun.
+TEST_F(GalleryTest, TheWheelEndsNothingThatAButtonHolds) {
+  player->MoveTo(40, 74);  // a push button
+  player->Press(1);
+  Pump();
+  player->Click(4);
+  Pump();
+  player->Release(1);
+  Pump();
+  EXPECT_STREQ(gallery->status, "Button: Active");
+
+  player->MoveTo(20, 14);  // a menu of the bar
+  player->Press(1);
+  Pump();
+  player->MoveTo(30, 38);
+  Pump();
+  const int ncalls = gallery->ncalls;
+  player->Press(5);
+  Pump();
+  player->Release(5);
+  Pump();
+  EXPECT_EQ(gallery->ncalls, ncalls) << gallery->status;
+  // The other order of the two releases.
+  player->Press(4);
+  Pump();
+  player->Release(1);
+  Pump();
+  EXPECT_STREQ(gallery->status, "Menu: New");
+  player->Release(4);
+  Pump();
+
+  player->MoveTo(84, 104);  // a pulldown's menu, which has the pointer
+  player->Press(1);
+  Pump();
+  ASSERT_TRUE(MenuHoldsPointer());
+  player->Click(5);
+  Pump();
+  EXPECT_TRUE(MenuHoldsPointer());
+  player->Release(1);
+  Pump();
+  EXPECT_FALSE(MenuHoldsPointer());
+}
+
 TEST_F(GalleryTest, AMenuOfTheBarIsChosenFromWithTheButtonHeld) {
   player->MoveTo(20, 14);
   player->Press(1);

@@ -8,6 +8,7 @@
 #include <set>
 #include <vector>
 
+#include "display/display.h"
 #include "tests/x11/toolkit/request_cost.h"
 #include "toolkit/child_window.h"
 
@@ -100,6 +101,41 @@ TEST_F(WindowObjectTest, EveryTypeReachesItsOwnHandlerWithTheOwner) {
     EXPECT_EQ(seen.back(), (std::pair<void*, int>(&probe, type)));
     SetHandler(entry, type, [](void*, XEvent*) { ADD_FAILURE() << "another type's handler"; });
   }
+}
+
+// A notch of the wheel is a press and a release of a button above the third.
+TEST_F(WindowObjectTest, OnlyTheFirstThreeButtonsReachAWindow) {
+  Probe probe{};
+  const Window window = Fresh();
+  probe.wobj = AllocWindowObj(window, &probe);
+  On<ButtonPress, NoteEvent>(&probe);
+  On<ButtonRelease, NoteEvent>(&probe);
+  int expected = 0;
+  for (const int type : {ButtonPress, ButtonRelease}) {
+    for (unsigned button = 1; button <= 20; button++) {
+      XEvent event = EventFor(window, type);
+      event.xbutton.button = button;
+      DispatchEvent(&event);
+      if (button <= 3) expected++;
+      EXPECT_EQ(probe.calls, expected) << button;
+    }
+  }
+}
+
+// One of them may be the button that draws.
+TEST_F(WindowObjectTest, EveryButtonReachesTheRootWindow) {
+  Probe probe{};
+  const Window former = root;
+  root = Fresh();
+  probe.wobj = AllocWindowObj(root, &probe);
+  On<ButtonPress, NoteEvent>(&probe);
+  for (unsigned button = 1; button <= 5; button++) {
+    XEvent event = EventFor(root, ButtonPress);
+    event.xbutton.button = button;
+    DispatchEvent(&event);
+    EXPECT_EQ(probe.calls, static_cast<int>(button));
+  }
+  root = former;
 }
 
 TEST_F(WindowObjectTest, AHandlerCanBeReplaced) {
