@@ -21,7 +21,9 @@ constexpr int kTroughX = 2;        // left edge of arrows, trough and thumb
 constexpr int kTroughWidth = 11;   // their width
 constexpr int kFirstWaits = 25;    // waits before a held button repeats
 constexpr int kFirstWait = 10000;  // microseconds of each
-constexpr int kRepeatWait = 30;    // microseconds; shrinks by one with every repeat
+constexpr int kStepWait = 20000;   // microseconds from one step of a held arrow to the next
+constexpr int kPageWait = 100000;  // and of a held trough: it is read what passes by
+constexpr int kDragWait = 10000;   // microseconds between two looks at a pointer that stands still
 
 int Track(const XScrollbar* sb) {
   return std::max(sb->height - 2 * kTrackStart, 0);
@@ -47,28 +49,32 @@ void MoveThumb(XScrollbar* sb, int64_t by) {
   UpdateScrollbar(sb);
 }
 
-// Whether the press that is being handled is over, as far as the events tell that have arrived: its
-// release is among them, or a later press that the draw button's grab holds back. While that one
-// waits the pointer is frozen with the button down, for everybody and until it is answered, which
-// nobody does while the scrollbar waits for the button to come up.
-bool ReleaseHasArrived(const XScrollbar* sb) {
-  struct Search {
-    Window window;
-    bool found;
-  } search{sb->window, false};
+// What the events that have arrived say of the press that is being handled.
+struct Ending {
+  Window window;  // the scrollbar's
+  bool over;      // its release is there, or a later press that the draw button's grab holds back
+  bool released;  // its release is there, at y
+  int y;
+};
+
+// While a press is held back the pointer is frozen with the button down, for everybody and until it
+// is answered, which nobody does while the scrollbar waits for the button to come up.
+Ending EndingOfPress(const XScrollbar* sb) {
+  Ending ending{sb->window, false, false, 0};
   const auto look = [](Display*, XEvent* event, XPointer arg) {
-    auto* wanted = reinterpret_cast<Search*>(arg);
+    auto* found = reinterpret_cast<Ending*>(arg);
     const XButtonEvent& button = event->xbutton;
-    if ((event->type == ButtonRelease && button.window == wanted->window &&
-         button.button <= kLastPressingButton) ||
-        (event->type == ButtonPress && button.window == root)) {
-      wanted->found = true;
+    if (event->type == ButtonRelease && button.window == found->window &&
+        button.button <= kLastPressingButton && !found->released) {
+      found->over = found->released = true;
+      found->y = button.y;
     }
+    if (event->type == ButtonPress && button.window == root) found->over = true;
     return False;  // every event stays where it is
   };
   XEvent event;
-  XCheckIfEvent(dpy, &event, look, reinterpret_cast<XPointer>(&search));
-  return search.found;
+  XCheckIfEvent(dpy, &event, look, reinterpret_cast<XPointer>(&ending));
+  return ending;
 }
 
 // Whether button 1 is down since the press that is being handled, and where the pointer is in the
@@ -84,39 +90,44 @@ bool Held(const XScrollbar* sb, int* y) {
   if (XQueryPointer(dpy, sb->window, &rootwin, &childwin, &rootx, &rooty, &x, y, &state) == 0) {
     return false;
   }
-  return (state & Button1Mask) != 0 && !ReleaseHasArrived(sb);
+  return (state & Button1Mask) != 0 && !EndingOfPress(sb).over;
 }
 
-void Repeat(XScrollbar* sb, int64_t step) {
+void Repeat(XScrollbar* sb, int64_t step, int wait) {
   int y;
   MoveThumb(sb, step);
   for (int i = 0; i < kFirstWaits; i++) {
     if (!Held(sb, &y)) return;
     ScrollWait(kFirstWait);
   }
-  int wait = kRepeatWait;
+  // As fast as the server answers it would be at the end before the hand can let go, and keep a
+  // processor busy.
   while (Held(sb, &y)) {
     MoveThumb(sb, step);
     ScrollWait(wait);
-    if (wait > 0) wait--;
   }
 }
 
 void Drag(XScrollbar* sb, int pressed) {
+  // Always from where it was taken hold of, never from the step before: a pointer that went beyond
+  // an end and comes back would find the thumb in another place, and one that is quick would leave
+  // it behind.
+  const int taken = sb->pos;
   int last = pressed;
-  const int upper = pressed - sb->pos;
-  const int lower = sb->height - sb->pos - sb->size + pressed - kTrackStart;
+  const auto follow = [&](int y) {
+    if (y == last) return false;
+    last = y;
+    sb->pos = std::clamp(taken + (y - pressed), 0, Track(sb));
+    UpdateScrollbar(sb);
+    return true;
+  };
   int y;
   while (Held(sb, &y)) {
-    if (y == last) continue;
-    if (y < upper) {
-      sb->pos = 0;
-      UpdateScrollbar(sb);
-    } else {
-      MoveThumb(sb, y <= lower ? y - last : y - lower);
-    }
-    last = y;
+    if (!follow(y)) ScrollWait(kDragWait);
   }
+  // The way between the last look and the release.
+  const Ending ending = EndingOfPress(sb);
+  if (ending.released) follow(ending.y);
 }
 
 }  // namespace
@@ -166,13 +177,13 @@ void ScrollButtonPress(XScrollbar* sb, XEvent* event) {
   const int y = event->xbutton.y;
   const int thumb = sb->pos + kTrackStart;
   if (y < kArrowEnd) {
-    Repeat(sb, -1);
+    Repeat(sb, -1, kStepWait);
   } else if (y > sb->height - kArrowEnd) {
-    Repeat(sb, 1);
+    Repeat(sb, 1, kStepWait);
   } else if (y < thumb) {
-    Repeat(sb, -static_cast<int64_t>(sb->page));
+    Repeat(sb, -static_cast<int64_t>(sb->page), kPageWait);
   } else if (y > thumb + sb->size) {
-    Repeat(sb, sb->page);
+    Repeat(sb, sb->page, kPageWait);
   } else {
     Drag(sb, y);
   }

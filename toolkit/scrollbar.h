@@ -5,7 +5,9 @@
 // drags; any other one moves the thumb once.
 //
 //   pressed on           every round, while button 1 is down         function
-//   arrow, trough        a step; after the first, a quarter second   ScrollButtonPress
+//   arrow                a step; after the first, a quarter second   ScrollButtonPress
+//                        of rest, then 50 steps a second
+//   trough               a page; likewise, then 10 pages a second    ScrollButtonPress
 //   thumb                the thumb follows the pointer               ScrollButtonPress
 //
 // INV-SCROLL-1: after each update 0 <= pos and pos + size <= height - 26, the length of the track

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <climits>
 #include <functional>
+#include <thread>
 
 #include "tests/x11/toolkit/request_cost.h"
 #include "toolkit/image.h"
@@ -271,8 +272,49 @@ TEST_F(ScrollbarTest, HeldArrowStepsOncePausesAndThenRepeats) {
   EXPECT_EQ(sb->pos, 40);
   for (size_t i = 0; i < 40; i++) EXPECT_EQ(calls.offsets[i], 4 * (static_cast<int>(i) + 1));
   EXPECT_GE(calls.times[1] - calls.times[0], std::chrono::milliseconds(250));
+  for (size_t i = 2; i < 40; i++) {
+    EXPECT_GE(calls.times[i] - calls.times[i - 1], std::chrono::milliseconds(20)) << i;
+  }
   // Far less than another pause each; the bound allows for a busy machine.
   EXPECT_LT(calls.times[39] - calls.times[1], 38 * std::chrono::milliseconds(250));
+}
+
+TEST_F(ScrollbarTest, HeldTroughTurnsPagesThatCanBeRead) {
+  ReleaseAfter(4);
+  PressAt(100);
+  ASSERT_EQ(calls.offsets.size(), 4u);
+  EXPECT_GE(calls.times[1] - calls.times[0], std::chrono::milliseconds(250));
+  for (size_t i = 2; i < 4; i++) {
+    EXPECT_GE(calls.times[i] - calls.times[i - 1], std::chrono::milliseconds(100)) << i;
+  }
+}
+
+// What is asked of the server bounds what a processor can spend, on a busy machine, too.
+TEST_F(ScrollbarTest, AHeldScrollbarLeavesTheProcessorAlone) {
+  for (const int y : {20, 2}) {  // the thumb; an arrow past its pause
+    PutThumb(0);
+    calls.act = nullptr;
+    std::thread hand([this] {
+      testing::Player other(server->name());
+      const auto start = std::chrono::steady_clock::now();
+      testing::WaitFor([&] {
+        return std::chrono::steady_clock::now() - start > std::chrono::milliseconds(600);
+      });
+      other.Release(1);
+    });
+    MoveTo(kX + 7, kY + y);
+    player->Press(1);
+    const unsigned long first = NextRequest(dpy);
+    const auto start = std::chrono::steady_clock::now();
+    Pump();
+    hand.join();
+    const auto took = std::chrono::duration_cast<std::chrono::milliseconds>(
+        std::chrono::steady_clock::now() - start);
+    const auto requests = static_cast<long>(NextRequest(dpy) - first);
+    // A query each 10 ms, and the nine requests of a step each 20 ms.
+    EXPECT_LE(requests, 60 + took.count() * 6 / 10) << y << ": in " << took.count() << " ms";
+    EXPECT_GE(requests, 10) << y;
+  }
 }
 
 TEST_F(ScrollbarTest, ReleaseDuringThePauseEndsAtOnce) {
@@ -352,7 +394,7 @@ TEST_F(ScrollbarTest, DraggingBelowTheTrackStopsAtTheBottom) {
   EXPECT_EQ(calls.offsets, (std::vector<int>{300}));
 }
 
-TEST_F(ScrollbarTest, DraggingBackFromAboveStartsAtTheUpperLimit) {
+TEST_F(ScrollbarTest, DraggingBackFromAboveFindsTheThumbWhereItWasTaken) {
   PutThumb(30);
   MoveTo(kX + 7, kY + 50);  // the upper limit is 20
   player->Press(1);
@@ -362,7 +404,37 @@ TEST_F(ScrollbarTest, DraggingBackFromAboveStartsAtTheUpperLimit) {
     if (n == 2) player->Release(1);
   };
   Pump();
-  EXPECT_EQ(calls.offsets, (std::vector<int>{0, 24}));
+  EXPECT_EQ(calls.offsets, (std::vector<int>{0, 20}));
+}
+
+// Few places on the way are seen of a quick hand.
+TEST_F(ScrollbarTest, AQuickDragBelowTheBottomEndsThere) {
+  for (const int below : {109, 115, 120, 126, 250}) {  // the lower limit is 95
+    PutThumb(30);
+    calls.act = nullptr;
+    MoveTo(kX + 7, kY + 50);
+    player->Press(1);
+    MoveTo(kX + 7, kY + 90);
+    calls.act = [&](size_t n) {
+      if (n == 1) MoveTo(kX + 7, kY + below);
+      if (n == 2) player->Release(1);
+    };
+    Pump();
+    EXPECT_EQ(sb->pos, 75) << below;
+    EXPECT_EQ(calls.offsets.back(), 300) << below;
+  }
+}
+
+TEST_F(ScrollbarTest, ADragThatIsOverBeforeItIsSeenMovesTheThumb) {
+  PutThumb(10);
+  MoveTo(kX + 7, kY + 30);
+  player->Press(1);
+  MoveTo(kX + 7, kY + 47);
+  player->Release(1);
+  MoveTo(kX + 7, kY + 100);
+  Pump();
+  EXPECT_EQ(sb->pos, 27);
+  EXPECT_EQ(calls.offsets, (std::vector<int>{108}));
 }
 
 TEST_F(ScrollbarTest, MovingAboveTheUpperLimitKeepsItAtTheTop) {
