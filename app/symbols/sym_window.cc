@@ -118,10 +118,18 @@ bool Near(int a, int b) {
   return std::abs(a - b) <= kCatchRadius;
 }
 
+// Whether a press or a motion at (x, y) is on point k: within the catch radius, or where the point
+// would be put. A hand that clicks twice in one place gives the same point twice, although the
+// point it has made may lie further from the pointer than the radius.
+bool OnPoint(const SymWindow* sw, int k, int x, int y) {
+  if (Near(x, PointX(sw, k)) && Near(y, PointY(sw, k))) return true;
+  return grid(x) == PointX(sw, k) && grid(y) == PointY(sw, k);
+}
+
 // The first point under the pointer; 0 for none.
 int PointAt(const SymWindow* sw, int x, int y) {
   for (int k = 1; k <= PointCount(sw); k++) {
-    if (Near(x, PointX(sw, k)) && Near(y, PointY(sw, k))) return k;
+    if (OnPoint(sw, k, x, y)) return k;
   }
   return 0;
 }
@@ -146,7 +154,7 @@ void AddPoint(SymWindow* sw, int x, int y) {
 
 void PressWhileCapturing(SymWindow* sw, int x, int y) {
   const int last = PointCount(sw);
-  if (Near(x, PointX(sw, last)) && Near(y, PointY(sw, last))) {
+  if (OnPoint(sw, last, x, y)) {
     InvertRubberBand(sw);
     sw->lastx = PointX(sw, last);
     sw->lasty = PointY(sw, last);

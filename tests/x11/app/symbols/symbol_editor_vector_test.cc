@@ -61,8 +61,34 @@ TEST_F(SymbolEditorVectorTest, APressFourPixelsFromTheLastPointAddsAPoint) {
   ClickIn(area->window, 44, 40);
   EXPECT_EQ(sed->state, kSymCapturing);
   EXPECT_THAT(Points(), ElementsAre(std::pair(40, 40), std::pair(48, 40)));
-  ClickIn(area->window, 48, 36);
-  EXPECT_THAT(Points(), ElementsAre(std::pair(40, 40), std::pair(48, 40), std::pair(48, 40)));
+  ClickIn(area->window, 48, 35);
+  EXPECT_THAT(Points(), ElementsAre(std::pair(40, 40), std::pair(48, 40), std::pair(48, 32)));
+}
+
+// Wherever in a cell of the grid: the point may be put four pixels away from the pointer.
+TEST_F(SymbolEditorVectorTest, AClickAndAnotherInTheSamePlaceEndTheCapture) {
+  for (int dx = 0; dx < 8; dx++) {
+    for (int dy = 0; dy < 8; dy++) {
+      Open();
+      Draw({{40, 40}, {120 + dx, 160 + dy}, {120 + dx, 160 + dy}}, false);
+      EXPECT_EQ(sed->state, kSymComplete) << dx << " " << dy;
+      EXPECT_EQ(sed->sym.npoints, 2) << dx << " " << dy;
+      // So it is with the point when it is to be dragged.
+      ClickIn(area->window, 10, 10);
+      MoveIn(area->window, 120 + dx, 160 + dy);
+      EXPECT_EQ(area->onpt, 2) << dx << " " << dy;
+    }
+  }
+}
+
+// And beside the square in which points can be.
+TEST_F(SymbolEditorVectorTest, TwoClicksOutsideTheUsableSquareEndTheCaptureToo) {
+  for (const auto& [x, y] : std::vector<std::pair<int, int>>{{1, 1}, {278, 130}, {5, 278}}) {
+    Open();
+    Draw({{40, 40}, {x, y}, {x, y}}, false);
+    EXPECT_EQ(sed->state, kSymComplete) << x << " " << y;
+    EXPECT_EQ(sed->sym.npoints, 2);
+  }
 }
 
 TEST_F(SymbolEditorVectorTest, APressOnAnEarlierPointAddsAPointThere) {
@@ -137,14 +163,14 @@ TEST_F(SymbolEditorVectorTest, A65thPressAddsNothingAndThePressOnTheLastPointSti
   ExpectAsRedrawn();
 }
 
-TEST_F(SymbolEditorVectorTest, ThePointUnderThePointerIsTheOneWithinThreePixels) {
+TEST_F(SymbolEditorVectorTest, ThePointUnderThePointerIsWithinThreePixelsOrInItsCell) {
   const GromlitSymbol sym = Symbol("P", {{40, 40}, {200, 40}, {40, 40}});
   Open(&sym);
   struct Case {
     int x, y, onpt;
   };
-  for (const Case& c : {Case{43, 43, 1}, Case{44, 40, 0}, Case{40, 37, 1}, Case{40, 36, 0},
-                        Case{203, 37, 2}, Case{120, 120, 0}}) {
+  for (const Case& c : {Case{43, 43, 1}, Case{44, 40, 0}, Case{40, 37, 1}, Case{40, 36, 1},
+                        Case{40, 35, 0}, Case{203, 37, 2}, Case{120, 120, 0}}) {
     MoveIn(area->window, c.x, c.y);
     EXPECT_EQ(area->onpt, c.onpt) << c.x << " " << c.y;
   }
