@@ -18,6 +18,7 @@
 #include "display/pointer_click.h"
 #include "display/sent_input.h"
 #include "display/target.h"
+#include "toolkit/hidden.h"
 
 namespace gromlit {
 namespace {
@@ -236,6 +237,7 @@ GromlitDraw* MakeGromlitDraw() {
   On<ButtonPress, GromlitDrawButtonPress>(draw);
   SetHandler(draw->wobj, EnterNotify, GromlitAppTrackEnter);
   SetHandler(draw->wobj, CreateNotify, GromlitAppTrackCreate);
+  SetHandler(draw->wobj, UnmapNotify, ReleaseHidden);
   return draw;
 }
 

@@ -41,7 +41,8 @@ struct GromlitDraw {
 };
 
 // Makes the overlay for the draw button in force and registers it for the root window's presses
-// (and for its crossing and creation events, which belong to the pointer tracking).
+// (and for its crossing and creation events, which belong to the pointer tracking, and for windows
+// that are hidden, which the toolkit wants to know).
 GromlitDraw* MakeGromlitDraw();
 
 // Gives the trail windows the event mask of another draw button.

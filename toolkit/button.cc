@@ -89,4 +89,10 @@ void ButtonUp(XButton* button, XEvent* event) {
   DrawButton(button);
 }
 
+void ReleaseHiddenButton() {
+  if (holder == nullptr || CanBeSeen(holder->window)) return;
+  if (holder->state == kButtonPressed) holder->state = kButtonActive;
+  holder = nullptr;
+}
+
 }  // namespace gromlit

@@ -6,6 +6,7 @@
 //   1 active      press, grab refused          1      ButtonDown
 //   2 pressed     release strictly inside      1      ButtonUp, which calls back
 //   2 pressed     release elsewhere            1      ButtonUp
+//   2 pressed     its window is hidden         1      ReleaseHiddenButton
 //
 // INV-BUTTON-1: the release that follows a press gives the pointer back, whatever an owner did to
 // `state` in between.
@@ -57,5 +58,9 @@ void SetButtonLabel(XButton* button, const char* label);
 void DrawButton(XButton* button, XEvent* event = nullptr);
 void ButtonDown(XButton* button, XEvent* event);
 void ButtonUp(XButton* button, XEvent* event);
+
+// Lets the button that is held come up if its window has gone from the screen: the server has taken
+// the pointer from it, and the release goes elsewhere. Round trips only while one is held.
+void ReleaseHiddenButton();
 
 }  // namespace gromlit

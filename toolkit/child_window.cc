@@ -16,6 +16,11 @@ Window MakeChildWindow(Window parent, int x, int y, int width, int height, unsig
                        nullptr, CWBackPixel | CWEventMask | moremask, &attributes);
 }
 
+bool CanBeSeen(Window window) {
+  XWindowAttributes attributes;
+  return XGetWindowAttributes(dpy, window, &attributes) != 0 && attributes.map_state == IsViewable;
+}
+
 GC MakeWindowGC(Window window, Font font) {
   XGCValues values;
   values.foreground = black.pixel;

@@ -13,6 +13,9 @@ Window MakeChildWindow(Window parent, int x, int y, int width, int height, unsig
                        long eventmask, unsigned long moremask = 0,
                        const XSetWindowAttributes& more = {});
 
+// Whether a window and all those that it lies in are mapped. Two round trips.
+bool CanBeSeen(Window window);
+
 // Makes a graphics context, black on white, for a window; with a font of None it keeps the
 // server's default font.
 GC MakeWindowGC(Window window, Font font = None);

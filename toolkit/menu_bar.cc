@@ -9,6 +9,9 @@
 namespace gromlit {
 namespace {
 
+// The bar that was pressed last, until all buttons are up; or null.
+XMenuBar* heldbar = nullptr;
+
 // The bevel around a title, two pixels below the bar's top.
 void DrawTitleBevel(XMenuBar* bar, int up, int i) {
   XDrawBevel(up, bar->window, bar->gc, bar->itemx[i] - kTitleMargin, 2,
@@ -51,6 +54,11 @@ bool OthersDown(const XButtonEvent& release) {
                            ? unsigned{Button1Mask} << (release.button - 1)
                            : 0U;
   return (release.state & kButtons & ~own) != 0;
+}
+
+void LetGo(XMenuBar* bar) {
+  bar->held = 0;
+  if (heldbar == bar) heldbar = nullptr;
 }
 
 }  // namespace
@@ -109,6 +117,7 @@ void MenuBarButtonPress(XMenuBar* bar, XEvent* event) {
   // The bar would stay open: it would not see the release.
   if (MenuHoldsPointer()) return;
   bar->held = 1;
+  heldbar = bar;
   MenuBarTrackMouse(bar, event);
 }
 
@@ -132,9 +141,17 @@ void MenuBarButtonRelease(XMenuBar* bar, XEvent* event) {
     e.y -= bar->height;
     MenuButtonRelease(menu, event);
   }
-  if (!OthersDown(e)) bar->held = 0;
+  if (!OthersDown(e)) LetGo(bar);
   e.x = -1;  // on no title: closes the one that is open
   MenuBarTrackMouse(bar, event);
+}
+
+void ShutHiddenMenuBar() {
+  XMenuBar* bar = heldbar;
+  if (bar == nullptr || CanBeSeen(bar->window)) return;
+  LetGo(bar);
+  if (bar->selected >= 0) ShutTitle(bar);
+  bar->selected = -1;
 }
 
 void MenuBarTrackMouse(XMenuBar* mbar, XEvent* event) {

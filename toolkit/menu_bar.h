@@ -11,10 +11,12 @@
 //   open     pointer below the bar                open     MenuTrackMouse of the menu
 //   open     release below the bar                shut     MenuButtonRelease of the menu
 //   open     release in the bar                   shut     MenuBarButtonRelease, nothing is run
+//   open     the bar's window is hidden           shut     ShutHiddenMenuBar, nothing is run
 //
 // The press itself makes the server send all motion and the release to the bar (an implicit grab),
-// and the server ends that when the last button goes up: there is no grab to give back. Motion that
-// a press elsewhere brings along is dropped: its release may never come here.
+// and the server ends that when the last button goes up: there is no grab to give back. It ends it
+// as well when the bar can no longer be seen, and tells nobody. Motion that a press elsewhere
+// brings along is dropped: its release may never come here.
 #pragma once
 
 #include <X11/Xlib.h>
@@ -68,5 +70,9 @@ void MenuBarButtonRelease(XMenuBar* bar, XEvent* event);
 // Opens the title under the pointer and closes the one that was open. Only the x of the event's
 // position is looked at.
 void MenuBarTrackMouse(XMenuBar* mbar, XEvent* event);
+
+// Shuts the bar that is held if it has gone from the screen, with the menu that is open. Round
+// trips only while one is held.
+void ShutHiddenMenuBar();
 
 }  // namespace gromlit

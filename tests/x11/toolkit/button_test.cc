@@ -303,6 +303,42 @@ void HideParent(void* arg) {
   XUnmapWindow(dpy, *static_cast<Window*>(arg));
 }
 
+TEST_F(ButtonTest, HiddenWhileItIsHeldItComesUp) {
+  PointAt(10, 10);
+  PressIt();
+  ReleaseHiddenButton();
+  EXPECT_EQ(button->state, kButtonPressed) << "can be seen";
+  XUnmapWindow(player->display(), top);
+  XSync(player->display(), False);
+  ReleaseHiddenButton();
+  EXPECT_EQ(button->state, kButtonActive);
+  player->Release(1);
+  Pump();
+  EXPECT_EQ(calls, 0);
+  XMapWindow(dpy, top);
+  Pump();
+  PointAt(10, 10);
+  player->Click(1);
+  Pump();
+  EXPECT_EQ(calls, 1);
+}
+
+TEST_F(ButtonTest, DisabledAndHiddenWhileItIsHeldItStaysDisabled) {
+  PointAt(10, 10);
+  PressIt();
+  button->state = kButtonInactive;
+  XUnmapWindow(dpy, top);
+  ReleaseHiddenButton();
+  EXPECT_EQ(button->state, kButtonInactive);
+  player->Release(1);
+  Pump();
+  EXPECT_TRUE(player->CanGrabPointer());
+}
+
+TEST_F(ButtonTest, AskingForHiddenOnesCostsNothingWhileNoneIsHeld) {
+  EXPECT_EQ(CostOf([] { ReleaseHiddenButton(); }), (Cost{0, 0}));
+}
+
 TEST_F(ButtonTest, ACallbackMayHideTheWindow) {
   button->action = HideParent;
   button->arg = &top;

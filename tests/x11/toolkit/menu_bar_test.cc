@@ -206,12 +206,12 @@ TEST_F(MenuBarTest, PressOpensTheMenuBelowItsTitle) {
   EXPECT_EQ(calls, Names());
 }
 
-TEST_F(MenuBarTest, EveryButtonOpensAndShuts) {
+TEST_F(MenuBarTest, EveryButtonThatPressesOpensAndShuts) {
   for (int button = 1; button <= 5; button++) {
     MoveToTitle(0);
     player->Press(button);
     Pump();
-    EXPECT_TRUE(Mapped(file)) << "button " << button;
+    EXPECT_EQ(Mapped(file), button <= 3) << "button " << button;
     ReleaseButton(button);
     EXPECT_FALSE(Mapped(file)) << "button " << button;
   }
@@ -400,6 +400,40 @@ TEST_F(MenuBarTest, ButtonThatIsStillDownMayOpenAndShutsAgain) {
 }
 
 // A press that waited in the queue while another menu opened: the release goes to that menu.
+TEST_F(MenuBarTest, HiddenWhileATitleIsHeldItShuts) {
+  PressTitle(0);
+  MoveToItem(file, 1);
+  ShutHiddenMenuBar();
+  EXPECT_EQ(bar->selected, 0) << "can be seen";
+  XUnmapWindow(player->display(), top);
+  XSync(player->display(), False);
+  ShutHiddenMenuBar();
+  Pump();
+  EXPECT_EQ(bar->selected, -1);
+  EXPECT_FALSE(Mapped(file));
+  ReleaseButton();
+  EXPECT_TRUE(calls.empty());
+  // Nothing is left of it when the window comes back, even with the button down.
+  XMapWindow(dpy, top);
+  Pump();
+  player->MoveTo(1, 1);
+  player->Press(1);
+  MoveToTitle(1);
+  EXPECT_EQ(bar->selected, -1);
+  ReleaseButton();
+  PressTitle(1);
+  EXPECT_TRUE(Mapped(edit));
+  ReleaseButton();
+  EXPECT_FALSE(Mapped(edit));
+}
+
+TEST_F(MenuBarTest, AskingForHiddenBarsCostsNothingWhileNoneIsHeld) {
+  EXPECT_EQ(CostOf([] { ShutHiddenMenuBar(); }), (Cost{0, 0}));
+  PressTitle(0);
+  ReleaseButton();
+  EXPECT_EQ(CostOf([] { ShutHiddenMenuBar(); }), (Cost{0, 0}));
+}
+
 TEST_F(MenuBarTest, PressWhileAnotherMenuHasThePointerOpensNothing) {
   XMenu* other = Menu({Item("Other")});
   MoveToTitle(0);
