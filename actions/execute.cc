@@ -15,13 +15,15 @@
 #include "core/strings.h"
 #include "display/display.h"
 #include "display/draw_button.h"
+#include "display/end_signals.h"
 
 namespace gromlit {
 namespace {
 
 constexpr long kWaitNanoseconds = 250'000'000;
 
-// A quarter second. Counted to a point in time, so that a signal neither shortens nor lengthens it.
+// A quarter second. Counted to a point in time, so that a signal neither shortens nor lengthens it;
+// one that ends the program does so at once.
 void Wait() {
   timespec until{};
   clock_gettime(CLOCK_MONOTONIC, &until);
@@ -30,8 +32,9 @@ void Wait() {
     until.tv_nsec -= 1'000'000'000;
     until.tv_sec++;
   }
-  while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &until, nullptr) == EINTR) {
-  }
+  do {
+    EndIfSignalled();
+  } while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &until, nullptr) == EINTR);
 }
 
 // The keywords of Run commands. Each may stand anywhere in the text; the first in this order that
@@ -140,6 +143,7 @@ void ExecuteCommand(GromlitPlugin* pin, const GromlitCmd* cmd, Window /*mwin*/, 
   // The keys of the command before must have reached the server: programs started here and the
   // focus asked for below see what they caused.
   XSync(dpy, False);
+  EndIfSignalled();
 
   const char* text = cmd->text != nullptr ? cmd->text : "";
   for (const auto& row : kRuns)

@@ -37,6 +37,9 @@ bool IsOwnTarget(const Target& target) {
 
 void GromlitAppTrackEnter(void*, XEvent* event) {
   const XCrossingEvent& crossing = event->xcrossing;
+  // The pointer is where the server says; what others send would make the program ask about their
+  // windows as often as they like.
+  if (crossing.send_event) return;
   if (crossing.mode == NotifyGrab || editingPlugin != 0) return;
   // A menu or a dialog lay over this window: the plug-in that was chosen in it, or changed by it,
   // would not be shown even once.
@@ -51,6 +54,7 @@ void GromlitAppTrackEnter(void*, XEvent* event) {
 }
 
 void GromlitAppTrackCreate(void*, XEvent* event) {
+  if (event->xcreatewindow.send_event) return;
   const Window window = event->xcreatewindow.window;
   if (!IsOwnWindow(window)) XSelectInput(dpy, window, EnterWindowMask);
 }

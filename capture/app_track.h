@@ -16,10 +16,12 @@ void CreateAppTrack();
 bool IsOwnTarget(const Target& target);
 
 // EnterNotify: shows the plug-in of the application that was entered. Nothing while an action is
-// being edited, for crossings that a grab causes, and for the program's own windows.
+// being edited, for crossings that a grab causes or another client sent, and for the program's own
+// windows.
 void GromlitAppTrackEnter(void* obj, XEvent* event);
 
-// CreateNotify: asks for crossings of another client's new top-level window.
+// CreateNotify: asks for crossings of another client's new top-level window. Nothing when another
+// client sent it.
 void GromlitAppTrackCreate(void* obj, XEvent* event);
 
 }  // namespace gromlit

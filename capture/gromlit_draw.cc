@@ -2,9 +2,11 @@
 
 #include <poll.h>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdint>
+#include <cstdlib>
 #include <string_view>
 
 #include "app/main_window/find_new_plugin.h"
@@ -15,6 +17,7 @@
 #include "core/plugin_files.h"
 #include "display/display.h"
 #include "display/draw_button.h"
+#include "display/end_signals.h"
 #include "display/pointer_click.h"
 #include "display/sent_input.h"
 #include "display/target.h"
@@ -55,6 +58,7 @@ class Capture {
   Capture(const Capture&) = delete;
   Capture& operator=(const Capture&) = delete;
 
+  void Thaw();
   void Search();
   void Run();
 
@@ -71,7 +75,9 @@ class Capture {
   void BeginDrawing(const XMotionEvent& motion);
   void Motion(const XMotionEvent& motion);
   void Release(const XButtonEvent& release);
-  void SendClick();
+  bool IsStroke() const;
+  void Click();
+  bool SendClick(Window window, int x, int y);
   void Recognise(GromlitPlugin* plugin);
 
   GromlitDraw* draw_;
@@ -84,6 +90,7 @@ class Capture {
   std::array<int16_t, kMaxStrokePoints> xbuffer_{};
   std::array<int16_t, kMaxStrokePoints> ybuffer_{};
   int npoints_ = 0;
+  int frompress_ = 0;  // farthest the pointer got from the press along either axis, pixels
   Position lastroot_;  // where the pointer was when the server last told us
 };
 
@@ -100,7 +107,10 @@ void Capture::Search() {
   own_ = IsOwnTarget(target_);
 }
 
-void Capture::Run() {
+// From here on the press is the program's: what is not frozen any more cannot be replayed. This
+// comes before anything is asked of other clients' windows, because all that the hand does while
+// the pointer is frozen arrives as a single motion.
+void Capture::Thaw() {
   // The passive grab reports motion and release of the draw button only. Widened, it reports other
   // buttons too, which end the stroke. No cursor: the trail windows carry the hand.
   XChangeActivePointerGrab(dpy, static_cast<unsigned>(mask_), None, press_.time);
@@ -108,6 +118,10 @@ void Capture::Run() {
   // Never for a motion: a press may be frozen already behind the motions that are still to be read,
   // and letting it through unread would leave the freeze to an event that nobody answers.
   XAllowEvents(dpy, SyncPointer, press_.time);
+  XFlush(dpy);
+}
+
+void Capture::Run() {
   XEvent event;
   for (bool over = false; !over;) {
     if (!NextEvent(&event)) {
@@ -138,6 +152,7 @@ void Capture::Run() {
 bool Capture::NextEvent(XEvent* event) {
   auto check = Clock::now() + kGrabCheck;
   for (;;) {
+    EndIfSignalled();
     while (XCheckWindowEvent(dpy, root, mask_, event)) {
       // Anybody may send events to the root window; only the server's count.
       if (event->xany.send_event) continue;
@@ -189,11 +204,19 @@ void Capture::Motion(const XMotionEvent& motion) {
   if (!trail_.drawmapped) BeginDrawing(motion);
   AddPoint(motion.x_root, motion.y_root);
   MoveTrail(&trail_, motion.x_root, motion.y_root);
+  frompress_ = std::max({frompress_, std::abs(motion.x_root - press_.x_root),
+                         std::abs(motion.y_root - press_.y_root)});
+}
+
+// A quick hand is far away when the first motion arrives, with which the trail's measure begins;
+// what lies between counts, too.
+bool Capture::IsStroke() const {
+  return std::max(trail_.drawmoved, frompress_) >= user->sensitivity;
 }
 
 void Capture::Release(const XButtonEvent& release) {
-  if (trail_.drawmoved < user->sensitivity) {
-    SendClick();
+  if (!IsStroke()) {
+    Click();
   } else if (headplugin_ != nullptr) {
     Recognise(headplugin_->plugin);
   } else if (!own_ && target_.cname.data() != kOwnClass &&
@@ -202,18 +225,30 @@ void Capture::Release(const XButtonEvent& release) {
   }
 }
 
-void Capture::SendClick() {
-  if (target_.click == None) {
-    // An application whose windows take the buttons by another protocol than the core's, as most
-    // toolkits of today do: it would ignore a click that is sent, and there is none to send it to.
-    if (target_.app != None) ClickAtPointer(static_cast<int>(press_.button));
-    return;
+void Capture::Click() {
+  if (SendClick(target_.click, target_.winx, target_.winy) || target_.app == None) return;
+  // An application whose windows take the buttons by another protocol than the core's, as most
+  // toolkits of today do: it would ignore a click that is sent, and there is none to send it to.
+  // The hand may have shaken; then the trail is over the application and would take the click.
+  HideTrail(&trail_);
+  if (ClickAt(press_.x_root, press_.y_root, static_cast<int>(press_.button))) return;
+  int x;
+  int y;
+  Window child;
+  if (XTranslateCoordinates(dpy, root, target_.client, press_.x_root, press_.y_root, &x, &y,
+                            &child)) {
+    SendClick(target_.client, x, y);
   }
+}
+
+// False when there is no window to send it to.
+bool Capture::SendClick(Window window, int x, int y) {
+  if (window == None) return false;
   XEvent event{};
   event.xbutton.button = press_.button;
-  PlaceInput(&event.xbutton,
-             {target_.click, target_.winx, target_.winy, press_.x_root, press_.y_root}, 0);
+  PlaceInput(&event.xbutton, {window, x, y, press_.x_root, press_.y_root}, 0);
   SendPressAndRelease(&event, ButtonPress, ButtonRelease);
+  return true;
 }
 
 void Capture::Recognise(GromlitPlugin* plugin) {
@@ -256,6 +291,7 @@ void GromlitDrawButtonPress(GromlitDraw* draw, XEvent* event) {
     return;
   }
   Capture capture(draw, press);
+  capture.Thaw();
   capture.Search();
   capture.Run();
 }

@@ -9,10 +9,10 @@
 //   idle       press with a modifier or      idle       replayed to the window under the pointer
 //              another button, or while an
 //              action is being edited
-//   idle       press                         pressed    widened grab, Search
+//   idle       press                         pressed    Thaw (widened grab), then Search
 //   pressed    motion                        drawing    BeginDrawing, then as in drawing
 //   drawing    motion                        drawing    AddPoint, MoveTrail
-//   pressed,   draw button released          idle       SendClick, or Recognise
+//   pressed,   draw button released          idle       Click, or Recognise
 //   drawing
 //   pressed,   another button pressed        idle       nothing is recognised or sent
 //   drawing

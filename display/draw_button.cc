@@ -2,6 +2,8 @@
 
 #include <X11/Xlib.h>
 
+#include <algorithm>
+#include <chrono>
 #include <cstdio>
 
 #include "display/display.h"
@@ -10,7 +12,16 @@
 namespace gromlit {
 namespace {
 
-int grabbed = 0;  // INV-GRAB-1
+using Clock = std::chrono::steady_clock;
+
+// Between two requests for a refused grab: while nothing happens, and at the least. A flood of
+// events must not become a flood of requests.
+constexpr auto kAskIdle = std::chrono::milliseconds(1000);
+constexpr auto kAskBusy = std::chrono::milliseconds(50);
+
+int grabbed = 0;          // INV-GRAB-1
+int refused = 0;          // INV-GRAB-2: the button that is asked for again, or 0
+Clock::time_point asked;  // when; the time before the first request of all counts as long ago
 
 void RequestGrab(int button) {
   // Modifiers exactly 0: with AnyModifier every click of a user with Num Lock on would pass here.
@@ -49,11 +60,25 @@ bool GrabDrawButton(int button) {
   }
   if (grabbed != 0 && grabbed != button) RequestUngrab(grabbed);
   grabbed = button;
+  refused = 0;
   return true;
 }
 
 int GrabbedDrawButton() {
   return grabbed;
+}
+
+int DrawButtonWait() {
+  if (refused == 0) return -1;
+  const auto left =
+      std::chrono::ceil<std::chrono::milliseconds>(asked + kAskIdle - Clock::now()).count();
+  return static_cast<int>(std::max<decltype(left)>(left, 0));
+}
+
+void AskForDrawButton() {
+  if (refused == 0 || Clock::now() - asked < kAskBusy) return;
+  asked = Clock::now();
+  GrabDrawButton(refused);
 }
 
 DrawButtonLifted::DrawButtonLifted() : button_(grabbed) {
@@ -72,7 +97,10 @@ DrawButtonLifted::DrawButtonLifted() : button_(grabbed) {
 
 DrawButtonLifted::~DrawButtonLifted() {
   if (button_ == 0) return;
-  if (!GrabDrawButton(button_)) std::printf("%s\n", kDrawButtonTaken);
+  if (GrabDrawButton(button_)) return;
+  std::printf("%s\n", kDrawButtonTaken);
+  refused = button_;
+  asked = {};
 }
 
 }  // namespace gromlit

@@ -6,6 +6,8 @@
 //
 // INV-GRAB-1: at any time at most one button is grabbed, and while one is, `grabbed button` names
 // it; a refused change leaves the old grab in place.
+// INV-GRAB-2: a grab that another client took while it was lifted is asked for until it is granted,
+// or until another button is grabbed in its place.
 #pragma once
 
 namespace gromlit {
@@ -23,10 +25,18 @@ bool GrabDrawButton(int button);
 // The button that is grabbed, or 0.
 int GrabbedDrawButton();
 
+// How long an idle program may wait before it asks for a refused grab again, milliseconds; -1 when
+// no grab is refused, so that nothing wakes it.
+int DrawButtonWait();
+
+// To be called after each event, and when that time is over: asks for a refused grab again, unless
+// it was asked for just before. Three round trips, nothing while no grab is refused.
+void AskForDrawButton();
+
 // Lifts the passive grab for the lifetime of the object and puts it back after it: a press while an
 // action runs must reach the application instead of freezing the pointer until the action is over.
 // Does nothing while no button is grabbed. When another client has taken the button meanwhile, the
-// message is printed and no button is grabbed any more.
+// message is printed, and AskForDrawButton gets the button back when that client gives it up.
 class DrawButtonLifted {
  public:
   DrawButtonLifted();

@@ -29,8 +29,11 @@
 #include "core/plugin_files.h"
 #include "display/display.h"
 #include "display/draw_button.h"
+#include "display/end_signals.h"
+#include "display/sent_events.h"
 #include "display/x_errors.h"
 #include "program/command_line.h"
+#include "toolkit/focus.h"
 #include "toolkit/image.h"
 #include "toolkit/pulldown_button.h"
 
@@ -121,6 +124,15 @@ void ShowMainWindow() {
   UpdatePulldownButton(app->txt, defaultPluginClassname);
 }
 
+// What the user would miss if the program just ended. The server itself gives back what is grabbed,
+// but only when it notices that the connection is gone.
+void GiveBack() {
+  XUngrabPointer(dpy, CurrentTime);
+  XUngrabKeyboard(dpy, CurrentTime);
+  RestoreFocus();
+  XSync(dpy, False);
+}
+
 }  // namespace
 
 void StartUp(const CommandLine& line, int argc, char** argv) {
@@ -129,6 +141,7 @@ void StartUp(const CommandLine& line, int argc, char** argv) {
   PrintAtOnce();
   ReapChildrenSilently();
   OpenDisplayOrExit(line.display);
+  ForgetSentInput();
   GromlitPath = FindInstallation(line);
   MakeResources();
   GetUserOptions();
@@ -143,6 +156,7 @@ void StartUp(const CommandLine& line, int argc, char** argv) {
   ReadPlugins();
   MakeNewPluginDialogs();
   MakeEditors(argc, argv);
+  CatchEndSignals(GiveBack);
   ShowMainWindow();
   // From here on windows of other clients are asked about that may be gone already.
   XSetErrorHandler(GromlitXErrorHandler);

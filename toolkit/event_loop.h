@@ -1,10 +1,20 @@
 // The one event loop of the program.
 #pragma once
 
+#include <X11/Xlib.h>
+
 namespace gromlit {
 
 // Takes events for ever and hands each to the handler of its window (DispatchEvent). Interactions
 // that need a loop of their own run it inside their handler and come back.
 [[noreturn]] void EventLoop();
+
+// Waits for the next event and takes it. A press of the draw button, behind which the pointer is
+// frozen for everybody, is taken before what has arrived earlier: redrawing windows after an
+// action, say, or looking at the applications that the pointer has crossed meanwhile. With it goes
+// what else the root window is told of buttons and motion, so that these keep their order. While it
+// waits, asks for a refused draw button and obeys the signals that end the program. An idle program
+// is woken by nothing else.
+void TakeEvent(XEvent* event);
 
 }  // namespace gromlit

@@ -8,6 +8,7 @@
 #include <cstdlib>
 
 #include "display/display.h"
+#include "display/end_signals.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/image.h"
@@ -81,6 +82,7 @@ Ending EndingOfPress(const XScrollbar* sb) {
 // window. False also when the server does not tell: a window that is gone would otherwise never see
 // its release.
 bool Held(const XScrollbar* sb, int* y) {
+  EndIfSignalled();
   Window rootwin;
   Window childwin;
   int rootx;

@@ -8,6 +8,7 @@
 
 #include "core/strings.h"
 #include "display/display.h"
+#include "display/end_signals.h"
 #include "display/target.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
@@ -142,6 +143,7 @@ class Pick {
 // release will come.
 bool Pick::NextEvent(XEvent* event) {
   for (;;) {
+    EndIfSignalled();
     while (XCheckWindowEvent(dpy, root, kPointerEvents, event)) {
       // Anybody may send events to the root window; only the server's count.
       if (event->xany.send_event) continue;

@@ -2,6 +2,8 @@
 
 #include <X11/Xatom.h>
 #include <X11/Xutil.h>
+#include <signal.h>
+#include <unistd.h>
 
 #include <algorithm>
 
@@ -41,6 +43,16 @@ class CaptureTest : public testing::GromlitRun, public ::testing::WithParamInter
     XSync(player->display(), False);
     EXPECT_TRUE(WaitFor([&] { return std::abs(Origin(probe->window()).x - 300) < 30; }));
     return probe;
+  }
+  // How long the program has kept the processor busy, itself and in the kernel.
+  long Milliseconds() const {
+    const std::string stat = testing::ReadText("/proc/" + std::to_string(gromlit->pid()) + "/stat");
+    long user = 0;
+    long system = 0;
+    // The second word is the name in brackets.
+    std::sscanf(stat.c_str() + stat.rfind(')'),
+                ") %*c %*d %*d %*d %*d %*d %*u %*u %*u %*u %*u %ld %ld", &user, &system);
+    return (user + system) * 1000 / sysconf(_SC_CLK_TCK);
   }
   Point Origin(Window window) {
     Point origin{};
@@ -342,6 +354,7 @@ TEST_P(CaptureTest, TargetThatDiesInMidStrokeHarmsNothing) {
   Go(kDrawRight[0]);
   player->Press(3);
   Trace({kDrawRight[0], {500, 400}});
+  ASSERT_TRUE(WaitFor([this] { return !MappedOverlays().empty(); }));
   probe->process().Kill(SIGKILL);
   Trace({{500, 400}, kDrawRight[1]});
   player->Release(3);
@@ -383,12 +396,132 @@ TEST_P(CaptureTest, MotionOfExactlyTheSensitivityIsAStroke) {
   WritePlugin("Probe.probe", {{"right", kRight, {Touch("stroke")}}});
   const auto probe = StartProbe();
   StartGromlit();
-  // The distance is measured from the first motion.
-  Draw({{400, 400}, {401, 400}, {410, 400}}, 3, 1);
+  // The distance is measured from the press and from the first motion, whichever is more.
+  Draw({{400, 400}, {401, 400}, {409, 400}}, 3, 1);
   EXPECT_EQ(probe->Wait(2, "Button").size(), 2u);
-  Draw({{400, 400}, {401, 400}, {411, 400}}, 3, 1);
+  Draw({{400, 400}, {399, 400}, {408, 400}}, 3, 1);
+  EXPECT_EQ(probe->Wait(4, "Button").size(), 4u);
+  Draw({{400, 400}, {401, 400}, {410, 400}}, 3, 1);
   EXPECT_TRUE(Appears("stroke"));
-  EXPECT_EQ(probe->Lines("Button").size(), 2u);
+  EXPECT_EQ(probe->Lines("Button").size(), 4u);
+}
+
+TEST_P(CaptureTest, AStrokeInOneJumpIsAStroke) {
+  WritePlugin("Probe.probe", {{"right", kRight, {Touch("stroke")}}});
+  const auto probe = StartProbe();
+  StartGromlit();
+  Go(kDrawRight[0]);
+  player->Press(3);
+  player->MoveTo(kDrawRight[0].x + 300, kDrawRight[0].y);
+  player->Release(3);
+  EXPECT_TRUE(Appears("stroke"));
+  EXPECT_TRUE(PointerBecomesFree());
+  EXPECT_TRUE(probe->Lines("Button").empty()) << "it became a click";
+}
+
+TEST_P(CaptureTest, AStrokeThatTheProgramSleepsThroughIsAStroke) {
+  WritePlugin("Probe.probe", {{"right", kRight, {Touch("stroke")}}});
+  const auto probe = StartProbe();
+  StartGromlit();
+  Go(kDrawRight[0]);
+  gromlit->Kill(SIGSTOP);
+  player->Press(3);
+  for (int x = 410; x <= 700; x += 10) player->MoveTo(x, kDrawRight[0].y);
+  player->Release(3);
+  gromlit->Kill(SIGCONT);
+  EXPECT_TRUE(Appears("stroke"));
+  EXPECT_TRUE(PointerBecomesFree());
+  EXPECT_TRUE(probe->Lines("Button").empty()) << "it became a click";
+}
+
+// Once the pointer is thawed every motion arrives, also those of a hand that went on while the
+// program was still looking for the application.
+TEST_P(CaptureTest, AClickGoesWhereThePressWasHoweverFarThePointerIsByNow) {
+  const auto probe = StartProbe();
+  const auto other = std::make_unique<ProbeClient>(
+      install->path(), std::vector<std::string>{"--class", "Other", "other", "--geometry",
+                                                "200x200+950+100", "--override-redirect"});
+  StartGromlit();
+  for (int i = 1; i <= 5; i++) {
+    Go(kInProbe);
+    gromlit->Kill(SIGSTOP);
+    player->Click(3);
+    player->MoveTo(1000, 150);
+    gromlit->Kill(SIGCONT);
+    const auto lines = probe->Wait(static_cast<size_t>(2 * i), "Button");
+    ASSERT_EQ(lines.size(), static_cast<size_t>(2 * i));
+    EXPECT_EQ(lines.back(), ButtonLine("ButtonRelease", kInProbe, probe->window(), 0, true));
+  }
+  EXPECT_TRUE(other->Lines("Button").empty());
+}
+
+TEST_P(CaptureTest, ADrawButtonThatASecondInstanceTookComesBack) {
+  WritePlugin("Probe.probe", {SlowAction(), {"down", kDown, {Touch("down")}}});
+  const auto probe = StartProbe();
+  StartGromlit();
+  DrawOnly(kDrawRight);
+  ASSERT_TRUE(Appears("started"));
+  const std::unique_ptr<testing::Process> first = std::move(gromlit);
+  StartGromlit(false);  // on the same installation, as a user would by mistake
+  ASSERT_TRUE(Appears("ended"));
+  EXPECT_TRUE(
+      WaitFor([this] { return GromlitOutput().find("Drawing Button") != std::string::npos; }));
+  EXPECT_TRUE(WaitFor([this] { return MappedOverlays().empty(); }));
+  gromlit->Kill(SIGKILL);
+  gromlit->Wait();
+  gromlit = nullptr;
+  // Nothing happens meanwhile that the first one would see.
+  EXPECT_TRUE(WaitFor([&] {
+    Go(kDrawDown[0]);
+    player->Press(3);
+    for (int y = kDrawDown[0].y; y < kDrawDown[1].y; y += 10) player->MoveTo(kDrawDown[0].x, y);
+    player->Release(3);
+    return WaitFor([this] { return testing::Exists(MarkFile("down")); },
+                   std::chrono::milliseconds(500));
+  })) << "the draw button is lost";
+  EXPECT_TRUE(first->Running());
+  first->Kill(SIGTERM);
+  first->Wait();
+}
+
+TEST_P(CaptureTest, AFloodOfSentEventsDoesNotHoldUpAPress) {
+  WritePlugin("Probe.probe", {{"right", kRight, {Touch("stroke")}}});
+  const auto probe = StartProbe();
+  StartGromlit();
+  Go(kDrawRight[0]);
+  // All of them wait in front of the press.
+  gromlit->Kill(SIGSTOP);
+  Display* sender = player->display();
+  constexpr int kEvents = 100'000;
+  for (int i = 0; i < kEvents; i++) {
+    XEvent event{};
+    constexpr int kTypes[] = {EnterNotify, CreateNotify, EnterNotify, MotionNotify,
+                              EnterNotify, ButtonPress,  EnterNotify, ButtonRelease};
+    event.type = kTypes[i % 8];
+    event.xany.window = player->root();
+    if (event.type == CreateNotify) {
+      event.xcreatewindow.window = probe->window();
+    } else if (event.type == EnterNotify) {
+      event.xcrossing.window = probe->window();
+    } else {
+      event.xbutton.button = 3;
+      event.xbutton.root = player->root();
+    }
+    XSendEvent(sender, player->root(), False, SubstructureNotifyMask, &event);
+  }
+  XSync(sender, False);
+  player->Press(3);
+  player->MoveTo(kDrawRight[0].x + 10, kDrawRight[0].y);
+  const long before = Milliseconds();
+  gromlit->Kill(SIGCONT);
+  EXPECT_TRUE(WaitFor([&] { return player->Where().x == kDrawRight[0].x + 10; }));
+  // Its own time, whatever else the machine does.
+  const long taken = Milliseconds() - before;
+  std::printf("%ld ms of the processor for %d sent events\n", taken, kEvents);
+  EXPECT_LT(taken, testing::kSanitized ? 1000 : 200);
+  Trace(kDrawRight);
+  player->Release(3);
+  EXPECT_TRUE(Appears("stroke"));
 }
 
 TEST_P(CaptureTest, PressWithoutMotionIsAStrokeWhenTheSensitivityIsZero) {

@@ -10,6 +10,8 @@ namespace {
 using testing::EditorClient;
 using testing::kDown;
 using testing::kRight;
+using testing::Player;
+using testing::Point;
 using testing::ReadText;
 using testing::WaitFor;
 
@@ -42,6 +44,25 @@ class EditorTest : public testing::ShellRun {
         std::chrono::seconds(30)));
     player->Type(XK_Escape);
     EXPECT_TRUE(PointerBecomesFree());
+    // A hand that shakes loses no click. The menu opens at the press, wherever the trail lies.
+    const Player::Pointer at = player->Where();
+    for (int shake = 1; shake <= 3; shake++) {
+      SCOPED_TRACE(shake);
+      EXPECT_TRUE(WaitFor([&] { return ContextMenu(editor.window()) == 0; }));
+      const Point press{at.x - 20 * shake, at.y - 10 * shake};
+      Go(press);
+      player->Press(3);
+      Go({press.x - shake, press.y + shake});
+      player->Release(3);
+      Window menu = 0;
+      EXPECT_TRUE(WaitFor([&] { return (menu = ContextMenu(editor.window())) != 0; }));
+      XWindowAttributes attributes{};
+      XGetWindowAttributes(player->display(), menu, &attributes);
+      EXPECT_NEAR(attributes.x, press.x, 10);
+      EXPECT_EQ(player->Where().x, press.x - shake) << "the pointer was left elsewhere";
+      player->Type(XK_Escape);
+      EXPECT_TRUE(PointerBecomesFree());
+    }
     // The button draws again.
     EXPECT_TRUE(DesktopActs("acted"));
     EXPECT_EQ(Out() + Err(), "");

@@ -3,7 +3,8 @@
 //
 // Points of synchronisation: the program is ready when it follows the pointer (the last step of its
 // start-up); a press has been taken in by a capture when the first motion behind it has moved the
-// pointer, which stands still until then; a stroke is over when its effect is there.
+// pointer, which stands still until then, and the application below it is known when the trail is
+// there; a stroke is over when its effect is there.
 #pragma once
 
 #include <gtest/gtest.h>

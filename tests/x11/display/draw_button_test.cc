@@ -23,6 +23,7 @@ class DrawButtonTest : public testing::XFixture {
   }
   void TearDown() override {
     // The grab ends with the connection; the module's own record is made to forget it.
+    if (DrawButtonWait() >= 0) GrabDrawButton(5);  // no longer asked for
     if (GrabbedDrawButton() != 0) Forgotten().push_back(new DrawButtonLifted);
     XFixture::TearDown();
   }
@@ -137,6 +138,43 @@ TEST_F(DrawButtonTest, ButtonThatWasTakenWhileLiftedIsReported) {
   EXPECT_EQ(::testing::internal::GetCapturedStdout(),
             "Drawing Button used by another application.\n");
   EXPECT_EQ(GrabbedDrawButton(), 0);
+}
+
+TEST_F(DrawButtonTest, ButtonThatWasTakenIsAskedForUntilItIsFree) {
+  ASSERT_TRUE(GrabDrawButton(3));
+  EXPECT_EQ(DrawButtonWait(), -1) << "an idle program would wake";
+  {
+    const DrawButtonLifted lifted;
+    OtherGrabs(3);
+  }
+  EXPECT_EQ(DrawButtonWait(), 0) << "it is to be asked for at once";
+  AskForDrawButton();
+  EXPECT_EQ(GrabbedDrawButton(), 0);
+  EXPECT_GT(DrawButtonWait(), 500);
+  EXPECT_LE(DrawButtonWait(), 1000);
+  // A flood of events does not become a flood of requests.
+  const unsigned long before = NextRequest(dpy);
+  AskForDrawButton();
+  EXPECT_EQ(NextRequest(dpy), before);
+  XUngrabButton(player->display(), 3, 0, root);
+  XSync(player->display(), False);
+  EXPECT_TRUE(testing::WaitFor([] {
+    AskForDrawButton();
+    return GrabbedDrawButton() == 3;
+  }));
+  EXPECT_EQ(DrawButtonWait(), -1);
+  EXPECT_TRUE(Caught(3));
+}
+
+TEST_F(DrawButtonTest, AnotherButtonEndsTheAskingForARefusedOne) {
+  ASSERT_TRUE(GrabDrawButton(3));
+  {
+    const DrawButtonLifted lifted;
+    OtherGrabs(3);
+  }
+  ASSERT_TRUE(GrabDrawButton(2));
+  EXPECT_EQ(DrawButtonWait(), -1);
+  EXPECT_EQ(GrabbedDrawButton(), 2);
 }
 
 TEST_F(DrawButtonTest, LiftingNothingDoesNothing) {

@@ -1,0 +1,125 @@
+// A signal that ends the program, wherever it stands: the keyboard and the pointer are the user's
+// again, and the parent sees which signal it was.
+#include "tests/e2e/front_end.h"
+
+namespace gromlit {
+namespace {
+
+using testing::kRight;
+using testing::Point;
+using testing::ProbeClient;
+using testing::Title;
+using testing::WaitFor;
+
+struct Standing {
+  const char* name;
+  int signal;
+};
+
+void PrintTo(const Standing& standing, std::ostream* out) {
+  *out << standing.name;
+}
+
+class EndSignalsTest : public testing::FrontEnd, public ::testing::WithParamInterface<Standing> {
+ protected:
+  // Who has the keyboard. A window that went while it had it leaves PointerRoot or nobody (0).
+  Window Focus() {
+    Window focus = 0;
+    int revert;
+    XGetInputFocus(player->display(), &focus, &revert);
+    return focus;
+  }
+  // Takes the keyboard for a field of the preferences from the probe that has it.
+  void EnterField() {
+    Choose(Title::kOptions, testing::kPreferences);
+    preferences_ = WaitShown("Preferences");
+    ASSERT_NE(preferences_, 0u);
+    // Off the main window; no window manager is there to do it.
+    XMoveWindow(player->display(), preferences_, 650, 100);
+    ASSERT_TRUE(WaitFor([this] { return OriginOf(preferences_).x >= 650; }));
+    field_ = 0;
+    for (const Window child : Children(preferences_)) {
+      const testing::Box box = BoxOf(child);
+      if (box.width == 50 || box.width > 200) field_ = child;
+    }
+    Enter(field_);
+    ASSERT_TRUE(WaitFor([this] { return Focus() == field_; }));
+  }
+  void Reach(const std::string& standing) {
+    if (standing == "Idle") return;
+    if (standing == "Menu") {
+      PressTitle(Title::kHelp);
+    } else if (standing == "Stroke") {
+      Go({800, 900});
+      player->Press(3);
+      Trace({{800, 900}, {900, 900}});
+      EXPECT_TRUE(WaitFor([this] { return !MappedOverlays().empty(); }));
+    } else if (standing == "Action") {
+      DrawOnly({{800, 900}, {1100, 900}});
+      EXPECT_TRUE(Appears("started"));
+    } else if (standing == "Pick") {
+      StartPicking();
+    }
+  }
+
+  Window preferences_ = 0;
+  Window field_ = 0;
+};
+
+TEST_P(EndSignalsTest, GivesKeyboardAndPointerBack) {
+  std::vector<testing::Command> commands = {Touch("started")};
+  commands.insert(commands.end(), 40, {kRun, "system:wait"});
+  WritePlugin("Desktop", {{"right", kRight, commands}});
+  ProbeClient probe(install->path(),
+                    {"--class", "Probe", "probe", "--geometry", "300x150+950+700"});
+  LaunchInstalled();
+  XSetInputFocus(player->display(), probe.window(), RevertToPointerRoot, CurrentTime);
+  EnterField();
+  if (HasFailure()) return;
+  Reach(GetParam().name);
+  if (HasFailure()) return;
+  ASSERT_EQ(Focus(), field_) << "the field has lost the keyboard before";
+
+  gromlit->Kill(GetParam().signal);
+  // An action that is under way, ten seconds long, is not waited for.
+  EXPECT_EQ(gromlit->Wait(std::chrono::seconds(8)), 128 + GetParam().signal);
+  EXPECT_TRUE(WaitFor([this] { return !GromlitIsReady(); }));
+  EXPECT_EQ(Focus(), probe.window());
+  for (int button = 1; button <= 3; button++) player->Release(button);
+  EXPECT_TRUE(PointerBecomesFree());
+  Go({500, 500});
+}
+
+INSTANTIATE_TEST_SUITE_P(Everywhere, EndSignalsTest,
+                         ::testing::Values(Standing{"Idle", SIGTERM}, Standing{"Idle", SIGINT},
+                                           Standing{"Idle", SIGHUP}, Standing{"Menu", SIGTERM},
+                                           Standing{"Stroke", SIGTERM}, Standing{"Action", SIGTERM},
+                                           Standing{"Pick", SIGTERM}),
+                         [](const ::testing::TestParamInfo<Standing>& standing) {
+                           return std::string(standing.param.name) +
+                                  std::to_string(standing.param.signal);
+                         });
+
+using EndSignalsIgnoredTest = testing::ShellRun;
+
+TEST_F(EndSignalsIgnoredTest, ATerminalThatGoesDoesNotEndAProgramThatWasToldToSurviveIt) {
+  DesktopTouches("acted");
+  LaunchInstalled({.before = "trap '' HUP;"});
+  gromlit->Kill(SIGHUP);
+  EXPECT_TRUE(DesktopActs("acted"));
+  EXPECT_TRUE(gromlit->Running());
+}
+
+TEST_F(EndSignalsIgnoredTest, AServerThatDoesNotAnswerKeepsTheProgramFromNothing) {
+  DesktopTouches("acted");
+  LaunchInstalled();
+  XGrabServer(player->display());
+  XSync(player->display(), False);
+  gromlit->Kill(SIGTERM);
+  EXPECT_EQ(gromlit->Wait(std::chrono::seconds(30)), 128 + SIGTERM);
+  XUngrabServer(player->display());
+  XSync(player->display(), False);
+}
+
+}  // namespace
+}  // namespace gromlit
