@@ -11,6 +11,8 @@
 #include "actions/child.h"
 #include "actions/keystrokes.h"
 #include "actions/launch.h"
+#include "actions/real_input.h"
+#include "actions/typing.h"
 #include "core/command_types.h"
 #include "core/strings.h"
 #include "display/display.h"
@@ -135,6 +137,7 @@ int ExecuteAction(GromlitPlugin* pin, GromlitAction* sa, Window mwin, Window kwi
     ExecuteCommand(pin, sa->cmds[i], mwin, kwin, winx, winy, rootx, rooty);
   }
   ExecutingPlugin = nullptr;
+  FinishInput();
   return 1;
 }
 

@@ -2,12 +2,10 @@
 
 #include <X11/XKBlib.h>
 #include <X11/Xutil.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstring>
 
-#include "core/files.h"
 #include "display/display.h"
 #include "display/sent_input.h"
 
@@ -30,15 +28,6 @@ constexpr unsigned StateAt(int i) {
 }
 static_assert(StateAt(64) == Mod4Mask);
 static_assert(StateAt(65) == Mod5Mask);
-
-constexpr size_t kFileBlock = 256;
-
-void TypeByte(const InputPlace& place, char c) {
-  int keycode;
-  int keystate;
-  if (CharToKeycode(c, &keycode, &keystate) == 0) return;
-  SendHotKey(place.win, place.winx, place.winy, keycode, keystate, place.rootx, place.rooty);
-}
 
 }  // namespace
 
@@ -123,31 +112,17 @@ Window KeyTarget(Window kwin) {
   return focus != None && focus != PointerRoot ? focus : kwin;
 }
 
-void SendKeyPairs(const InputPlace& place, const GromlitCmd* cmd) {
-  // A menu command of many letters counts more keys than the record has pairs.
-  const int n = std::min<int>(cmd->nkeys, kMaxKeys);
-  for (int i = 0; i < n; i++) {
-    SendHotKey(place.win, place.winx, place.winy, cmd->keycode[i], cmd->keystate[i], place.rootx,
-               place.rooty);
-  }
+void SendStroke(const InputPlace& place, int keycode, int keystate) {
+  SendHotKey(place.win, place.winx, place.winy, keycode, keystate, place.rootx, place.rooty);
 }
 
-void TypeText(const InputPlace& place, const char* text, size_t length) {
-  for (size_t i = 0; i < length; i++) TypeByte(place, text[i]);
-}
-
-void TypeFile(const InputPlace& place, const char* fname) {
-  const int fd = OpenRegular(fname);
-  if (fd > 0) {
-    char block[kFileBlock];
-    for (;;) {
-      const ssize_t n = read(fd, block, sizeof block);
-      if (n < 1) break;
-      TypeText(place, block, static_cast<size_t>(n));
-    }
+size_t SendText(const InputPlace& place, std::string_view text, bool /*more*/) {
+  for (const char c : text) {
+    int keycode;
+    int keystate;
+    if (CharToKeycode(c, &keycode, &keystate) != 0) SendStroke(place, keycode, keystate);
   }
-  // Descriptor 0 (standard input was closed) does not count as opened, but must not stay taken.
-  if (fd >= 0) close(fd);
+  return text.size();
 }
 
 }  // namespace gromlit

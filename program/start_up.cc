@@ -9,7 +9,10 @@
 #include <cstdlib>
 
 #include "actions/child.h"
+#include "actions/keyboard_change.h"
 #include "actions/keystrokes.h"
+#include "actions/real_input.h"
+#include "actions/spare_keys.h"
 #include "app/action_editor/action_editor.h"
 #include "app/main_window/main_menu.h"
 #include "app/main_window/main_window.h"
@@ -33,9 +36,11 @@
 #include "display/sent_events.h"
 #include "display/x_errors.h"
 #include "program/command_line.h"
+#include "toolkit/event_loop.h"
 #include "toolkit/focus.h"
 #include "toolkit/image.h"
 #include "toolkit/pulldown_button.h"
+#include "toolkit/window_object.h"
 
 namespace gromlit {
 namespace {
@@ -130,7 +135,7 @@ void GiveBack() {
   XUngrabPointer(dpy, CurrentTime);
   XUngrabKeyboard(dpy, CurrentTime);
   RestoreFocus();
-  XSync(dpy, False);
+  ReleaseEverything();
 }
 
 }  // namespace
@@ -147,8 +152,12 @@ void StartUp(const CommandLine& line, int argc, char** argv) {
   GetUserOptions();
   if (user->splash != 0) DoSplash();
   BuildCharToKeycode();
+  keyboardChanged = KeyboardChanged;
   GrabDrawButtonOrExit();
-  RemoveStaleTemporaries();  // not before the grab: an instance that runs may be saving
+  // Not before the grab: an instance that runs may be saving, or typing.
+  RemoveStaleTemporaries();
+  ReturnKeysOfTheDead();
+  Defer({SpareKeysWait, ReturnKeys});
   MakeAboutDialog();
   MakeOverlayAndMainWindow(argc, argv);
   MakeConfirmDialog();

@@ -34,13 +34,29 @@ bool TakePress(XEvent* event) {
   return found;
 }
 
+Deferred deferred{};
+
+// The shorter of two waits, milliseconds, of which -1 is none.
+int Sooner(int a, int b) {
+  return a < 0 || (b >= 0 && b < a) ? b : a;
+}
+
 void WaitForInput() {
+  const int due = deferred.wait != nullptr ? deferred.wait() : -1;
+  if (due == 0) {
+    deferred.run();
+    return;
+  }
   pollfd inputs[] = {{ConnectionNumber(dpy), POLLIN, 0}, {EndSignalDescriptor(), POLLIN, 0}};
   // A descriptor below 0 is passed over.
-  poll(inputs, std::size(inputs), DrawButtonWait());
+  poll(inputs, std::size(inputs), Sooner(DrawButtonWait(), due));
 }
 
 }  // namespace
+
+void Defer(const Deferred& work) {
+  deferred = work;
+}
 
 void TakeEvent(XEvent* event) {
   for (;;) {

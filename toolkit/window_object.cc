@@ -11,6 +11,7 @@ namespace gromlit {
 WindowObj WindowObjects[kWindowObjects];
 int nWindowObjects = 0;
 WindowObj* defaultWindowObj = nullptr;
+void (*keyboardChanged)(const XMappingEvent& event) = nullptr;
 
 namespace {
 
@@ -96,6 +97,7 @@ void DispatchEvent(XEvent* event) {
   // nothing about the keyboard, and its numbers could reach the server unchecked.
   if (event->type == MappingNotify && event->xmapping.send_event == False) {
     XRefreshKeyboardMapping(&event->xmapping);
+    if (keyboardChanged != nullptr) keyboardChanged(event->xmapping);
   }
   // The handler is kept together with the owner that it was installed for: any client may send an
   // event of an unknown type to any window, and a handler must never see another kind's record.

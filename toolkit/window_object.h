@@ -39,6 +39,9 @@ extern WindowObj WindowObjects[kWindowObjects];
 extern int nWindowObjects;           // entries handed out, over all blocks
 extern WindowObj* defaultWindowObj;  // for events whose window is in no entry; null until set
 
+// Is told of every change of the keyboard or the pointer's buttons after Xlib; null until set.
+extern void (*keyboardChanged)(const XMappingEvent& event);
+
 // A new entry for window and owner, every handler NoHandler. Each call takes a new entry, also for
 // a window that has one already.
 WindowObj* AllocWindowObj(Window window, void* obj);

@@ -8,6 +8,7 @@
 #include <span>
 
 #include "actions/launch.h"
+#include "actions/real_input.h"
 #include "app/main_window/action_menu.h"
 #include "app/main_window/shown_plugin.h"
 #include "app/plugins/plugin_menu.h"
@@ -152,7 +153,7 @@ void ConfirmExitGromlit(XDialog*) {
   // The end of the connection destroys the field that may have the keyboard, and would leave the
   // keyboard with nobody.
   RestoreFocus();
-  XFlush(dpy);
+  ReleaseEverything();
   std::exit(0);
 }
 

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "actions/keystrokes.h"
+#include "actions/typing.h"
 #include "tests/x11/actions/key_probe.h"
 #include "tests/x11/actions/literal_key_tables.h"
 

@@ -1,0 +1,24 @@
+// The ways that keys can take to an application, and which one is chosen.
+#pragma once
+
+#include <string_view>
+
+#include "display/sent_input.h"
+
+namespace gromlit {
+
+struct KeyWay {
+  // One key pressed and released with modifiers, state bits.
+  void (*stroke)(const InputPlace& place, int keycode, int keystate);
+  // Types a text. With `more` it goes on: what cannot be typed without what follows may be left.
+  // Returns the number of bytes that it took.
+  size_t (*text)(const InputPlace& place, std::string_view text, bool more);
+};
+
+// The way that the options choose, where the server has it. The one place that asks.
+const KeyWay& ChosenKeyWay();
+
+// Whether clicks shall be the server's own, too.
+bool MakesClicks();
+
+}  // namespace gromlit
