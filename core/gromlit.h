@@ -29,9 +29,10 @@ inline constexpr int kIconSize = 32;          // columns and rows of a symbol's 
 inline constexpr int kGridMin = 16;
 inline constexpr int kGridMax = 264;
 
-inline constexpr int kNameSize = 32;      // bytes of a symbol's name field, its NUL included
-inline constexpr int kTextSize = 64;      // bytes of most other text fields
-inline constexpr int kUrlCmdSize = 128;   // bytes of the browser command line field
+inline constexpr int kNameSize = 32;       // bytes of a symbol's name field, its NUL included
+inline constexpr int kTextSize = 64;       // bytes of most other text fields
+inline constexpr int kUrlCmdSize = 128;    // bytes of the browser command line field
+inline constexpr int kFileNameSize = 256;  // bytes of a file's name, its NUL included
 inline constexpr int kClassBuffer = 100;  // bytes for a class text read from a window, NUL included
 
 // --- Records ----------------------------------------------------------------------------------
@@ -87,6 +88,9 @@ struct GromlitPlugin {
   char chars8[kTextSize];
   uint8_t nactions;                     // 0..kMaxActions; 0 until the actions are loaded
   GromlitAction* actions[kMaxActions];  // in match order, owned by the plug-in
+  // Memory only: name of its file below the plug-in directory, NUL-terminated; empty until it is
+  // read or written. It is saved and deleted there, whatever its name.
+  char storedfile[kFileNameSize];
   // Memory only: file name (heap, below the plug-in directory) that holds more than this record
   // does, because reading its actions failed half-way, and has not been set aside yet; else null.
   // INV-PLUGIN-1: no save overwrites such a file before a copy of it lies in damaged/.

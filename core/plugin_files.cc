@@ -15,6 +15,7 @@
 
 #include "core/files.h"
 #include "core/plugin_image.h"
+#include "core/plugin_names.h"
 #include "core/record_codec.h"
 #include "core/report.h"
 #include "core/retired.h"
@@ -27,18 +28,23 @@ GromlitPluginList* allPlugins = nullptr;
 namespace {
 
 constexpr size_t kRecordEnd = kHeaderSize + kPluginImageSize;
-constexpr int kNameVariations = 32;
 
 static_assert(kPluginHeader == GromlitPluginFileHeaderString);
 static_assert(kPluginHeader.size() == kHeaderSize);
 
-std::string PluginPath(const std::string& name) {
-  return DataPath(pluginDirectory, name.c_str());
-}
+std::vector<SparePluginFile> spareFiles;
 
 // A list that was never loaded is an empty one.
 void EnsureList() {
   if (allPlugins == nullptr) allPlugins = new GromlitPluginList();
+}
+
+// The first node of this class, loaded or not; null for none.
+GromlitPluginList* NodeOf(std::string_view classname) {
+  EnsureList();
+  for (auto* node = allPlugins; node->plugin != nullptr; node = node->next)
+    if (FieldText(node->plugin->classname) == classname) return node;
+  return nullptr;
 }
 
 // The part of a class text that fits into a record.
@@ -80,35 +86,9 @@ void PrintWriteError(PluginPart part) {
   }
 }
 
-// --- File names -------------------------------------------------------------------------------
-
-enum class Owner { kNone, kThisClass, kOtherClass };
-
-// Whose plug-in lies under this name; kNone for no file and for one that is no plug-in.
-Owner OwnerOf(const std::string& name, std::string_view classname) {
-  std::vector<std::byte> file;
-  GromlitPlugin record;
-  if (!ReadFile(PluginPath(name).c_str(), kRecordEnd, &file)) return Owner::kNone;
-  if (!DecodePluginRecord(file, &record)) return Owner::kNone;
-  return FieldText(record.classname) == classname ? Owner::kThisClass : Owner::kOtherClass;
-}
-
-// The name under which a plug-in of this class is stored for `fname`: the first variation that
-// already is this class's, else the first that is nobody's. Empty when all belong to others.
-// A class text comes from a stranger's window: with a "/" it would leave the directory.
-std::string StoredName(const GromlitPlugin& pin, const char* fname) {
-  const std::string_view classname = FieldText(pin.classname);
-  std::string base = fname;
-  std::replace(base.begin(), base.end(), '/', '_');
-  std::string unowned;
-  for (int n = 1; n <= kNameVariations; n++) {
-    const std::string number = n == 1 ? "" : "_" + std::to_string(n);
-    std::string name = base + number + GromlitPluginFileExt;
-    const Owner owner = OwnerOf(name, classname);
-    if (owner == Owner::kThisClass) return name;
-    if (owner == Owner::kNone && unowned.empty()) unowned = name;
-  }
-  return unowned;
+// A name that is too long for the record is not kept: such a plug-in is saved beside its file.
+void KeepFile(GromlitPlugin* pin, std::string_view name) {
+  CopyText(pin->storedfile, name.size() < sizeof pin->storedfile ? name : "");
 }
 
 // --- Saving -----------------------------------------------------------------------------------
@@ -174,22 +154,49 @@ GromlitPlugin* SaveFailed() {
 int LoadPlugins() {
   Retire(allPlugins);
   allPlugins = new GromlitPluginList();
+  spareFiles.clear();
   const std::string path = std::string(GromlitPath) + "/" + pluginDirectory;
   const std::unique_ptr<DIR, int (*)(DIR*)> directory(opendir(path.c_str()), closedir);
   if (directory == nullptr) return 0;
-  int count = 0;
-  GromlitPluginList* sentinel = allPlugins;
+  // Of each class the plug-in that counts, in directory order.
+  std::vector<GromlitPlugin*> found;
   while (const dirent* entry = readdir(directory.get())) {
     GromlitPlugin* plugin = LoadPlugin(entry->d_name);
     if (plugin == nullptr) continue;
-    count++;
-    sentinel->filename = StrDup(entry->d_name);
+    const std::string_view classname = FieldText(plugin->classname);
+    const auto known = std::find_if(found.begin(), found.end(), [&](const GromlitPlugin* other) {
+      return FieldText(other->classname) == classname;
+    });
+    if (known == found.end()) {
+      found.push_back(plugin);
+      continue;
+    }
+    GromlitPlugin* less = plugin;
+    if (CountsBefore(classname, plugin->storedfile, (*known)->storedfile)) {
+      less = *known;
+      found.erase(known);
+      found.push_back(plugin);
+    }
+    spareFiles.push_back({less->storedfile, "", less->classname});
+    delete less;
+  }
+  GromlitPluginList* sentinel = allPlugins;
+  for (GromlitPlugin* plugin : found) {
+    for (SparePluginFile& spare : spareFiles)
+      if (spare.classname == FieldText(plugin->classname)) spare.used = plugin->storedfile;
+    sentinel->filename = StrDup(plugin->storedfile);
     sentinel->loaded = 0;
     sentinel->plugin = plugin;
     sentinel->next = new GromlitPluginList();
     sentinel = sentinel->next;
   }
-  return count;
+  std::sort(spareFiles.begin(), spareFiles.end(),
+            [](const auto& one, const auto& other) { return one.name < other.name; });
+  return static_cast<int>(found.size());
+}
+
+const std::vector<SparePluginFile>& SparePluginFiles() {
+  return spareFiles;
 }
 
 GromlitPlugin* LoadPlugin(const char* fname) {
@@ -200,15 +207,18 @@ GromlitPlugin* LoadPlugin(const char* fname) {
 GromlitPlugin* ReadPluginHeader(const char* fname, GromlitPlugin* pin) {
   std::vector<std::byte> file;
   if (!ReadFile(PluginPath(fname).c_str(), kRecordEnd, &file)) return nullptr;
-  return DecodePluginRecord(file, pin) ? pin : nullptr;
+  if (!DecodePluginRecord(file, pin)) return nullptr;
+  KeepFile(pin, fname);
+  return pin;
 }
 
 GromlitPlugin* ReadPluginActions(const char* fname, GromlitPlugin* pin) {
   std::vector<std::byte> file;
   if (!ReadFile(PluginPath(fname).c_str(), kMaxPluginFile, &file)) return nullptr;
   const PluginPart missing = DecodePluginFile(file, pin);
-  if (missing == PluginPart::kNothing) return pin;
   if (missing == PluginPart::kRecord) return nullptr;
+  KeepFile(pin, fname);
+  if (missing == PluginPart::kNothing) return pin;
   PrintReadError(missing);
   pin->damagedfile = StrDup(fname);
   return nullptr;
@@ -234,7 +244,10 @@ GromlitPlugin* UnLoadPlugin(GromlitPlugin* pin, const char* fname) {
     pin->damagedfile = nullptr;
   }
   size_t wrote = kNoWrite;
-  if (SaveFile(PluginPath(name).c_str(), image, &wrote)) return pin;
+  if (SaveFile(PluginPath(name).c_str(), image, &wrote)) {
+    KeepFile(pin, name);
+    return pin;
+  }
   const int reason = errno;
   if (wrote != kNoWrite) PrintWriteError(PluginPartAt(*pin, wrote));
   errno = reason;
@@ -248,14 +261,9 @@ GromlitPlugin* PluginSave(GromlitPlugin* plugin, const char* name) {
 // --- The list ---------------------------------------------------------------------------------
 
 GromlitPluginList* FindPluginNode(const char* classname) {
-  EnsureList();
-  const std::string_view wanted = StoredClass(classname);
-  for (auto* node = allPlugins; node->plugin != nullptr; node = node->next) {
-    if (FieldText(node->plugin->classname) != wanted) continue;
-    if (node->loaded == 0) ReadOnFirstUse(node, node->plugin);
-    return node;
-  }
-  return nullptr;
+  GromlitPluginList* node = NodeOf(StoredClass(classname));
+  if (node != nullptr && node->loaded == 0) ReadOnFirstUse(node, node->plugin);
+  return node;
 }
 
 GromlitPlugin* FindPlugin(const char* classname) {
@@ -294,7 +302,12 @@ GromlitPlugin* GetDefaultPlugin() {
 }
 
 int DropPlugin(const GromlitPlugin* killpin, const char* fname) {
-  const std::string name = StoredName(*killpin, fname);
+  // An equal record stands for the listed one.
+  const GromlitPlugin* stored = killpin;
+  if (*killpin->storedfile == '\0')
+    if (const GromlitPluginList* node = NodeOf(FieldText(killpin->classname)))
+      stored = node->plugin;
+  const std::string name = StoredName(*stored, fname);
   if (name.empty()) errno = ENOENT;
   if (name.empty() || unlink(PluginPath(name).c_str()) != 0) {
     ReportSystemError("Delete Plugin");

@@ -1,5 +1,8 @@
-// Plug-in files: GromlitPath/plugins/CLASS.sla, the list of all plug-ins and the look-up by class.
+// Plug-in files: GromlitPath/plugins/, the list of all plug-ins and the look-up by class.
 #pragma once
+
+#include <string>
+#include <vector>
 
 #include "core/gromlit.h"
 
@@ -12,9 +15,21 @@ inline constexpr const char* GromlitPluginFileHeaderString = "GromlitPlugin";
 inline constexpr const char* defaultPluginClassname = "Default";
 
 // Builds allPlugins from the plug-in directory (records only, no actions), in directory order and
-// without a filter on the extension; what is no plug-in file is skipped silently. Returns their
-// number; a missing directory gives an empty list.
+// without a filter on the extension; what is no plug-in file is skipped silently. Of several files
+// of one class one is listed (CountsBefore in core/plugin_names.h), the others are spare. Returns
+// the number of listed plug-ins; a missing directory gives an empty list.
 int LoadPlugins();
+
+// A plug-in file that is left alone, neither used nor overwritten nor removed, because another one
+// of its class counts.
+struct SparePluginFile {
+  std::string name;       // below the plug-in directory
+  std::string used;       // the one that counts
+  std::string classname;  // of both
+};
+
+// What LoadPlugins left out, in byte order of the names.
+const std::vector<SparePluginFile>& SparePluginFiles();
 
 // New record filled by ReadPluginHeader; null, silently, when that fails.
 GromlitPlugin* LoadPlugin(const char* fname);
@@ -31,10 +46,11 @@ GromlitPlugin* ReadPluginHeader(const char* fname, GromlitPlugin* pin);
 // output, leaves nactions at the complete actions read, sets damagedfile and returns null.
 GromlitPlugin* ReadPluginActions(const char* fname, GromlitPlugin* pin);
 
-// Writes pin to GromlitPath/plugins/`fname`.sla (safe saving: core/files.h), each command's ntext
-// set from its text first.
+// Writes pin to the file that it was read from or saved to before, else to
+// GromlitPath/plugins/`fname`.sla (safe saving: core/files.h), each command's ntext set from its
+// text first.
 // - A "/" in fname is stored as "_", and a file that belongs to another class is never overwritten:
-//   a free variation of the name (NAME_2.sla, ...) is taken, and found again by the next save.
+//   a free variation of the name (NAME_2.sla, ...) is taken, and kept from then on.
 // - A plug-in that was read damaged has its file copied to damaged/ before the first overwrite; if
 //   that copy fails, so does the save.
 // - Of a plug-in in the list whose actions have not been read yet, they are read first.
@@ -68,10 +84,10 @@ GromlitPlugin* CreatePlugin(const char* appname, const char* classname, bool* sa
 // Sets DefaultPlugin to the plug-in of class "Default", created when missing, and returns it.
 GromlitPlugin* GetDefaultPlugin();
 
-// File-and-list half of deleting a plug-in: deletes the file that UnLoadPlugin would overwrite for
-// `fname` (never one of another class) and unlinks the first node of killpin's class, if there is
-// one. The record stays allocated. Returns 1; 0 after reporting "Delete Plugin" with the system
-// error, which is left in errno, the list as it was.
+// File-and-list half of deleting a plug-in: deletes the file that UnLoadPlugin would overwrite (its
+// own, for one that has none that of `fname`; never one of another class) and unlinks the first
+// node of killpin's class, if there is one. The record stays allocated. Returns 1; 0 after
+// reporting "Delete Plugin" with the system error, which is left in errno, the list as it was.
 int DropPlugin(const GromlitPlugin* killpin, const char* fname);
 
 }  // namespace gromlit

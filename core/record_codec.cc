@@ -158,6 +158,7 @@ void DecodePlugin(std::span<const std::byte> image, GromlitPlugin* plugin) {
   GetRaw(image, at::kChars8, plugin->chars8);
   plugin->nactions = GetU8(image, at::kNactions.offset);
   std::fill_n(plugin->actions, kMaxActions, nullptr);
+  CopyText(plugin->storedfile, "");
   plugin->damagedfile = nullptr;
 }
 

@@ -37,8 +37,8 @@ void EncodeCmd(const GromlitCmd& cmd, std::span<std::byte> image);
 void DecodeAction(std::span<const std::byte> image, GromlitAction* action);
 void EncodeAction(const GromlitAction& action, std::span<std::byte> image);
 
-// `actions` and `damagedfile` are null; nactions is what the image says, to be checked against
-// kMaxActions.
+// `actions` and `damagedfile` are null, `storedfile` is empty; nactions is what the image says, to
+// be checked against kMaxActions.
 void DecodePlugin(std::span<const std::byte> image, GromlitPlugin* plugin);
 void EncodePlugin(const GromlitPlugin& plugin, std::span<std::byte> image);
 

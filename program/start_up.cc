@@ -19,6 +19,7 @@
 #include "app/main_window/shown_plugin.h"
 #include "app/plugins/new_plugin.h"
 #include "app/plugins/plugin_menu.h"
+#include "app/plugins/spare_plugins.h"
 #include "app/preferences/user_options_window.h"
 #include "app/symbols/symbol_commands.h"
 #include "app/symbols/symbol_dialog.h"
@@ -127,6 +128,7 @@ void ShowMainWindow() {
   UpdateGromlitApp(app, defaultPluginClassname, nullptr);
   DrawGromlitApp(app);
   UpdatePulldownButton(app->txt, defaultPluginClassname);
+  TellOfSparePlugins();
 }
 
 // What the user would miss if the program just ended. The server itself gives back what is grabbed,

@@ -113,9 +113,8 @@ TEST_F(PluginList, PluginLookedUpTwiceReadsItsFileOnce) {
   EXPECT_EQ(plugin->nactions, 3);
 }
 
-TEST_F(PluginList, ClassesAreComparedExactlyAndTheFirstNodeWins) {
+TEST_F(PluginList, ClassesAreComparedExactly) {
   WritePlugin("1", "XTerm");
-  WritePlugin("2", "XTerm");
   LoadPlugins();
   EXPECT_EQ(FindPluginNode("xterm"), nullptr);
   EXPECT_EQ(FindPluginNode("XTer"), nullptr);
@@ -123,7 +122,6 @@ TEST_F(PluginList, ClassesAreComparedExactlyAndTheFirstNodeWins) {
   EXPECT_EQ(FindPluginNode(""), nullptr);
   EXPECT_EQ(FindPluginNode("XTerm"), allPlugins);
   EXPECT_EQ(allPlugins->loaded, 1);
-  EXPECT_EQ(allPlugins->next->loaded, 0);
 }
 
 TEST_F(PluginList, LongClassTextsCompareByWhatFitsIntoTheRecord) {
@@ -159,15 +157,20 @@ TEST_F(PluginList, FileThatVanishesBeforeItsFirstUseCountsAsLoaded) {
   EXPECT_EQ(node->plugin->nactions, 0);
 }
 
-TEST_F(PluginList, RenamedFileIsFoundByItsClassAndSavedBesideItself) {
+TEST_F(PluginList, RenamedFileIsFoundByItsClassAndSavedInItself) {
   WritePlugin("by-hand.txt", "XTerm");
   LoadPlugins();
   GromlitPlugin* plugin = FindPlugin("XTerm");
   ASSERT_NE(plugin, nullptr);
   CopyText(plugin->appname, "Changed");
   ASSERT_NE(UnLoadPlugin(plugin, plugin->classname), nullptr);
-  EXPECT_EQ(ReadBytes(PathOf("by-hand.txt")), SampleFile().bytes()) << "the old file stays";
-  EXPECT_EQ(ActionsIn("XTerm.sla"), 3);
+  auto expected = SampleFile();
+  expected.Fill(kRecord, 64, 0).Put(kRecord, "Changed");
+  EXPECT_EQ(ReadBytes(PathOf("by-hand.txt")), expected.bytes());
+  EXPECT_FALSE(Exists(PathOf("XTerm.sla"))) << "no second file of the class";
+  EXPECT_EQ(LoadPlugins(), 1);
+  EXPECT_STREQ(FindPlugin("XTerm")->appname, "Changed") << "after the next start";
+  Retire(plugin);
 }
 
 TEST_F(PluginList, SavingAPluginThatWasNeverLookedUpKeepsItsActions) {
@@ -288,6 +291,71 @@ TEST_F(PluginList, HandMadeNameOfAnotherClassIsNotOverwritten) {
   EXPECT_EQ(ClassIn("Emacs_2.sla"), "Emacs");
 }
 
+// --- Several files of one class ---
+
+TEST_F(PluginList, OfTwoFilesOfOneClassTheOneWithItsNameCounts) {
+  WritePlugin("A copy.sla", "XTerm");
+  WritePlugin("XTerm.sla", "XTerm");
+  WritePlugin("Z.sla", "XTerm");
+  WritePlugin("b.sla", "b");
+  EXPECT_EQ(LoadPlugins(), 2);
+  GromlitPlugin* plugin = FindPlugin("XTerm");
+  ASSERT_NE(plugin, nullptr);
+  EXPECT_STREQ(plugin->storedfile, "XTerm.sla");
+  V spare;
+  for (const SparePluginFile& file : SparePluginFiles()) {
+    spare.push_back(file.name);
+    EXPECT_EQ(file.used, "XTerm.sla");
+    EXPECT_EQ(file.classname, "XTerm");
+  }
+  EXPECT_EQ(spare, (V{"A copy.sla", "Z.sla"}));
+}
+
+TEST_F(PluginList, WithoutAFileOfItsNameTheFirstInByteOrderCounts) {
+  WritePlugin("b.sla", "XTerm");
+  WritePlugin("B.sla", "XTerm");
+  WritePlugin("a.sla", "XTerm");
+  EXPECT_EQ(LoadPlugins(), 1);
+  EXPECT_STREQ(allPlugins->plugin->storedfile, "B.sla");
+  EXPECT_STREQ(allPlugins->filename, "B.sla");
+  EXPECT_EQ(SparePluginFiles().size(), 2u);
+}
+
+TEST_F(PluginList, OwnNameOfAClassHasNoSlashes) {
+  WritePlugin("a.sla", "x/y");
+  WritePlugin("x_y.sla", "x/y");
+  EXPECT_EQ(LoadPlugins(), 1);
+  EXPECT_STREQ(allPlugins->plugin->storedfile, "x_y.sla");
+}
+
+TEST_F(PluginList, SpareFilesAreNeitherOverwrittenNorRemoved) {
+  WritePlugin("XTerm.sla", "XTerm");
+  WritePlugin("XTerm_2.sla", "XTerm");
+  LoadPlugins();
+  GromlitPlugin* plugin = FindPlugin("XTerm");
+  AddAction(plugin, "Another");
+  ASSERT_NE(UnLoadPlugin(plugin, "XTerm"), nullptr);
+  EXPECT_EQ(ActionsIn("XTerm.sla"), 4);
+  ASSERT_EQ(DropPlugin(plugin, "XTerm"), 1);
+  EXPECT_FALSE(Exists(PathOf("XTerm.sla")));
+  // The deleted plug-in's name is free again, the spare file is not.
+  GromlitPlugin* made = CreatePlugin("App", "XTerm");
+  EXPECT_STREQ(made->storedfile, "XTerm.sla");
+  EXPECT_EQ(ReadBytes(PathOf("XTerm_2.sla")), SampleFile().bytes());
+  Retire(plugin);
+}
+
+TEST_F(PluginList, PluginWhoseFileBecameAnothersIsSavedBesideIt) {
+  WritePlugin("by-hand.txt", "XTerm");
+  LoadPlugins();
+  GromlitPlugin* plugin = FindPlugin("XTerm");
+  WritePlugin("by-hand.txt", "Emacs");
+  ASSERT_NE(UnLoadPlugin(plugin, "XTerm"), nullptr);
+  EXPECT_EQ(ClassIn("by-hand.txt"), "Emacs");
+  EXPECT_EQ(ClassIn("XTerm.sla"), "XTerm");
+  EXPECT_STREQ(plugin->storedfile, "XTerm.sla");
+}
+
 TEST_F(PluginList, SaveFailsWhenEveryVariationBelongsToOthers) {
   WritePlugin("C.sla", "other");
   for (int n = 2; n <= 32; n++) WritePlugin("C_" + std::to_string(n) + ".sla", "other");
@@ -343,11 +411,19 @@ TEST_F(PluginList, DeletingAnUnlistedClassDeletesTheFileOnly) {
 TEST_F(PluginList, FailedDeletingPrintsTheReasonAndLeavesTheList) {
   WritePlugin("by-hand.txt", "XTerm");
   LoadPlugins();
+  fs::remove(PathOf("by-hand.txt"));
   CaptureStderr();
   EXPECT_EQ(DropPlugin(allPlugins->plugin, "XTerm"), 0);
   EXPECT_EQ(GetCapturedStderr(), "Delete Plugin: No such file or directory\n");
   EXPECT_EQ(Classes(), V{"XTerm"});
-  EXPECT_TRUE(Exists(PathOf("by-hand.txt")));
+}
+
+TEST_F(PluginList, DeletingTakesTheFileThatThePluginWasReadFrom) {
+  WritePlugin("by-hand.txt", "XTerm");
+  LoadPlugins();
+  EXPECT_EQ(DropPlugin(allPlugins->plugin, "XTerm"), 1);
+  EXPECT_FALSE(Exists(PathOf("by-hand.txt")));
+  EXPECT_EQ(Classes(), V{});
 }
 
 TEST_F(PluginList, ARecordIsListedUntilItIsDeleted) {
