@@ -9,6 +9,7 @@
 #include <string>
 
 #include "actions/launch.h"
+#include "app/preferences/more_window.h"
 #include "app/windows/dialogs.h"
 #include "app/windows/wm_properties.h"
 #include "core/option_files.h"
@@ -116,6 +117,8 @@ void MakeUserOptionsButtons(UserOptions* options) {
   options->bdefaults = make("Defaults", optClickDefaults, options->width - 240);
   options->bsave = make("OK", optClickSave, options->width - 160);
   options->bcancel = make("Cancel", optClickCancel, options->width - 80);
+  options->bmore = MakeButton(options, options->window, "More...", moreClickOpen,
+                              options->width - 80, kPulldownY);
 }
 
 XButton* MakeDrawButtonPulldown(int x, int y) {
@@ -171,6 +174,7 @@ void CreateUserOptions(int argc, char** argv) {
   opt->dosplash = MakeCheckBox(opt, opt->window, optClickDoSplash, kMargin, txtCharht + 180);
   opt->snd = MakeField(opt, 3 * txtCharht + 196, kCommandWidth);
   opt->url = MakeField(opt, 3 * txtCharht + 244, kCommandWidth);
+  CreateMoreOptions(&opt->usr);
 }
 
 void UpdateUserOptions(const GromlitUserOptions* usr) {

@@ -45,6 +45,7 @@ struct UserOptions {
   XButton* bcancel;
   XButton* bdefaults;
   XButton* bsave;  // "OK"
+  XButton* bmore;  // "More...", opens the window of further choices
   XLogo* logo;
   TextEditor* txt;         // draw sensitivity, pixels
   TextEditor* url;         // browser command line
