@@ -7,7 +7,7 @@ namespace {
 
 constexpr Choice kChoices[] = {
     {"Match by Shape",
-     "A stroke runs the action whose symbol looks most like it. The tolerance says how like.",
+     "A stroke runs the action whose symbol it looks most like, if it is like enough.",
      &GromlitUserOptions::temp3, kByShape, false, true},
 };
 
