@@ -11,8 +11,10 @@
 
 #include "app/main_window/find_new_plugin.h"
 #include "app/main_window/shown_plugin.h"
+#include "app/symbols/drawn_symbol.h"
 #include "capture/app_track.h"
 #include "capture/plugin_match.h"
+#include "capture/stroke_log.h"
 #include "core/option_files.h"
 #include "core/plugin_files.h"
 #include "display/display.h"
@@ -21,6 +23,7 @@
 #include "display/pointer_click.h"
 #include "display/sent_input.h"
 #include "display/target.h"
+#include "recognition/find_action.h"
 #include "toolkit/hidden.h"
 
 namespace gromlit {
@@ -217,11 +220,20 @@ bool Capture::IsStroke() const {
 void Capture::Release(const XButtonEvent& release) {
   if (!IsStroke()) {
     Click();
-  } else if (headplugin_ != nullptr) {
+    return;
+  }
+  StrokeEnds(target_.cname.data());
+  if (headplugin_ != nullptr) {
     Recognise(headplugin_->plugin);
-  } else if (!own_ && target_.cname.data() != kOwnClass &&
-             FindNewPlugin(draw_->app, target_.cname.data(), release.x_root, release.y_root) != 0) {
+  } else if (own_ || target_.cname.data() == kOwnClass) {
+    const Stroke stroke = MakeStroke(npoints_, xbuffer_.data(), ybuffer_.data());
+    if (!TakeDrawnSymbol(target_.click, stroke)) LogStroke(nullptr, stroke, MatchingOf(*user), -1);
+  } else if (FindNewPlugin(draw_->app, target_.cname.data(), release.x_root, release.y_root) != 0) {
     Recognise(DefaultPlugin);
+  } else {
+    // The offer of a plug-in stands for the action this once.
+    LogStroke(nullptr, MakeStroke(npoints_, xbuffer_.data(), ybuffer_.data()), MatchingOf(*user),
+              -1);
   }
 }
 

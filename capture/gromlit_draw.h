@@ -12,8 +12,8 @@
 //   idle       press                         pressed    Thaw (widened grab), then Search
 //   pressed    motion                        drawing    BeginDrawing, then as in drawing
 //   drawing    motion                        drawing    AddPoint, MoveTrail
-//   pressed,   draw button released          idle       Click, or Recognise
-//   drawing
+//   pressed,   draw button released          idle       Click, Recognise, or TakeDrawnSymbol over
+//   drawing                                             the symbol editor
 //   pressed,   another button pressed        idle       nothing is recognised or sent
 //   drawing
 //   pressed,   the grab is gone              idle       nothing is recognised or sent

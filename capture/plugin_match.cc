@@ -1,13 +1,17 @@
 #include "capture/plugin_match.h"
 
 #include "actions/execute.h"
+#include "capture/stroke_log.h"
 #include "recognition/find_action.h"
 
 namespace gromlit {
 
 int PluginMatch(GromlitPlugin* pin, int npts, const int16_t* xbuf, const int16_t* ybuf, Window mwin,
                 Window kwin, int winx, int winy, int rootx, int rooty) {
-  const int found = FindAction(pin, MakeStroke(npts, xbuf, ybuf), MatchingOf(*user));
+  const Stroke stroke = MakeStroke(npts, xbuf, ybuf);
+  const Matching how = MatchingOf(*user);
+  const int found = FindAction(pin, stroke, how);
+  LogStroke(pin, stroke, how, found);
   if (found < 0) return 0;
   return ExecuteAction(pin, pin->actions[found], mwin, kwin, winx, winy, rootx, rooty);
 }

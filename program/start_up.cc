@@ -28,6 +28,7 @@
 #include "app/windows/splash.h"
 #include "capture/app_track.h"
 #include "capture/gromlit_draw.h"
+#include "capture/stroke_log.h"
 #include "core/files.h"
 #include "core/option_files.h"
 #include "core/plugin_files.h"
@@ -146,6 +147,7 @@ void StartUp(const CommandLine& line, int argc, char** argv) {
   HoldStandardDescriptors();
   IgnoreWriteSignals();
   PrintAtOnce();
+  OpenStrokeLog();
   ReapChildrenSilently();
   OpenDisplayOrExit(line.display);
   ForgetSentInput();

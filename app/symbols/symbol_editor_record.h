@@ -6,6 +6,7 @@
 //
 //   state           event                                     next     function
 //   0 empty         press in the drawing area                 1        SymWindowButtonPress
+//   0 empty         stroke over the drawing area               2        TakeDrawnSymbol
 //   1 capturing     press beside the last point, < 64 points  1        SymWindowButtonPress
 //   1 capturing     press within 3 pixels of the last point   2        SymWindowButtonPress
 //   1 capturing     motion                                    1        SymWindowMotionNotify

@@ -1,0 +1,142 @@
+// The log of strokes that the environment asks for, as the built program writes it.
+#include "tests/e2e/gromlit_run.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "core/stroke_log.h"
+
+namespace gromlit::testing {
+namespace {
+
+std::vector<std::string> Split(const std::string& text, char separator) {
+  std::vector<std::string> parts;
+  std::istringstream stream(text);
+  for (std::string part; std::getline(stream, part, separator);) parts.push_back(part);
+  if (!text.empty() && text.back() == separator) parts.emplace_back();
+  return parts;
+}
+
+class StrokeLogTest : public GromlitRun {
+ protected:
+  void SetUp() override {
+    GromlitRun::SetUp();
+    if (HasFatalFailure()) return;
+    WriteOptions();
+    WritePlugin("Default", {});
+    WritePlugin("Probe.probe", {{"Mark", kRight, {Touch("mark")}}});
+    path_ = *install / "strokes.log";
+    setenv("GROMLIT_LOG", path_.c_str(), 1);
+  }
+  void TearDown() override {
+    unsetenv("GROMLIT_LOG");
+    unsetenv("GROMLIT_LOG_POINTS");
+    GromlitRun::TearDown();
+  }
+
+  void Start() {
+    StartGromlit();
+    probe_ = std::make_unique<ProbeClient>(
+        install->path(),
+        std::vector<std::string>{"--class", "Probe", "probe", "--geometry", "600x400+300+200"});
+    Go({400, 300});
+  }
+
+  // The lines behind the header, each in its columns.
+  std::vector<std::vector<std::string>> Logged() const {
+    std::vector<std::string> lines = Split(ReadText(path_), '\n');
+    std::vector<std::vector<std::string>> logged;
+    EXPECT_FALSE(lines.empty());
+    if (lines.empty()) return logged;
+    EXPECT_EQ(lines[0], kStrokeLogHeader);
+    for (size_t i = 1; i < lines.size(); i++)
+      if (!lines[i].empty()) logged.push_back(Split(lines[i], '\t'));
+    for (const auto& columns : logged)
+      EXPECT_EQ(columns.size(), static_cast<size_t>(kStrokeLogColumns));
+    return logged;
+  }
+
+  std::string path_;
+  std::unique_ptr<ProbeClient> probe_;
+};
+
+TEST_F(StrokeLogTest, EveryStrokeIsALineThatOnlyItsUserMayRead) {
+  Start();
+  Draw({{400, 300}, {600, 300}});
+  ASSERT_TRUE(Appears("mark"));
+  Draw({{400, 300}, {400, 500}});
+  const auto logged = Logged();
+  ASSERT_EQ(logged.size(), 2u);
+  EXPECT_EQ(logged[0][1], "Probe.probe");
+  EXPECT_EQ(logged[0][2], "aaaa");
+  EXPECT_EQ(logged[0][3], kLogSignature);
+  EXPECT_EQ(logged[0][4], "Mark");
+  EXPECT_EQ(logged[0][5], kLogNoScore);
+  EXPECT_GE(std::stoll(logged[0][7]), 0);
+  EXPECT_LT(std::stoll(logged[0][7]), 10'000'000);
+  EXPECT_EQ(logged[0][kStrokeLogPoints], "");
+  EXPECT_EQ(logged[1][2], "cccc");
+  EXPECT_EQ(logged[1][4], kLogNone);
+  struct stat status {};
+  ASSERT_EQ(stat(path_.c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777, 0600u);
+}
+
+TEST_F(StrokeLogTest, WithPointsTheStrokeCanBeDrawnAgain) {
+  setenv("GROMLIT_LOG_POINTS", "1", 1);
+  Start();
+  Draw({{400, 300}, {600, 300}});
+  const auto logged = Logged();
+  ASSERT_EQ(logged.size(), 1u);
+  const auto points = Split(logged[0][kStrokeLogPoints], ' ');
+  ASSERT_GE(points.size(), 8u);
+  EXPECT_EQ(points.size() % 2, 0u);
+  EXPECT_EQ(points[0], "400");
+  EXPECT_EQ(points[1], "300");
+  EXPECT_EQ(points[points.size() - 2], "600");
+  EXPECT_EQ(points.back(), "300");
+}
+
+TEST_F(StrokeLogTest, ALogIsContinued) {
+  Start();
+  Draw({{400, 300}, {600, 300}});
+  gromlit.reset();
+  StartGromlit();
+  Go({400, 300});
+  Draw({{400, 300}, {400, 500}});
+  EXPECT_EQ(Logged().size(), 2u);
+}
+
+TEST_F(StrokeLogTest, AClickIsNoLine) {
+  Start();
+  player->Press(3);
+  player->Release(3);
+  probe_->Wait(1, "ButtonRelease");
+  EXPECT_EQ(Logged().size(), 0u);
+}
+
+TEST_F(StrokeLogTest, AFileThatHoldsSomethingElseIsLeftAlone) {
+  std::ofstream(path_) << "precious\n";
+  Start();
+  Draw({{400, 300}, {600, 300}});
+  ASSERT_TRUE(Appears("mark"));
+  EXPECT_EQ(ReadText(path_), "precious\n");
+  EXPECT_NE(GromlitOutput().find("the file holds something else"), std::string::npos)
+      << GromlitOutput();
+}
+
+TEST_F(StrokeLogTest, OnlyARegularFileIsALog) {
+  ASSERT_EQ(mkfifo(path_.c_str(), 0600), 0);
+  Start();
+  Draw({{400, 300}, {600, 300}});
+  ASSERT_TRUE(Appears("mark"));
+  EXPECT_NE(GromlitOutput().find("no log of strokes"), std::string::npos) << GromlitOutput();
+}
+
+}  // namespace
+}  // namespace gromlit::testing
