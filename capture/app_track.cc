@@ -1,8 +1,8 @@
 #include "capture/app_track.h"
 
-#include <array>
 #include "app/main_window/shown_plugin.h"
 #include "display/display.h"
+#include "display/modes.h"
 #include "display/x_handles.h"
 #include "toolkit/window_object.h"
 

@@ -10,7 +10,6 @@
 namespace gromlit {
 
 GromlitPlugin* DefaultPlugin = nullptr;
-GromlitPlugin* ExecutingPlugin = nullptr;
 GromlitUserOptions* user = nullptr;
 const char* GromlitPath = ".";
 

@@ -26,6 +26,7 @@
 #include "app/symbols/symbol_editor.h"
 #include "app/windows/dialogs.h"
 #include "app/windows/splash.h"
+#include "app/windows/top_level.h"
 #include "capture/app_track.h"
 #include "capture/gromlit_draw.h"
 #include "capture/stroke_log.h"
@@ -40,8 +41,8 @@
 #include "program/command_line.h"
 #include "toolkit/event_loop.h"
 #include "toolkit/focus.h"
-#include "toolkit/image.h"
 #include "toolkit/pulldown_button.h"
+#include "toolkit/resources.h"
 #include "toolkit/window_object.h"
 
 namespace gromlit {
@@ -75,16 +76,6 @@ void OpenDisplayOrExit(const char* name) {
   std::exit(1);
 }
 
-void MakeResources() {
-  MakeColours();
-  MakeImages();
-  MakeHandCursor();
-  LoadFonts();
-  MakeCursors();
-  MakeContexts();
-  MakeAtoms();
-}
-
 void GrabDrawButtonOrExit() {
   if (GrabDrawButton(EffectiveButton(user))) return;
   std::printf("%s\n", kDrawButtonTaken);
@@ -98,10 +89,10 @@ void RenewOverlay() {
   RenewDrawEvents(overlay);
 }
 
-void MakeOverlayAndMainWindow(int argc, char** argv) {
+void MakeOverlayAndMainWindow() {
   overlay = MakeGromlitDraw();
   drawButtonChanged = RenewOverlay;
-  app = MakeGromlitApp(6, 3, argc, argv);
+  app = MakeGromlitApp(6, 3);
   overlay->app = app;
 }
 
@@ -116,16 +107,16 @@ void MakeNewPluginDialogs() {
   app->newdlog = MakeNewPluginDialog();
 }
 
-void MakeEditors(int argc, char** argv) {
-  CreateSymbolEditor(argc, argv);  // reads the symbol library as well
+void MakeEditors() {
+  CreateSymbolEditor();  // reads the symbol library as well
   MakeSymbolSelect(YesEditSymbol);
-  CreateActionEditor(argc, argv);
-  CreateUserOptions(argc, argv);
+  CreateActionEditor();
+  CreateUserOptions();
   UpdateUserOptions(user);
 }
 
 void ShowMainWindow() {
-  XMapWindow(dpy, app->window);
+  MapTopLevel(app->window);
   UpdateGromlitApp(app, defaultPluginClassname, nullptr);
   DrawGromlitApp(app);
   UpdatePulldownButton(app->txt, defaultPluginClassname);
@@ -143,17 +134,18 @@ void GiveBack() {
 
 }  // namespace
 
-void StartUp(const CommandLine& line, int argc, char** argv) {
+void StartUp(const CommandLine& line) {
   HoldStandardDescriptors();
   IgnoreWriteSignals();
   PrintAtOnce();
   OpenStrokeLog();
   ReapChildrenSilently();
+  KeepCommandLine(line.argc, line.argv);
   OpenDisplayOrExit(line.display);
   ForgetSentInput();
   GromlitPath = FindInstallation(line);
-  MakeResources();
   GetUserOptions();
+  MakeResources();
   if (user->splash != 0) DoSplash();
   BuildCharToKeycode();
   keyboardChanged = KeyboardChanged;
@@ -163,12 +155,12 @@ void StartUp(const CommandLine& line, int argc, char** argv) {
   ReturnKeysOfTheDead();
   Defer({SpareKeysWait, ReturnKeys});
   MakeAboutDialog();
-  MakeOverlayAndMainWindow(argc, argv);
+  MakeOverlayAndMainWindow();
   MakeConfirmDialog();
   MakeEditNameDialog(SaveNewPluginName);
   ReadPlugins();
   MakeNewPluginDialogs();
-  MakeEditors(argc, argv);
+  MakeEditors();
   CatchEndSignals(GiveBack);
   ShowMainWindow();
   // From here on windows of other clients are asked about that may be gone already.

@@ -25,6 +25,7 @@
 #include "core/retired.h"
 #include "core/strings.h"
 #include "core/symbol_files.h"
+#include "display/modes.h"
 #include "toolkit/button.h"
 #include "toolkit/image.h"
 #include "toolkit/menu.h"
@@ -44,17 +45,15 @@ class MainWindowFixture : public WidgetFixture {
     editingPlugin = 0;
     AppLastClick = 0;
     DefaultPlugin = nullptr;
-    char name[] = "gromlit";
-    char* argv[] = {name, nullptr};
     MakeAboutDialog();
     Retire(app);  // of the test before
     app = nullptr;
-    app = MakeGromlitApp(6, 3, 1, argv);
+    app = MakeGromlitApp(6, 3);
     LoadPlugins();
     app->plugin = GetDefaultPlugin();
     UpdatePluginsMenu();
     LoadSymbols();
-    CreateActionEditor(1, argv);
+    CreateActionEditor();
     UpdateGromlitApp(app, defaultPluginClassname, nullptr);
     cell = 2 * txtCharht + 40;
     XMapWindow(dpy, app->window);
@@ -238,12 +237,12 @@ class MainWindowFixture : public WidgetFixture {
 // Lines that the failure dialog shows, joined by "/"; empty when it is not shown.
 inline std::string ShownFailure() {
   XWindowAttributes is;
-  if (failure == nullptr || XGetWindowAttributes(dpy, failure->window, &is) == 0 ||
+  if (notice == nullptr || XGetWindowAttributes(dpy, notice->window, &is) == 0 ||
       is.map_state != IsViewable) {
     return "";
   }
   std::string text;
-  for (const char* const* line = failure->msgs; *line != nullptr; line++) {
+  for (const char* const* line = notice->msgs; *line != nullptr; line++) {
     text += (text.empty() ? "" : "/") + std::string(*line);
   }
   return text;

@@ -14,6 +14,7 @@
 #include "capture/app_track.h"
 #include "capture/gromlit_draw.h"
 #include "core/option_files.h"
+#include "display/modes.h"
 #include "display/x_errors.h"
 #include "display/x_handles.h"
 #include "toolkit/dialog.h"
@@ -322,9 +323,7 @@ TEST_F(AppTrackTest, SamePluginIsNotDrawnAgain) {
 
 TEST_F(AppTrackTest, OwnWindowsAreLeftAloneAndAllOthersFollowed) {
   MakeConfirmDialog();
-  char name[] = "gromlit";
-  char* argv[] = {name, nullptr};
-  CreateUserOptions(1, argv);
+  CreateUserOptions();
   const std::vector<Window> others = {Make(700, 100, "Edit", "edit"),
                                       Make(700, 300, "Edit", "edit"),
                                       Make(700, 500, "Edit", "edit")};

@@ -18,6 +18,7 @@
 #include "core/option_files.h"
 #include "core/plugin_files.h"
 #include "display/draw_button.h"
+#include "display/modes.h"
 #include "toolkit/menu_bar.h"
 #include "toolkit/press_time.h"
 #include "toolkit/scrollbar.h"
@@ -40,11 +41,11 @@ class OwnWindows : public testing::XFixture {
     editingPlugin = 0;
     MakeAboutDialog();
     draw = MakeGromlitDraw();
-    app = MakeGromlitApp(6, 3, 0, nullptr);
+    app = MakeGromlitApp(6, 3);
     draw->app = app;
     LoadPlugins();
     app->plugin = GetDefaultPlugin();
-    CreateUserOptions(0, nullptr);
+    CreateUserOptions();
     drawButtonChanged = [] { RenewDrawEvents(draw); };
     UpdateUserOptions(user);
     XMoveWindow(dpy, app->window, 600, 0);
@@ -260,15 +261,15 @@ TEST_F(OwnWindows, DialogIsClosedWithShift) {
   ShowFailure("A notice.");
   Pump();
   player->KeyDown(XK_Shift_L);
-  Click(failure->no->window);
-  EXPECT_FALSE(Viewable(failure->window));
+  Click(notice->no->window);
+  EXPECT_FALSE(Viewable(notice->window));
 }
 
 TEST_F(OwnWindows, DialogIsClosedWithAClick) {
   ShowFailure("A notice.");
   Pump();
-  Click(failure->no->window);
-  EXPECT_FALSE(Viewable(failure->window));
+  Click(notice->no->window);
+  EXPECT_FALSE(Viewable(notice->window));
 }
 
 // A click that is handed on carries no time.
