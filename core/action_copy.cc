@@ -9,7 +9,7 @@ namespace gromlit {
 
 void CopyAction(GromlitAction* dst, const GromlitAction* src) {
   *dst = *src;
-  dst->sym.signature = nullptr;
+  DisownFeatures(&dst->sym);
   dst->ncmds = std::min<uint32_t>(src->ncmds, kMaxCommands);
   std::fill_n(dst->cmds, kMaxCommands, nullptr);
   for (uint32_t i = 0; i < dst->ncmds; i++) {
@@ -25,8 +25,7 @@ void ReleaseActionContents(GromlitAction* action) {
     action->cmds[i] = nullptr;
   }
   action->ncmds = 0;
-  std::free(action->sym.signature);
-  action->sym.signature = nullptr;
+  ReleaseFeatures(&action->sym);
 }
 
 }  // namespace gromlit

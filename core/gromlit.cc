@@ -1,7 +1,9 @@
 #include "core/gromlit.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
+#include <new>
 
 #include "core/strings.h"
 
@@ -19,6 +21,18 @@ void CopyGromlitSymbol(GromlitSymbol* dst, const GromlitSymbol* src) {
   std::copy_n(src->x, kMaxPoints + 1, dst->x);
   std::copy_n(src->y, kMaxPoints, dst->y);
   std::copy_n(src->icon, kIconSize, dst->icon);
+}
+
+void DisownFeatures(GromlitSymbol* sym) {
+  sym->signature = nullptr;
+  sym->shape = nullptr;
+}
+
+void ReleaseFeatures(GromlitSymbol* sym) {
+  std::free(sym->signature);
+  // Plain numbers (recognition/shape_match.cc holds it to that), whose memory is all there is.
+  ::operator delete(static_cast<void*>(sym->shape));
+  DisownFeatures(sym);
 }
 
 }  // namespace gromlit

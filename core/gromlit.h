@@ -37,8 +37,11 @@ inline constexpr int kClassBuffer = 100;  // bytes for a class text read from a 
 
 // --- Records ----------------------------------------------------------------------------------
 
-// A named shape. INV-SYMBOL-1: `signature` is null or was computed from the points that are in the
-// record now; whoever changes the points, or copies a symbol over another, sets it to null.
+struct Shape;  // recognition/shape_match.h
+
+// A named shape. INV-SYMBOL-1: `signature` and `shape` are null or were computed from the points
+// that are in the record now; whoever changes the points, or copies a symbol over another, sets
+// them to null.
 struct GromlitSymbol {
   char name[kNameSize];  // NUL-terminated; also the base name of its file
   uint8_t npoints;       // 0..kMaxPoints
@@ -48,6 +51,7 @@ struct GromlitSymbol {
   uint32_t icon[kIconSize];  // row r is icon[r], column c is bit c
   uint32_t spare;            // reserved, kept as read
   char* signature;           // cached signature, heap, owned by the record; null until computed
+  Shape* shape;              // the same for matching by shape
 };
 
 struct GromlitCmd {
@@ -138,9 +142,16 @@ extern GromlitUserOptions* user;        // the options in force
 extern const char* GromlitPath;         // installation directory; all data lie below it
 
 // Copies a symbol into another record: name, npoints, points 1..63, the x of point 64 and the icon.
-// The y of point 64, `spare` and `signature` of dst stay as they were. A caller that gives dst
-// another shape must therefore release its hold on the old signature and set it to null
+// The y of point 64, `spare`, `signature` and `shape` of dst stay as they were. A caller that gives
+// dst another shape must therefore release its hold on the old ones and set them to null
 // (INV-SYMBOL-1).
 void CopyGromlitSymbol(GromlitSymbol* dst, const GromlitSymbol* src);
+
+// Sets the cached signature and shape to null without freeing them: for a record that was copied
+// whole from another, to which they still belong.
+void DisownFeatures(GromlitSymbol* sym);
+
+// Frees both and sets them to null: for a record whose points change, or that goes.
+void ReleaseFeatures(GromlitSymbol* sym);
 
 }  // namespace gromlit

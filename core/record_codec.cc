@@ -71,7 +71,7 @@ void DecodeSymbol(std::span<const std::byte> image, GromlitSymbol* sym) {
   if (sym->npoints == kMaxPoints) sym->y[kMaxPoints] = GetU16(image, at::kY64.offset);
   for (int r = 0; r < kIconSize; r++) sym->icon[r] = GetU32(image, At32(at::kIcon, r));
   sym->spare = GetU32(image, at::kSpare.offset);
-  sym->signature = nullptr;
+  DisownFeatures(sym);
 }
 
 void EncodeSymbol(const GromlitSymbol& sym, std::span<std::byte> image) {

@@ -101,7 +101,7 @@ int StoreSymbol(GromlitSymbol* working, const char* name) {
     // Gone again already. A node without a record would end the list there and hide every symbol
     // behind it, so the list gets what was written.
     stored = new GromlitSymbol(*working);
-    stored->signature = nullptr;
+    DisownFeatures(stored);
   }
   EnsureList();
   for (auto* node = allSymbols; node->sym != nullptr; node = node->next) {

@@ -1,5 +1,6 @@
 #include "recognition/find_action.h"
 
+#include "recognition/shape_match.h"
 #include "recognition/signature_match.h"
 #include "recognition/stroke_signature.h"
 
@@ -20,6 +21,8 @@ Matching MatchingOf(const GromlitUserOptions& options) {
 
 int FindAction(const GromlitPlugin* pin, const Stroke& stroke, const Matching& how) {
   switch (how.way) {
+    case kByShape:
+      return FindShape(pin, stroke, how.tolerance);
     case kBySignature:
     default:
       return FindBySignature(pin, stroke);

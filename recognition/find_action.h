@@ -20,7 +20,8 @@ struct Matching {
 Matching MatchingOf(const GromlitUserOptions& options);
 
 // Index of the action of pin that the stroke stands for, -1 when there is none. By signature it is
-// the first one, in the plug-in's order, whose symbol matches.
+// the first one, in the plug-in's order, whose symbol matches; by shape the one that the stroke
+// looks most like, if it looks enough like it for the tolerance.
 int FindAction(const GromlitPlugin* pin, const Stroke& stroke, const Matching& how);
 
 }  // namespace gromlit

@@ -1,7 +1,6 @@
 #include "recognition/signature_match.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 
 #include "core/strings.h"
@@ -100,8 +99,7 @@ const char* SymbolSignature(GromlitSymbol* sym) {
 }
 
 void ForgetSignature(GromlitSymbol* sym) {
-  std::free(sym->signature);
-  sym->signature = nullptr;
+  ReleaseFeatures(sym);
 }
 
 int SymbolMatch(GromlitSymbol* sym, const char* sigDrawn) {

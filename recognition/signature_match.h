@@ -28,8 +28,9 @@ int SignatureMatch(const char* sigSym, const char* sigDrawn);
 // the only allocation of a search.
 const char* SymbolSignature(GromlitSymbol* sym);
 
-// Frees and forgets the cached signature of a symbol whose points changed (INV-SYMBOL-1). A record
-// that was copied whole from another still points to the other's signature: set it to null instead.
+// Frees and forgets the cached signature of a symbol whose points changed (INV-SYMBOL-1), and with
+// it the cached shape, which is of the same points. A record that was copied whole from another
+// still points to the other's: DisownFeatures is for those.
 void ForgetSignature(GromlitSymbol* sym);
 
 // SignatureMatch of the symbol's signature.

@@ -68,7 +68,7 @@ void TakeSymbol(const GromlitSymbol* sym) {
   CopyGromlitSymbol(&act->action.sym, sym);
   // The last corner point is a whole one only with its y.
   act->action.sym.y[kMaxPoints] = sym->y[kMaxPoints];
-  act->action.sym.signature = nullptr;
+  DisownFeatures(&act->action.sym);
 }
 
 // OK of the symbol dialog. Without a selected symbol the action keeps the one that it has.
@@ -125,6 +125,7 @@ bool SaveEdited(const char* name) {
     return false;
   }
   Retire(former.sym.signature);
+  Retire(former.sym.shape);
   for (uint32_t i = 0; i < former.ncmds; i++) Retire(former.cmds[i]);
   return true;
 }
