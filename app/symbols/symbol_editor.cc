@@ -99,8 +99,8 @@ void SymInit(SymbolEditor* editor, const GromlitSymbol* sym) {
   if (editor == nullptr) return;
   GromlitSymbol opened{};
   if (sym != nullptr) {
-    // The whole record, so that all of it is there to be saved again; but the cached features belong
-    // to the record that they were computed for, and this shape is going to change.
+    // The whole record, so that all of it is there to be saved again; but the cached features
+    // belong to the record that they were computed for, and this shape is going to change.
     opened = *sym;
     DisownFeatures(&opened);
   }
