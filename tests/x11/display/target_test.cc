@@ -270,18 +270,5 @@ TEST_F(TargetTest, EndlessNestingIsCutShort) {
   EXPECT_EQ(Click(top), top);
 }
 
-TEST_F(TargetTest, OrdinaryWindowIsFoundInFewRequests) {
-  const Window top = Top(kPress);
-  SetClass(top, "Class", "name");
-  at = {120, 130};
-  // Class hint; then attributes and geometry, tree, position.
-  unsigned long before = NextRequest(dpy);
-  EXPECT_EQ(App(top), top);
-  EXPECT_EQ(NextRequest(dpy) - before, 1u);
-  before = NextRequest(dpy);
-  EXPECT_EQ(Click(top), top);
-  EXPECT_EQ(NextRequest(dpy) - before, 4u);
-}
-
 }  // namespace
 }  // namespace gromlit
