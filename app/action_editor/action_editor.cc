@@ -20,6 +20,7 @@
 #include "display/modes.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
+#include "toolkit/text.h"
 
 namespace gromlit {
 
