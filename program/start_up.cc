@@ -77,6 +77,7 @@ void OpenDisplayOrExit(const char* name) {
 }
 
 void GrabDrawButtonOrExit() {
+  RenewDrawLocks();
   if (GrabDrawButton(EffectiveButton(user))) return;
   std::printf("%s\n", kDrawButtonTaken);
   std::exit(0);
@@ -148,7 +149,10 @@ void StartUp(const CommandLine& line) {
   MakeResources();
   if (user->splash != 0) DoSplash();
   BuildCharToKeycode();
-  keyboardChanged = KeyboardChanged;
+  keyboardChanged = [](const XMappingEvent& event) {
+    KeyboardChanged(event);
+    RenewDrawLocks();
+  };
   GrabDrawButtonOrExit();
   // Not before the grab: an instance that runs may be saving, or typing.
   RemoveStaleTemporaries();
