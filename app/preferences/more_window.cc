@@ -5,7 +5,7 @@
 #include "actions/launch.h"
 #include "app/preferences/choices.h"
 #include "app/windows/dialogs.h"
-#include "app/windows/wm_properties.h"
+#include "app/windows/top_level.h"
 #include "core/option_files.h"
 #include "display/display.h"
 #include "toolkit/bevel.h"
@@ -66,13 +66,10 @@ void CreateMoreOptions(GromlitUserOptions* working) {
                                    .icontitle = kTitle,
                                    .name = "MorePreferences",
                                    .width = more->width,
-                                   .height = more->height,
-                                   .argc = 0,
-                                   .argv = nullptr});
+                                   .height = more->height});
   more->gc = MakeWindowGC(more->window, txtFont);
-  more->wobj = AllocWindowObj(more->window, more);
+  more->wobj = AllocTopLevelObj(more->window, more);
   On<Expose, DrawMoreOptions>(more);
-  SetHandler(more->wobj, ClientMessage, WMClientMessage);
   more->logo = MakeLogo(more->window, kMargin, kMargin, kWidth - 2 * kMargin, nullptr, "M o r e");
   for (size_t i = 0; i < Choices().size(); i++)
     more->boxes.push_back(
@@ -87,7 +84,7 @@ void CreateMoreOptions(GromlitUserOptions* working) {
 
 void moreClickOpen(void*) {
   SetBoxes(more, [](const Choice& choice) { return IsOn(*user, choice); });
-  XMapRaised(dpy, more->window);
+  ShowTopLevel(more->window);
 }
 
 void moreClickRecommended(void*) {
@@ -102,11 +99,11 @@ void moreClickSave(void*) {
     ShowSaveFailure(kNotSaved, errno);
     return;
   }
-  XUnmapWindow(dpy, more->window);
+  HideTopLevel(more->window);
 }
 
 void moreClickCancel(void*) {
-  XUnmapWindow(dpy, more->window);
+  HideTopLevel(more->window);
 }
 
 void moreClickHelp(void*) {
