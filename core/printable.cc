@@ -34,6 +34,11 @@ std::string Printable(std::string_view text) {
       shown += text.substr(0, size);
     } else {
       const auto byte = static_cast<unsigned char>(text[0]);
+      if (byte >= 0xa0 && !text.starts_with("\xc2")) {
+        shown += text[0];
+        text.remove_prefix(1);
+        continue;
+      }
       shown += {'\\', 'x', kDigits[byte >> 4], kDigits[byte & 15]};
     }
     text.remove_prefix(size != 0 ? size : 1);

@@ -8,8 +8,11 @@
 #include <string_view>
 #include <system_error>
 
+#include "core/command_types.h"
 #include "core/option_files.h"
 #include "core/plugin_files.h"
+#include "core/plugin_names.h"
+#include "core/printable.h"
 #include "core/strings.h"
 #include "core/symbol_files.h"
 #include "recognition/signature_match.h"
@@ -22,9 +25,7 @@ namespace fs = std::filesystem;
 
 // A text from a file in a line of output: nothing in it may end the line or reach a terminal raw.
 std::string Quote(std::string_view text) {
-  std::string quoted = "\"";
-  for (const char c : text) quoted += static_cast<unsigned char>(c) < ' ' || c == '\x7f' ? '?' : c;
-  return quoted + "\"";
+  return "\"" + Printable(text) + "\"";
 }
 
 class Checker {
@@ -34,6 +35,7 @@ class Checker {
   std::vector<std::string> Run() {
     for (const std::string& name : Names(symbolDirectory)) CheckSymbolFile(name);
     for (const std::string& name : Names(pluginDirectory)) CheckPluginFile(name);
+    ReportSparePlugins();
     Names(optionDirectory);
     CheckOptionsFile();
     return std::move(lines_);
@@ -41,8 +43,7 @@ class Checker {
 
  private:
   void Report(const std::string& file, const std::string& problem) {
-    const std::string quoted = Quote(file);
-    lines_.push_back(quoted.substr(1, quoted.size() - 2) + ": " + problem);
+    lines_.push_back(Printable(file) + ": " + problem);
   }
 
   // Names in a data directory, sorted; further directories are nobody's data and left out.
@@ -102,6 +103,7 @@ class Checker {
       GromlitAction* action = plugin.actions[i];
       titles.push_back("action " + std::to_string(i) + " " + Quote(FieldText(action->name)));
       CheckSymbol(name, titles.back() + ": ", &action->sym);
+      CheckCommands(name, titles.back() + ": ", *action);
       for (int j = 0; j < i; j++) {
         if (!Shadows(SymbolSignature(&plugin.actions[j]->sym), SymbolSignature(&action->sym)))
           continue;
@@ -110,9 +112,37 @@ class Checker {
         break;
       }
     }
-    const std::string classname(FieldText(plugin.classname));
-    const auto [first, fresh] = classes_.emplace(classname, name);
-    if (!fresh) Report(name, "class " + Quote(classname) + " is also that of " + first->second);
+    classes_[std::string(FieldText(plugin.classname))].push_back(
+        name.substr(std::string_view(pluginDirectory).size() + 1));
+  }
+
+  void CheckCommands(const std::string& file, const std::string& where,
+                     const GromlitAction& action) {
+    for (uint32_t j = 0; j < action.ncmds; j++) {
+      const GromlitCmd& cmd = *action.cmds[j];
+      const std::string command = where + "command " + std::to_string(j) + ": ";
+      if (CommandTypeOf(cmd.type) == nullptr)
+        Report(file, command + "type " + std::to_string(cmd.type) + " is unknown, it does nothing");
+      if (cmd.nkeys > kMaxKeys) {
+        Report(file, command + std::to_string(cmd.nkeys) + " keys, the possible " +
+                         std::to_string(kMaxKeys) + " are sent");
+      }
+    }
+  }
+
+  // Of several files of one class the program uses one and leaves the others alone.
+  void ReportSparePlugins() {
+    for (const auto& [classname, names] : classes_) {
+      std::string used = names.front();
+      for (const std::string& name : names)
+        if (CountsBefore(classname, name, used)) used = name;
+      const std::string directory = std::string(pluginDirectory) + "/";
+      for (const std::string& name : names) {
+        if (name == used) continue;
+        Report(directory + name, "not used: class " + Quote(classname) + " is also that of " +
+                                     Printable(directory + used) + ", which counts");
+      }
+    }
   }
 
   void CheckOptionsFile() {
@@ -131,7 +161,7 @@ class Checker {
 
   const std::string& dir_;
   std::vector<std::string> lines_;
-  std::map<std::string, std::string> classes_;  // class, file
+  std::map<std::string, std::vector<std::string>> classes_;  // class, files in byte order
 };
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include "core/option_fields.h"
 #include "core/option_files.h"
 #include "core/plugin_image.h"
+#include "core/printable.h"
 #include "core/record_codec.h"
 #include "core/record_layout.h"
 #include "core/symbol_files.h"
@@ -156,7 +157,10 @@ bool ReadDataFile(const char* path, DataFile* file, std::string* error) {
     return false;
   }
   if (!FitKind(bytes, &file->kind)) {
-    *error = "no symbol, plug-in or options file: it does not begin with the header of one";
+    *error =
+        "no symbol, plug-in or options file: it does not begin with the header of one, but "
+        "with \"" +
+        Printable({reinterpret_cast<const char*>(bytes.data()), bytes.size()}) + "\"";
     return false;
   }
   if (!ReadFile(path, LargestFile(file->kind), &bytes)) {

@@ -1,6 +1,6 @@
 // The text of JSON documents: strings of bytes, parsing with limits, printing.
-#include <memory>
-#include <set>
+#include <algorithm>
+#include <string>
 #include <vector>
 
 #include "tools/record_json.h"
@@ -9,6 +9,25 @@ namespace gromlit {
 namespace {
 
 constexpr size_t kLineWidth = 80;
+
+// A value as one line of text. What a terminal would take for commands is escaped, too.
+std::string Line(const Json& value) {
+  const std::string text = value.dump();
+  std::string line;
+  for (size_t i = 0; i < text.size(); i++) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    const bool second = byte == 0xc2 && i + 1 < text.size() &&
+                        static_cast<unsigned char>(text[i + 1]) < 0xa0;  // U+0080..U+009F
+    if (byte != 0x7f && !second) {
+      line += text[i];
+      continue;
+    }
+    constexpr char kDigits[] = "0123456789abcdef";
+    const auto code = static_cast<unsigned char>(second ? text[++i] : text[i]);
+    line += {'\\', 'u', '0', '0', kDigits[code >> 4], kDigits[code & 15]};
+  }
+  return line;
+}
 
 // A list that is shown on one line however long it is: numbers, or lists of numbers.
 bool OnlyNumbers(const Json& list) {
@@ -27,11 +46,11 @@ bool HoldsObjects(const Json& list) {
 
 void Print(const Json& value, size_t indent, std::string* out) {
   if (!value.is_structured() || value.empty()) {
-    *out += value.dump();
+    *out += Line(value);
     return;
   }
   if (value.is_array() && !HoldsObjects(value)) {
-    const std::string line = value.dump();
+    const std::string line = Line(value);
     if (OnlyNumbers(value) || indent + line.size() <= kLineWidth) {
       *out += line;
       return;
@@ -42,7 +61,7 @@ void Print(const Json& value, size_t indent, std::string* out) {
   const char* separator = "\n";
   for (const auto& item : value.items()) {
     *out += separator + margin;
-    if (value.is_object()) *out += Json(item.key()).dump() + ": ";
+    if (value.is_object()) *out += Line(Json(item.key())) + ": ";
     Print(item.value(), indent + 2, out);
     separator = ",\n";
   }
@@ -83,22 +102,74 @@ bool TextToBytes(std::string_view text, std::string* bytes) {
   return true;
 }
 
+namespace {
+
+// Where a parser is: the objects and lists that are open, outermost first.
+class OpenValues {
+ public:
+  // An event of the parser; throws JsonError for what no document of ours has.
+  void See(Json::parse_event_t event, const Json& parsed) {
+    using Event = Json::parse_event_t;
+    if (event == Event::key) {
+      Key(parsed.get_ref<const std::string&>());
+      return;
+    }
+    if (event == Event::object_end || event == Event::array_end) {
+      open_.pop_back();
+    } else if (++values_ > kMaxJsonValues) {
+      Fail("too many values");
+    }
+    if (event == Event::object_start || event == Event::array_start) {
+      if (open_.size() >= kMaxJsonDepth) Fail("nested too deeply");
+      open_.push_back({.object = event == Event::object_start, .keys = {}, .index = 0});
+    } else if (!open_.empty()) {
+      open_.back().index++;  // a value is complete
+    }
+  }
+
+ private:
+  struct Open {
+    bool object;
+    std::vector<std::string> keys;  // of an object so far, at most kMaxJsonKeys
+    size_t index;                   // of a list: items so far
+  };
+
+  void Key(const std::string& key) {
+    std::vector<std::string>& keys = open_.back().keys;
+    if (std::find(keys.begin(), keys.end(), key) != keys.end()) {
+      open_.pop_back();
+      Fail("key \"" + key.substr(0, kShownWord) + "\" appears twice");
+    }
+    if (keys.size() == kMaxJsonKeys) {
+      open_.pop_back();
+      Fail("more than " + std::to_string(kMaxJsonKeys) + " keys in one object");
+    }
+    keys.push_back(key);
+  }
+
+  // With the place of the value that is being read, as record_json.cc names it.
+  [[noreturn]] void Fail(const std::string& what) const {
+    std::string where;
+    for (const Open& open : open_) {
+      if (!open.object) {
+        where += "[" + std::to_string(open.index) + "]";
+      } else {
+        where += (where.empty() ? "" : ".") + open.keys.back().substr(0, kShownWord);
+      }
+    }
+    throw JsonError(where.empty() ? what : where + ": " + what);
+  }
+
+  std::vector<Open> open_;
+  size_t values_ = 0;
+};
+
+}  // namespace
+
 Json ParseJson(std::string_view text) {
-  // Keys seen so far of each object that is open.
-  std::vector<std::set<std::string>> open;
-  size_t values = 0;
-  const auto watch = [&](int depth, Json::parse_event_t event, Json& parsed) {
-    if (event == Json::parse_event_t::object_start || event == Json::parse_event_t::array_start) {
-      if (depth >= kMaxJsonDepth) throw JsonError("nested too deeply");
-    }
-    if (event != Json::parse_event_t::key && ++values > kMaxJsonValues)
-      throw JsonError("too many values");
-    if (event == Json::parse_event_t::object_start) open.emplace_back();
-    if (event == Json::parse_event_t::object_end) open.pop_back();
-    if (event == Json::parse_event_t::key) {
-      const auto& key = parsed.get_ref<const std::string&>();
-      if (!open.back().insert(key).second) throw JsonError("key \"" + key + "\" appears twice");
-    }
+  OpenValues open;
+  const auto watch = [&](int, Json::parse_event_t event, Json& parsed) {
+    open.See(event, parsed);
     return true;
   };
   try {

@@ -1,15 +1,16 @@
 // gromlit-tool: the data files and the recognition from the command line, without a display.
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <sstream>
 #include <string>
 #include <vector>
 
+#include "core/printable.h"
 #include "core/strings.h"
 #include "recognition/find_action.h"
 #include "recognition/signature_match.h"
@@ -19,6 +20,7 @@
 #include "tools/output_file.h"
 #include "tools/record_json.h"
 #include "tools/stroke_input.h"
+#include "tools/text_input.h"
 
 namespace gromlit {
 namespace {
@@ -28,33 +30,14 @@ constexpr int kSuccess = 0;
 constexpr int kNegative = 1;  // no action matches; problems were found
 constexpr int kTrouble = 2;   // wrong usage, input that cannot be read, output that fails
 
-// More than the document of any plug-in file: an escaped byte of a text takes six characters.
-constexpr size_t kMaxTextInput = size_t{512} << 20;
-
 int Complain(const std::string& name, const std::string& what) {
-  std::fprintf(stderr, "gromlit-tool: %s: %s\n", name.c_str(), what.c_str());
+  std::fprintf(stderr, "gromlit-tool: %s: %s\n", Printable(name).c_str(), Printable(what).c_str());
   return kTrouble;
 }
 
 // How messages call an input.
 std::string InputName(const std::string& path) {
   return path == "-" ? "standard input" : path;
-}
-
-// Reads a text; "-" is standard input. Pipes are welcome here. False with *error set.
-bool ReadTextInput(const std::string& path, std::string* text, std::string* error) {
-  const int fd = path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  ssize_t n = fd < 0 ? -1 : 1;
-  char block[1 << 16];
-  while (n > 0 && text->size() <= kMaxTextInput) {
-    do n = read(fd, block, sizeof block);
-    while (n < 0 && errno == EINTR);
-    if (n > 0) text->append(block, static_cast<size_t>(n));
-  }
-  if (n < 0) *error = std::strerror(errno);
-  if (n > 0) *error = "larger than 512 MB";
-  if (fd > STDIN_FILENO) close(fd);
-  return n == 0;
 }
 
 void Write(const std::string& text) {
@@ -94,19 +77,16 @@ int Show(const std::vector<std::string>& paths) {
 }
 
 void ReadDocument(const Json& document, DataFile* file) {
-  const auto kind = document.is_object() ? document.find("kind") : document.end();
-  if (kind == document.end()) throw JsonError("an object with a \"kind\" is expected");
-  if (*kind == "symbol") {
+  const std::string kind = KindOf(document);
+  if (kind == "symbol") {
     file->kind = Kind::kSymbol;
     ReadSymbolDocument(document, &file->symbol);
-  } else if (*kind == "plugin") {
+  } else if (kind == "plugin") {
     file->kind = Kind::kPlugin;
     ReadPluginDocument(document, &file->plugin);
-  } else if (*kind == "options") {
+  } else {
     file->kind = Kind::kOptions;
     ReadOptionsDocument(document, &file->options);
-  } else {
-    throw JsonError("kind: \"symbol\", \"plugin\" or \"options\" is expected");
   }
 }
 
@@ -114,7 +94,7 @@ int Pack(const std::string& input, const std::string& output) {
   const std::string name = InputName(input);
   std::string text;
   std::string error;
-  if (!ReadTextInput(input, &text, &error)) return Complain(name, error);
+  if (!ReadTextInput(input, kMaxDocument, &text, &error)) return Complain(name, error);
   DataFile file;
   try {
     ReadDocument(ParseJson(text), &file);
@@ -131,7 +111,8 @@ int Pack(const std::string& input, const std::string& output) {
 bool ReadStroke(const std::string& path, Stroke* stroke) {
   std::string text;
   std::string error;
-  if (ReadTextInput(path, &text, &error) && ParseStroke(text, stroke, &error)) return true;
+  if (ReadTextInput(path, kMaxStrokeText, &text, &error) && ParseStroke(text, stroke, &error))
+    return true;
   Complain(InputName(path), error);
   return false;
 }
@@ -175,7 +156,7 @@ int Match(const std::string& plugin, const std::string& path) {
   const int index = FindAction(&file.plugin, stroke, {kBySignature, 0});
   if (index >= 0) {
     const std::string_view name = FieldText(file.plugin.actions[index]->name);
-    Write(std::to_string(index) + "\t" + std::string(name) + "\n");
+    Write(std::to_string(index) + "\t" + Printable(name) + "\n");
   }
   if (!file.damage.empty()) return kTrouble;
   return index >= 0 ? kSuccess : kNegative;
@@ -239,7 +220,15 @@ int Main(int argc, char** argv) {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
     // Its own statuses tell the kinds of wrong usage apart; here they are one. Help is no error.
-    if (app.exit(e) != 0) return kTrouble;
+    std::ostringstream out;
+    std::ostringstream err;
+    const bool wrong = app.exit(e, out, err) != 0;
+    Write(out.str());
+    // The words of the command line are in it.
+    std::istringstream lines(err.str());
+    for (std::string line; std::getline(lines, line);)
+      std::fprintf(stderr, "%s\n", Printable(line).c_str());
+    if (wrong) return kTrouble;
   }
   if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)
     return Complain("standard output", std::strerror(errno));
@@ -250,6 +239,8 @@ int Main(int argc, char** argv) {
 }  // namespace gromlit
 
 int main(int argc, char** argv) {
+  // A limit on the size of files is then the error of one write, which takes its temporary away.
+  std::signal(SIGXFSZ, SIG_IGN);
   try {
     return gromlit::Main(argc, argv);
   } catch (const std::bad_alloc&) {

@@ -29,6 +29,21 @@ auto CharsFields(Plugin* p) {
   throw JsonError(where.empty() ? what : where + ": " + what);
 }
 
+// A value as messages show it: the beginning of a word, or what else it is.
+std::string Shown(const Json& value) {
+  if (value.is_object()) return "an object";
+  if (value.is_array())
+    return "a list" + (value.empty() ? "" : " of " + std::to_string(value.size()));
+  if (!value.is_string()) return value.dump();
+  const auto& text = value.get_ref<const std::string&>();
+  return "\"" + text.substr(0, kShownWord) + (text.size() > kShownWord ? "...\"" : "\"");
+}
+
+[[noreturn]] void FailExpected(const std::string& where, const std::string& what,
+                               const Json& value) {
+  Fail(where, what + " expected, not " + Shown(value));
+}
+
 // --- Writing ------------------------------------------------------------------------------------
 
 std::string NameText(std::span<const char> field) {
@@ -93,7 +108,7 @@ Json ActionObject(const GromlitAction& action) {
 class ObjectReader {
  public:
   ObjectReader(const Json& object, std::string where) : object_(object), where_(std::move(where)) {
-    if (!object.is_object()) Fail(where_, "an object is expected");
+    if (!object.is_object()) FailExpected(where_, "an object is", object);
   }
 
   const Json* Find(const char* key) {
@@ -129,7 +144,7 @@ class ObjectReader {
   const Json* List(const char* key, size_t limit) {
     const Json* value = Find(key);
     if (value == nullptr) return nullptr;
-    if (!value->is_array()) Fail(Where(key), "a list is expected");
+    if (!value->is_array()) FailExpected(Where(key), "a list is", *value);
     if (value->size() > limit) {
       Fail(Where(key), "has " + std::to_string(value->size()) + " items, at most " +
                            std::to_string(limit) + " are possible");
@@ -140,7 +155,7 @@ class ObjectReader {
   void NoOtherKeys() const {
     for (const auto& item : object_.items()) {
       if (std::find(asked_.begin(), asked_.end(), item.key()) == asked_.end())
-        Fail(where_, "unknown key " + Json(item.key()).dump());
+        Fail(where_, "unknown key " + Shown(Json(item.key())));
     }
   }
 
@@ -148,7 +163,7 @@ class ObjectReader {
   static Int ToNumber(const Json& value, const std::string& where) {
     constexpr int64_t low = std::numeric_limits<Int>::min();
     constexpr int64_t high = std::numeric_limits<Int>::max();
-    if (!value.is_number_integer()) Fail(where, "a whole number is expected");
+    if (!value.is_number_integer()) FailExpected(where, "a whole number is", value);
     const bool fits = value.is_number_unsigned()
                           ? value.get<uint64_t>() <= static_cast<uint64_t>(high)
                           : value.get<int64_t>() >= low && value.get<int64_t>() <= high;
@@ -160,10 +175,10 @@ class ObjectReader {
   }
 
   static std::string ToBytes(const Json& value, const std::string& where) {
-    if (!value.is_string()) Fail(where, "a string is expected");
+    if (!value.is_string()) FailExpected(where, "a string is", value);
     std::string bytes;
     if (!TextToBytes(value.get_ref<const std::string&>(), &bytes))
-      Fail(where, "holds a character above U+00FF");
+      Fail(where, "holds a character above U+00FF in " + Shown(value));
     return bytes;
   }
 
@@ -171,20 +186,22 @@ class ObjectReader {
     if (value == nullptr) return;
     const std::string bytes = ToBytes(*value, where);
     if (bytes.size() > field.size())
-      Fail(where, "longer than " + std::to_string(field.size()) + " bytes");
+      Fail(where, "longer than " + std::to_string(field.size()) + " bytes: " + Shown(*value));
     std::copy(bytes.begin(), bytes.end(), field.begin());
   }
 
   static void ToPair(const Json& value, const std::string& where, uint16_t* first,
                      uint16_t* second) {
-    if (!value.is_array() || value.size() != 2) Fail(where, "a pair of numbers is expected");
+    if (!value.is_array() || value.size() != 2) FailExpected(where, "a pair of numbers is", value);
     *first = ToNumber<uint16_t>(value[0], where);
     *second = ToNumber<uint16_t>(value[1], where);
   }
 
  private:
   void CheckLength(const char* key, const std::string& bytes, size_t limit) const {
-    if (bytes.size() > limit) Fail(Where(key), "longer than " + std::to_string(limit) + " bytes");
+    if (bytes.size() <= limit) return;
+    Fail(Where(key),
+         "longer than " + std::to_string(limit) + " bytes: " + Shown(Json(BytesToText(bytes))));
   }
 
   const Json& object_;
@@ -197,11 +214,12 @@ std::string Item(const std::string& where, size_t index) {
 }
 
 void ReadIcon(const Json& icon, const std::string& where, GromlitSymbol* sym) {
-  if (!icon.is_array() || icon.size() != kIconSize) Fail(where, "\"auto\" or 32 rows are expected");
+  if (!icon.is_array() || icon.size() != kIconSize)
+    FailExpected(where, "\"auto\" or 32 rows are", icon);
   for (size_t r = 0; r < kIconSize; r++) {
     const std::string row = ObjectReader::ToBytes(icon[r], Item(where, r));
     if (row.size() != kIconSize || row.find_first_not_of("#.") != std::string::npos)
-      Fail(Item(where, r), "32 characters \"#\" or \".\" are expected");
+      FailExpected(Item(where, r), "32 characters \"#\" or \".\" are", icon[r]);
     for (unsigned column = 0; column < kIconSize; column++)
       if (row[column] == '#') sym->icon[r] |= uint32_t{1} << column;
   }
@@ -231,7 +249,7 @@ uint8_t ReadType(const Json& type, const std::string& where) {
   const std::string name = ObjectReader::ToBytes(type, where);
   for (const CommandTypeInfo& known : kCommandTypes)
     if (name == known.name) return known.type;
-  Fail(where, type.dump() + " is no command type and no number 0..255");
+  Fail(where, Shown(type) + " is no command type and no number 0..255");
 }
 
 void ReadCommand(const Json& object, const std::string& where, GromlitCmd* cmd) {
@@ -326,6 +344,16 @@ Json OptionsDocument(const GromlitUserOptions& options) {
     }
   }
   return out;
+}
+
+std::string KindOf(const Json& document) {
+  constexpr const char* kExpected = "an object with a \"kind\" is";
+  if (!document.is_object()) FailExpected("", kExpected, document);
+  const auto kind = document.find("kind");
+  if (kind == document.end()) Fail("", std::string(kExpected) + " expected, the key is missing");
+  for (const char* known : {"symbol", "plugin", "options"})
+    if (*kind == known) return known;
+  FailExpected("kind", "\"symbol\", \"plugin\" or \"options\" is", *kind);
 }
 
 void ReadSymbolDocument(const Json& document, GromlitSymbol* sym) {

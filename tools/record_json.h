@@ -23,11 +23,18 @@ struct JsonError : std::runtime_error {
 };
 
 // Largest depth of arrays and objects that a document may have; the records need seven levels.
-inline constexpr int kMaxJsonDepth = 16;
+inline constexpr size_t kMaxJsonDepth = 16;
 
 // Most values that a document may have. A plug-in of 128 actions with 128 commands each has less
 // than a million; without a limit, a small file of many empty lists would take a lot of memory.
 inline constexpr size_t kMaxJsonValues = 2'000'000;
+
+// Most keys that one object may have; the records need at most 14. What holds the objects in memory
+// looks for a key by going through them all.
+inline constexpr size_t kMaxJsonKeys = 64;
+
+// Bytes of a document's word that a message shows.
+inline constexpr size_t kShownWord = 40;
 
 // Bytes as UTF-8 text, one code point for each byte.
 std::string BytesToText(std::string_view bytes);
@@ -35,8 +42,8 @@ std::string BytesToText(std::string_view bytes);
 // The reverse; false when a code point lies above U+00FF. REQUIRES: text is valid UTF-8.
 bool TextToBytes(std::string_view text, std::string* bytes);
 
-// Parses one document. Throws JsonError for malformed text, repeated keys, too many levels or
-// values.
+// Parses one document. Throws JsonError for malformed text, repeated keys, too many levels, values
+// or keys. REQUIRES: no NUL in text, where the parser would see its end.
 Json ParseJson(std::string_view text);
 
 // The document as text for people and for line-by-line comparison, a newline at its end: one key
@@ -47,6 +54,10 @@ std::string PrintJson(const Json& document);
 Json SymbolDocument(const GromlitSymbol& sym);
 Json PluginDocument(const GromlitPlugin& plugin);
 Json OptionsDocument(const GromlitUserOptions& options);
+
+// What a document's "kind" says: "symbol", "plugin" or "options". Throws JsonError when it says
+// nothing of these.
+std::string KindOf(const Json& document);
 
 // Fill a zeroed record from a document, whose "kind" has been looked at. All throw JsonError; a
 // record that was being filled then is incomplete. The actions, commands and texts of a plug-in are

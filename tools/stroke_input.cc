@@ -3,6 +3,8 @@
 #include <charconv>
 #include <limits>
 
+#include "core/printable.h"
+
 namespace gromlit {
 namespace {
 
@@ -18,9 +20,7 @@ std::string_view NextWord(std::string_view* line) {
 
 // Text from a stranger's file in a message: short, and without control characters.
 std::string Quote(std::string_view text) {
-  std::string quoted = "\"";
-  for (const char c : text.substr(0, 40)) quoted += c >= ' ' && c <= '~' ? c : '?';
-  return quoted + (text.size() > 40 ? "...\"" : "\"");
+  return "\"" + Printable(text.substr(0, 40)) + (text.size() > 40 ? "...\"" : "\"");
 }
 
 bool ParseCoordinate(std::string_view word, int16_t* out, std::string* error) {
@@ -28,7 +28,8 @@ bool ParseCoordinate(std::string_view word, int16_t* out, std::string* error) {
   const auto [end, status] = std::from_chars(word.data(), word.data() + word.size(), value);
   const bool number = status != std::errc::invalid_argument && end == word.data() + word.size();
   if (word.empty() || !number) {
-    *error = word.empty() ? "two numbers are expected" : Quote(word) + " is no whole number";
+    *error = word.empty() ? "two numbers are expected, there is only one"
+                          : Quote(word) + " is no whole number";
     return false;
   }
   constexpr int low = std::numeric_limits<int16_t>::min();

@@ -21,14 +21,19 @@ TEST(Printable, EscapesWhatSteersATerminal) {
 
 TEST(Printable, EscapesBytesThatAreNoText) {
   EXPECT_EQ(Printable("\x9b"
-                      "1m\xff\x80"),
-            "\\x9b1m\\xff\\x80");
-  EXPECT_EQ(Printable("\xc3"), "\\xc3") << "cut";
-  EXPECT_EQ(Printable("\xe2\x82"), "\\xe2\\x82");
-  EXPECT_EQ(Printable("\xc3(\xe2(\xa1"), "\\xc3(\\xe2(\\xa1");
-  EXPECT_EQ(Printable("\xc0\x8a\xe0\x80\x8a"), "\\xc0\\x8a\\xe0\\x80\\x8a") << "overlong";
-  EXPECT_EQ(Printable("\xed\xa0\x80\xf4\x90\x80\x80\xf8"),
-            "\\xed\\xa0\\x80\\xf4\\x90\\x80\\x80\\xf8");
+                      "1m\x80"),
+            "\\x9b1m\\x80");
+  EXPECT_EQ(Printable("\xe2\x82"), "\xe2\\x82") << "cut";
+  EXPECT_EQ(Printable("\xc0\x8a\xe0\x80\x8a"), "\xc0\\x8a\xe0\\x80\\x8a") << "overlong";
+  EXPECT_EQ(Printable("\xed\xa0\x80\xf4\x90\x80\x80"), "\xed\xa0\\x80\xf4\\x90\\x80\\x80");
+}
+
+TEST(Printable, KeepsLettersOfOlderEncodings) {
+  EXPECT_EQ(Printable("Gr\xfc\xdf"
+                      "e \xe4"),
+            "Gr\xfc\xdf"
+            "e \xe4");
+  EXPECT_EQ(Printable("\xc2\xc2\x9b"), "\\xc2\\xc2\\x9b");
 }
 
 }  // namespace

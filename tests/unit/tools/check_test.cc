@@ -128,8 +128,29 @@ TEST_F(Check, ReportsEveryFurtherPluginOfAClass) {
   Pack("plugins/b.sla", Plugin("Same", {}));
   Pack("plugins/c", Plugin("Same", {}));
   Pack("plugins/d.sla", Plugin("same", {}));
-  EXPECT_THAT(Problems(), ElementsAre("plugins/b.sla: class \"Same\" is also that of plugins/a.sla",
-                                      "plugins/c: class \"Same\" is also that of plugins/a.sla"));
+  EXPECT_THAT(Problems(), ElementsAre("plugins/b.sla: not used: class \"Same\" is also that of "
+                                      "plugins/a.sla, which counts",
+                                      "plugins/c: not used: class \"Same\" is also that of "
+                                      "plugins/a.sla, which counts"));
+  Pack("plugins/Same.sla", Plugin("Same", {}));
+  Pack("plugins/!.sla", Plugin("Same", {}));
+  EXPECT_THAT(Problems(), ElementsAre("plugins/!.sla: not used: class \"Same\" is also that of "
+                                      "plugins/Same.sla, which counts",
+                                      HasSubstr("plugins/a.sla: not used: "),
+                                      HasSubstr("plugins/b.sla: not used: "),
+                                      HasSubstr("plugins/c: not used: ")));
+}
+
+TEST_F(Check, ReportsCommandsThatDoLessThanTheySay) {
+  Pack("plugins/x.sla", R"({"kind":"plugin","actions":[{"name":"A","symbol":
+      {"points":[[16,16],[264,16]]},"commands":[{"type":"HotKey","nkeys":8},{"type":"Menu","nkeys":9},
+      {"type":6},{"type":255,"nkeys":255}]}]})");
+  EXPECT_THAT(
+      Problems(),
+      ElementsAre("plugins/x.sla: action 0 \"A\": command 1: 9 keys, the possible 8 are sent",
+                  "plugins/x.sla: action 0 \"A\": command 2: type 6 is unknown, it does nothing",
+                  "plugins/x.sla: action 0 \"A\": command 3: type 255 is unknown, it does nothing",
+                  "plugins/x.sla: action 0 \"A\": command 3: 255 keys, the possible 8 are sent"));
 }
 
 TEST_F(Check, ReportsActionsThatCanNeverRun) {
@@ -153,7 +174,8 @@ TEST_F(Check, KeepsHostileNamesOnOneLine) {
   Pack("plugins/x.sla", Plugin("a\\nb\\u001b", {}));
   Pack("plugins/y\n.sla", Plugin("a\\nb\\u001b", {}));
   EXPECT_THAT(Problems(),
-              ElementsAre("plugins/y?.sla: class \"a?b?\" is also that of plugins/x.sla"));
+              ElementsAre("plugins/y\\x0a.sla: not used: class \"a\\x0ab\\x1b\" is also that of "
+                          "plugins/x.sla, which counts"));
 }
 
 TEST_F(Check, ReportsAFileThatCannotBeRead) {

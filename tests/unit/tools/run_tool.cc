@@ -13,7 +13,7 @@
 namespace gromlit::testing {
 
 ToolResult RunTool(const std::vector<std::string>& arguments, const std::string& input,
-                   const std::string& output) {
+                   const std::string& output, const std::function<void()>& prepare) {
   const TempInstall scratch;
   WriteText(scratch / "in", input);
   std::vector<char*> argv = {const_cast<char*>(GROMLIT_TOOL)};
@@ -28,6 +28,7 @@ ToolResult RunTool(const std::vector<std::string>& arguments, const std::string&
     dup2(open(in.c_str(), O_RDONLY), STDIN_FILENO);
     dup2(open(out.c_str(), O_WRONLY | O_CREAT, 0600), STDOUT_FILENO);
     dup2(open(err.c_str(), O_WRONLY | O_CREAT, 0600), STDERR_FILENO);
+    if (prepare) prepare();
     execv(argv[0], argv.data());
     _exit(127);
   }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -16,9 +17,10 @@ struct ToolResult {
 };
 
 // Runs gromlit-tool with these arguments and this standard input, without a display. The standard
-// output goes to `output` when that is given.
+// output goes to `output` when that is given. `prepare` is called in the process that becomes the
+// tool.
 ToolResult RunTool(const std::vector<std::string>& arguments, const std::string& input = "",
-                   const std::string& output = "");
+                   const std::string& output = "", const std::function<void()>& prepare = {});
 
 // Files with every defined byte set to something of its own, put together from literal offsets.
 std::vector<std::byte> GoldenSymbolFile();

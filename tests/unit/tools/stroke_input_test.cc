@@ -47,13 +47,13 @@ TEST(ParseStroke, DropsPointsBeyondThe256thButChecksThem) {
 }
 
 TEST(ParseStroke, NamesTheLineThatIsWrong) {
-  EXPECT_EQ(ErrorOf("1 2\n\n3\n"), "line 3: two numbers are expected");
+  EXPECT_EQ(ErrorOf("1 2\n\n3\n"), "line 3: two numbers are expected, there is only one");
   EXPECT_EQ(ErrorOf("1 2 3"), "line 1: only two numbers are expected, not \"3\"");
   EXPECT_EQ(ErrorOf("1,2"), "line 1: \"1,2\" is no whole number");
   EXPECT_EQ(ErrorOf("1.5 2"), "line 1: \"1.5\" is no whole number");
   EXPECT_EQ(ErrorOf("1 2x"), "line 1: \"2x\" is no whole number");
   EXPECT_EQ(ErrorOf("- 2"), "line 1: \"-\" is no whole number");
-  EXPECT_EQ(ErrorOf(std::string_view("\0\0 1", 4)), "line 1: \"?\?\" is no whole number");
+  EXPECT_EQ(ErrorOf(std::string_view("\0\0 1", 4)), "line 1: \"\\x00\\x00\" is no whole number");
 }
 
 TEST(ParseStroke, RefusesCoordinatesOutside16Bits) {
