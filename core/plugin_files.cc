@@ -32,8 +32,6 @@ constexpr size_t kRecordEnd = kHeaderSize + kPluginImageSize;
 static_assert(kPluginHeader == GromlitPluginFileHeaderString);
 static_assert(kPluginHeader.size() == kHeaderSize);
 
-std::vector<SparePluginFile> spareFiles;
-
 // A list that was never loaded is an empty one.
 void EnsureList() {
   if (allPlugins == nullptr) allPlugins = new GromlitPluginList();
@@ -154,6 +152,7 @@ GromlitPlugin* SaveFailed() {
 int LoadPlugins() {
   Retire(allPlugins);
   allPlugins = new GromlitPluginList();
+  std::vector<SparePluginFile>& spareFiles = SparePluginFiles();
   spareFiles.clear();
   const std::string path = std::string(GromlitPath) + "/" + pluginDirectory;
   const std::unique_ptr<DIR, int (*)(DIR*)> directory(opendir(path.c_str()), closedir);
@@ -193,10 +192,6 @@ int LoadPlugins() {
   std::sort(spareFiles.begin(), spareFiles.end(),
             [](const auto& one, const auto& other) { return one.name < other.name; });
   return static_cast<int>(found.size());
-}
-
-const std::vector<SparePluginFile>& SparePluginFiles() {
-  return spareFiles;
 }
 
 GromlitPlugin* LoadPlugin(const char* fname) {

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "core/files.h"
-#include "core/plugin_files.h"
 #include "core/plugin_image.h"
 #include "core/record_layout.h"
 #include "core/strings.h"
@@ -29,6 +28,11 @@ bool IsSpare(const std::string& name) {
 }
 
 }  // namespace
+
+std::vector<SparePluginFile>& SparePluginFiles() {
+  static std::vector<SparePluginFile> spare;
+  return spare;
+}
 
 std::string PluginPath(const std::string& name) {
   return DataPath(pluginDirectory, name.c_str());

@@ -7,10 +7,25 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/gromlit.h"
 
 namespace gromlit {
+
+inline constexpr const char* pluginDirectory = "plugins";
+inline constexpr const char* GromlitPluginFileExt = ".sla";
+
+// A plug-in file that is left alone, neither used nor overwritten nor removed, because another one
+// of its class counts.
+struct SparePluginFile {
+  std::string name;       // below the plug-in directory
+  std::string used;       // the one that counts
+  std::string classname;  // of both
+};
+
+// What LoadPlugins left out, in byte order of the names. Written by LoadPlugins alone.
+std::vector<SparePluginFile>& SparePluginFiles();
 
 // Whose plug-in lies under a name of the plug-in directory.
 enum class FileOwner { kNone, kThisClass, kOtherClass };
