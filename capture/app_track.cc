@@ -1,6 +1,5 @@
 #include "capture/app_track.h"
 
-#include <array>
 #include "app/main_window/shown_plugin.h"
 #include "display/display.h"
 #include "display/x_handles.h"

@@ -30,7 +30,7 @@ void usage() {
 }
 
 CommandLine ParseCommandLine(int argc, char** argv) {
-  CommandLine line{};
+  CommandLine line{.display = nullptr, .path = nullptr, .argc = argc, .argv = argv};
   if (argc > 0) ProgramName = argv[0];
   for (int i = 1; i < argc; i++) {
     const char* option = argv[i];

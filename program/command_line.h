@@ -10,6 +10,8 @@ extern const char* ProgramName;  // argv[0]
 struct CommandLine {
   const char* display;  // value of -display, or null
   const char* path;     // value of -path, or null
+  int argc;             // all of it, as it was given
+  char** argv;
 };
 
 // Prints how to call the program on standard error and exits with status 1.

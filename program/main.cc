@@ -14,6 +14,6 @@
 
 int main(int argc, char** argv) {
   const gromlit::CommandLine line = gromlit::ParseCommandLine(argc, argv);
-  gromlit::StartUp(line, argc, argv);
+  gromlit::StartUp(line);
   gromlit::EventLoop();
 }

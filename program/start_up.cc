@@ -26,6 +26,7 @@
 #include "app/symbols/symbol_editor.h"
 #include "app/windows/dialogs.h"
 #include "app/windows/splash.h"
+#include "app/windows/top_level.h"
 #include "capture/app_track.h"
 #include "capture/gromlit_draw.h"
 #include "core/files.h"
@@ -98,10 +99,10 @@ void RenewOverlay() {
   RenewDrawEvents(overlay);
 }
 
-void MakeOverlayAndMainWindow(int argc, char** argv) {
+void MakeOverlayAndMainWindow() {
   overlay = MakeGromlitDraw();
   drawButtonChanged = RenewOverlay;
-  app = MakeGromlitApp(6, 3, argc, argv);
+  app = MakeGromlitApp(6, 3);
   overlay->app = app;
 }
 
@@ -116,16 +117,16 @@ void MakeNewPluginDialogs() {
   app->newdlog = MakeNewPluginDialog();
 }
 
-void MakeEditors(int argc, char** argv) {
-  CreateSymbolEditor(argc, argv);  // reads the symbol library as well
+void MakeEditors() {
+  CreateSymbolEditor();  // reads the symbol library as well
   MakeSymbolSelect(YesEditSymbol);
-  CreateActionEditor(argc, argv);
-  CreateUserOptions(argc, argv);
+  CreateActionEditor();
+  CreateUserOptions();
   UpdateUserOptions(user);
 }
 
 void ShowMainWindow() {
-  XMapWindow(dpy, app->window);
+  MapTopLevel(app->window);
   UpdateGromlitApp(app, defaultPluginClassname, nullptr);
   DrawGromlitApp(app);
   UpdatePulldownButton(app->txt, defaultPluginClassname);
@@ -143,16 +144,17 @@ void GiveBack() {
 
 }  // namespace
 
-void StartUp(const CommandLine& line, int argc, char** argv) {
+void StartUp(const CommandLine& line) {
   HoldStandardDescriptors();
   IgnoreWriteSignals();
   PrintAtOnce();
   ReapChildrenSilently();
+  KeepCommandLine(line.argc, line.argv);
   OpenDisplayOrExit(line.display);
   ForgetSentInput();
   GromlitPath = FindInstallation(line);
-  MakeResources();
   GetUserOptions();
+  MakeResources();
   if (user->splash != 0) DoSplash();
   BuildCharToKeycode();
   keyboardChanged = [](const XMappingEvent& event) {
@@ -165,12 +167,12 @@ void StartUp(const CommandLine& line, int argc, char** argv) {
   ReturnKeysOfTheDead();
   Defer({SpareKeysWait, ReturnKeys});
   MakeAboutDialog();
-  MakeOverlayAndMainWindow(argc, argv);
+  MakeOverlayAndMainWindow();
   MakeConfirmDialog();
   MakeEditNameDialog(SaveNewPluginName);
   ReadPlugins();
   MakeNewPluginDialogs();
-  MakeEditors(argc, argv);
+  MakeEditors();
   CatchEndSignals(GiveBack);
   ShowMainWindow();
   // From here on windows of other clients are asked about that may be gone already.

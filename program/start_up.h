@@ -9,6 +9,6 @@ struct CommandLine;
 // long-lived window; ends with the main window on the screen and the pointer followed. Prints the
 // reason and exits when the display cannot be opened (status 1) or the draw button belongs to
 // another program (status 0).
-void StartUp(const CommandLine& line, int argc, char** argv);
+void StartUp(const CommandLine& line);
 
 }  // namespace gromlit

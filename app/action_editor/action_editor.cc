@@ -11,7 +11,7 @@
 #include "app/plugins/plugin_view.h"
 #include "app/symbols/symbol_dialog.h"
 #include "app/windows/dialogs.h"
-#include "app/windows/wm_properties.h"
+#include "app/windows/top_level.h"
 #include "core/action_copy.h"
 #include "core/plugin_files.h"
 #include "core/retired.h"
@@ -100,7 +100,7 @@ void ShowAction(const char* name) {
 
 void CloseActionEditor() {
   CloseChooser();
-  XUnmapWindow(dpy, act->window);
+  HideTopLevel(act->window);
   editingPlugin = 0;
 }
 
@@ -174,7 +174,7 @@ void DrawActionEditor(ActionEditor* editor, XEvent* event) {
   }
 }
 
-ActionEditor* MakeActionEditor(int argc, char** argv) {
+ActionEditor* MakeActionEditor() {
   auto* editor = new ActionEditor{};
   editor->width = kWidth;
   editor->height = kHeight;
@@ -182,15 +182,12 @@ ActionEditor* MakeActionEditor(int argc, char** argv) {
                                      .icontitle = kTitle,
                                      .name = "ActionEditor",
                                      .width = kWidth,
-                                     .height = kHeight,
-                                     .argc = argc,
-                                     .argv = argv});
+                                     .height = kHeight});
   editor->gc = MakeWindowGC(editor->window, txtFont);
   editor->logo =
       MakeLogo(editor->window, kMargin, kMargin, kWidth - 2 * kMargin, nullptr, kLogoTitle);
-  editor->wobj = AllocWindowObj(editor->window, editor);
+  editor->wobj = AllocTopLevelObj(editor->window, editor);
   On<Expose, DrawActionEditor>(editor);
-  SetHandler(editor->wobj, ClientMessage, WMClientMessage);
   return editor;
 }
 
@@ -239,8 +236,8 @@ void MakeCommandList(ActionEditor* editor) {
 
 }  // namespace
 
-void CreateActionEditor(int argc, char** argv) {
-  act = MakeActionEditor(argc, argv);
+void CreateActionEditor() {
+  act = MakeActionEditor();
   act->tbar = MakeActionTabBar(act->window, kMargin, kTop, 0, kTabHeight);
   XMapWindow(dpy, act->tbar->window);
   MakeActionEditorButtons(act);
@@ -278,7 +275,7 @@ void EditAction(GromlitPlugin* plugin, GromlitAction* action) {
 void ShowActionEditor() {
   if (act == nullptr) return;
   editingPlugin = 1;
-  XMapRaised(dpy, act->window);
+  ShowTopLevel(act->window);
 }
 
 }  // namespace gromlit

@@ -24,8 +24,8 @@ namespace gromlit {
 // Name of a new action.
 inline constexpr const char* labelNewName = "New";
 
-// Makes the editor, hidden; argc and argv become its WM_COMMAND. To be called once, at start-up.
-void CreateActionEditor(int argc, char** argv);
+// Makes the editor, hidden. To be called once, at start-up.
+void CreateActionEditor();
 
 // Open the editor on a new action of a plug-in, with the first symbol of the library and the name
 // "New", or on one of its actions, with the first command selected. They do nothing before

@@ -59,7 +59,7 @@ void SetMenuKeys(GromlitCmd* command) {
 
 void SetLine(int n) {
   std::free(act->cmditems[n]);
-  act->cmditems[n] = CommandLine(*act->action.cmds[n]);
+  act->cmditems[n] = LineOfCommand(*act->action.cmds[n]);
 }
 
 void ShowCount() {
@@ -109,7 +109,7 @@ void ShowFull() {
 
 }  // namespace
 
-char* CommandLine(const GromlitCmd& command) {
+char* LineOfCommand(const GromlitCmd& command) {
   char keys[kKeyStrokeText];
   char* cut = nullptr;
   const CommandTypeInfo* type = CommandTypeOf(command.type);

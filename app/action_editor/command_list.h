@@ -9,7 +9,7 @@
 namespace gromlit {
 
 // Line of the command list for a command, such as "HotKey: Control-a"; heap, the caller's.
-char* CommandLine(const GromlitCmd& command);
+char* LineOfCommand(const GromlitCmd& command);
 
 // Makes the list show the commands of the working copy as they are, none of them selected.
 void ListCommands();

@@ -5,7 +5,7 @@
 #include "app/main_window/action_menu.h"
 #include "app/main_window/main_menu.h"
 #include "app/main_window/shown_plugin.h"
-#include "app/windows/wm_properties.h"
+#include "app/windows/top_level.h"
 #include "display/display.h"
 #include "toolkit/child_window.h"
 #include "toolkit/image.h"
@@ -21,7 +21,7 @@ namespace {
 constexpr int kBorder = 4;
 constexpr int kIconWidth = 64;
 
-void MakeWindow(GromlitApp* gromlit, int argc, char** argv) {
+void MakeWindow(GromlitApp* gromlit) {
   gromlit->window =
       CreateTopLevel(gromlit->width, gromlit->height,
                      ExposureMask | EnterWindowMask | LeaveWindowMask | ButtonPressMask);
@@ -34,9 +34,7 @@ void MakeWindow(GromlitApp* gromlit, int argc, char** argv) {
                                                .icontitle = nullptr,
                                                .name = "Application",
                                                .width = gromlit->width,
-                                               .height = gromlit->height,
-                                               .argc = argc,
-                                               .argv = argv});
+                                               .height = gromlit->height});
   gromlit->gc = MakeWindowGC(gromlit->window, txtFont);
 }
 
@@ -86,7 +84,7 @@ XMenu* MakePopup(GromlitApp* gromlit) {
 
 }  // namespace
 
-GromlitApp* MakeGromlitApp(int ncols, int nrows, int argc, char** argv) {
+GromlitApp* MakeGromlitApp(int ncols, int nrows) {
   auto* gromlit = new GromlitApp{};
   gromlit->border = kBorder;
   gromlit->iconwidth = kIconWidth;
@@ -96,21 +94,20 @@ GromlitApp* MakeGromlitApp(int ncols, int nrows, int argc, char** argv) {
   gromlit->selected = -1;
   gromlit->width = ncols * GridCellWidth(gromlit) + 36;
   gromlit->height = nrows * GridCellHeight(gromlit) + 36 + logoImage->height + 4;
-  MakeWindow(gromlit, argc, argv);
+  MakeWindow(gromlit);
   MakeParts(gromlit);
   gromlit->popup = MakePopup(gromlit);
   gromlit->edit = popEditAction;
   gromlit->view = MakePluginView(gromlit->txt);
   pluginview = &gromlit->view;
 
-  gromlit->wobj = AllocWindowObj(gromlit->window, gromlit);
+  gromlit->wobj = AllocTopLevelObj(gromlit->window, gromlit);
   On<Expose, ExposeGromlitApp>(gromlit);
   On<EnterNotify, GromlitAppEnter>(gromlit);
   On<LeaveNotify, GromlitAppLeave>(gromlit);
   On<ButtonPress, GromlitAppButtonPress>(gromlit);
   On<MotionNotify, GromlitAppMotionNotify>(gromlit);
   On<ResizeRequest, GromlitAppResizeNotify>(gromlit);
-  SetHandler(gromlit->wobj, ClientMessage, WMClientMessage);
   showWindow = gromlit->window;
   return gromlit;
 }

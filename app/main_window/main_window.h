@@ -6,8 +6,8 @@
 namespace gromlit {
 
 // Makes the main window, not mapped, with its window-manager properties. ncols x nrows is the grid
-// of actions that it shows; argc and argv become its WM_COMMAND.
-GromlitApp* MakeGromlitApp(int ncols, int nrows, int argc, char** argv);
+// of actions that it shows.
+GromlitApp* MakeGromlitApp(int ncols, int nrows);
 
 // Action of the plug-in button; its menu does the work.
 void appClickPlugins(void* button);

@@ -10,7 +10,7 @@
 
 #include "actions/launch.h"
 #include "app/windows/dialogs.h"
-#include "app/windows/wm_properties.h"
+#include "app/windows/top_level.h"
 #include "core/option_files.h"
 #include "core/strings.h"
 #include "display/display.h"
@@ -87,7 +87,7 @@ int TolerancePulldownX() {
   return kPulldownWidth + 48;
 }
 
-UserOptions* MakeUserOptions(int argc, char** argv) {
+UserOptions* MakeUserOptions() {
   auto* options = new UserOptions{};
   options->width = kWidth;
   options->height = kHeight;
@@ -95,13 +95,10 @@ UserOptions* MakeUserOptions(int argc, char** argv) {
                                       .icontitle = "Gromlit: Preferences",
                                       .name = "Preferences",
                                       .width = kWidth,
-                                      .height = kHeight,
-                                      .argc = argc,
-                                      .argv = argv});
+                                      .height = kHeight});
   options->gc = MakeWindowGC(options->window, txtFont);
-  options->wobj = AllocWindowObj(options->window, options);
+  options->wobj = AllocTopLevelObj(options->window, options);
   On<Expose, DrawUserOptions>(options);
-  SetHandler(options->wobj, ClientMessage, WMClientMessage);
   options->logo = MakeLogo(options->window, kMargin, kMargin, kWidth - 2 * kMargin, nullptr,
                            "P r e f e r e n c e s");
   return options;
@@ -163,8 +160,8 @@ bool PutInForce(const GromlitUserOptions& usr) {
 
 }  // namespace
 
-void CreateUserOptions(int argc, char** argv) {
-  opt = MakeUserOptions(argc, argv);
+void CreateUserOptions() {
+  opt = MakeUserOptions();
   MakeUserOptionsButtons(opt);
   opt->button = MakeDrawButtonPulldown(kMargin, kPulldownY);
   opt->tolerance = MakeDrawTolerancePulldown(TolerancePulldownX(), kPulldownY);
@@ -189,7 +186,7 @@ void UpdateUserOptions(const GromlitUserOptions* usr) {
 void mbPrefDraw(XMenu*, void*) {
   opt->usr = *user;
   UpdateUserOptions(&opt->usr);
-  XMapRaised(dpy, opt->window);
+  ShowTopLevel(opt->window);
 }
 
 void mbPrefMisc(XMenu* menu, void* arg) {
@@ -226,7 +223,7 @@ void optClickSave(void*) {
   const bool saved = SaveUserOptions(user, defaultOptionFile) != 0;
   const int error = errno;
   if (saved && granted) {
-    XUnmapWindow(dpy, opt->window);
+    HideTopLevel(opt->window);
     return;
   }
   std::string told;
@@ -241,14 +238,14 @@ void optClickSave(void*) {
 }
 
 void optClickCancel(void*) {
-  XUnmapWindow(dpy, opt->window);
+  HideTopLevel(opt->window);
 }
 
 void optClickDefaults(void*) {
   DefaultUserOptions(&opt->usr);
   UpdateUserOptions(&opt->usr);
-  XUnmapWindow(dpy, opt->window);
-  XMapWindow(dpy, opt->window);
+  HideTopLevel(opt->window);
+  MapTopLevel(opt->window);
 }
 
 void optClickHelp(void*) {

@@ -64,8 +64,8 @@ extern UserOptions* opt;  // null until CreateUserOptions
 // selected events for the former button renews them. Null: nobody.
 extern void (*drawButtonChanged)();
 
-// Makes the window, not mapped. argc and argv become its WM_COMMAND.
-void CreateUserOptions(int argc, char** argv);
+// Makes the window, not mapped.
+void CreateUserOptions();
 
 // Sets every control from an options record. A draw button or a tolerance that is not offered is
 // shown, and kept in the working copy, as the default.

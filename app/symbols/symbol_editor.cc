@@ -5,7 +5,7 @@
 #include "app/symbols/symbol_editor_buttons.h"
 #include "app/symbols/symbol_editor_steps.h"
 #include "app/symbols/symbol_library.h"
-#include "app/windows/wm_properties.h"
+#include "app/windows/top_level.h"
 #include "core/symbol_files.h"
 #include "display/display.h"
 #include "toolkit/bevel.h"
@@ -53,7 +53,7 @@ void MakeNameList(SymbolEditor* editor) {
 
 }  // namespace
 
-SymbolEditor* MakeSymbolEditor(int argc, char** argv) {
+SymbolEditor* MakeSymbolEditor() {
   auto* editor = new SymbolEditor{};
   editor->width = kWidth;
   editor->height = kHeight;
@@ -61,20 +61,17 @@ SymbolEditor* MakeSymbolEditor(int argc, char** argv) {
                                      .icontitle = kWindowTitle,
                                      .name = "SymbolEditor",
                                      .width = kWidth,
-                                     .height = kHeight,
-                                     .argc = argc,
-                                     .argv = argv});
+                                     .height = kHeight});
   editor->gc = MakeWindowGC(editor->window, txtFont);
-  editor->wobj = AllocWindowObj(editor->window, editor);
+  editor->wobj = AllocTopLevelObj(editor->window, editor);
   On<Expose, DrawSymbolEditor>(editor);
-  SetHandler(editor->wobj, ClientMessage, WMClientMessage);
   editor->logo =
       MakeLogo(editor->window, kMargin, kMargin, kWidth - 2 * kMargin, nullptr, kBannerTitle);
   return editor;
 }
 
-void CreateSymbolEditor(int argc, char** argv) {
-  SymbolEditor* editor = MakeSymbolEditor(argc, argv);
+void CreateSymbolEditor() {
+  SymbolEditor* editor = MakeSymbolEditor();
   MakeSymbolEditorButtons(editor);
 
   editor->wsym = MakeSymWindow(editor->window, kSymbolWorkX, kSymbolWorkY);
@@ -112,7 +109,7 @@ void SymInit(SymbolEditor* editor, const GromlitSymbol* sym) {
   ResetSymWindow(editor->wsym);
   editor->bprev->state = kButtonInactive;
   editor->brestart->state = kButtonInactive;
-  XUnmapWindow(dpy, editor->window);
+  HideTopLevel(editor->window);
   for (const Window hidden : {editor->bfinish->window, editor->bsave->window, editor->icon->window,
                               editor->txt->window, editor->sbar->window, editor->lst->window}) {
     XUnmapWindow(dpy, hidden);
@@ -120,7 +117,7 @@ void SymInit(SymbolEditor* editor, const GromlitSymbol* sym) {
   XMapWindow(dpy, editor->bnext->window);
   XMapWindow(dpy, editor->wsym->window);
   // Mapped again the window comes to the front, and a window manager gives it the user's attention.
-  XMapRaised(dpy, editor->window);
+  ShowTopLevel(editor->window);
 }
 
 void txtSaveSymbol(TextEditor* txt) {

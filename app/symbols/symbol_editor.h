@@ -7,12 +7,12 @@
 
 namespace gromlit {
 
-// Makes the editor, not shown, and loads the symbol library (LoadSymbols); argc and argv become its
-// window's WM_COMMAND. Needs colours, fonts, cursors, images, atoms and GromlitPath.
-void CreateSymbolEditor(int argc, char** argv);
+// Makes the editor, not shown, and loads the symbol library (LoadSymbols). Needs colours, fonts,
+// cursors, images, atoms and GromlitPath.
+void CreateSymbolEditor();
 
 // Its first step: the window and the banner.
-SymbolEditor* MakeSymbolEditor(int argc, char** argv);
+SymbolEditor* MakeSymbolEditor();
 
 // Opens the editor on a copy of `sym`, or on an empty symbol when that is null. What was being
 // edited is dropped. Does nothing when there is no editor yet.

@@ -7,6 +7,7 @@
 #include "app/symbols/sym_window.h"
 #include "app/symbols/symbol_editor_steps.h"
 #include "app/symbols/symbol_library.h"
+#include "app/windows/top_level.h"
 #include "display/display.h"
 #include "recognition/signature_match.h"
 #include "recognition/symbol_icon.h"
@@ -160,7 +161,7 @@ void symSave(void* arg) {
 }
 
 void symCancel(void* arg) {
-  XUnmapWindow(dpy, Editor(arg)->window);
+  HideTopLevel(Editor(arg)->window);
 }
 
 }  // namespace gromlit

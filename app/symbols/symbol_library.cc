@@ -7,6 +7,7 @@
 
 #include "app/symbols/symbol_dialog.h"
 #include "app/windows/dialogs.h"
+#include "app/windows/top_level.h"
 #include "core/strings.h"
 #include "core/symbol_files.h"
 #include "display/display.h"
@@ -42,7 +43,7 @@ int SaveSymbol(SymbolEditor* editor, const char* name) {
     ShowSaveFailure("The symbol was not saved.", errno);
     return 0;
   }
-  XUnmapWindow(dpy, editor->window);
+  HideTopLevel(editor->window);
   RefreshSymbolNames(editor);
   TellOfUnlisted(editor->nnames, FieldText(editor->sym.name), allSymbols != head);
   return 1;

@@ -41,7 +41,7 @@ class ActionFixture : public XFixture {
     MakeSymbolSelect(YesEditSymbol);
     SymLastClick = 0;  // of another server's clock
     editingPlugin = 0;
-    CreateActionEditor(0, nullptr);
+    CreateActionEditor();
     tab = TabsOf(act->tbar);
     Pump();
   }

@@ -39,15 +39,13 @@ class CommandFixture : public MainWindowFixture {
     user = &options;
     options = {};
     MakeBrowser();
-    char name[] = "gromlit";
-    char* argv[] = {name, nullptr};
     MakeConfirmDialog();
     MakeEditNameDialog(SaveNewPluginName);
     app->dlog = MakeDownloadDialog();
     app->newdlog = MakeNewPluginDialog();
-    CreateSymbolEditor(1, argv);
+    CreateSymbolEditor();
     MakeSymbolSelect(YesEditSymbol);
-    CreateUserOptions(1, argv);
+    CreateUserOptions();
     UpdateUserOptions(user);
     Pump();
   }

@@ -44,17 +44,15 @@ class MainWindowFixture : public WidgetFixture {
     editingPlugin = 0;
     AppLastClick = 0;
     DefaultPlugin = nullptr;
-    char name[] = "gromlit";
-    char* argv[] = {name, nullptr};
     MakeAboutDialog();
     Retire(app);  // of the test before
     app = nullptr;
-    app = MakeGromlitApp(6, 3, 1, argv);
+    app = MakeGromlitApp(6, 3);
     LoadPlugins();
     app->plugin = GetDefaultPlugin();
     UpdatePluginsMenu();
     LoadSymbols();
-    CreateActionEditor(1, argv);
+    CreateActionEditor();
     UpdateGromlitApp(app, defaultPluginClassname, nullptr);
     cell = 2 * txtCharht + 40;
     XMapWindow(dpy, app->window);

@@ -51,8 +51,6 @@ class SymbolFixture : public WidgetFixture {
 
   // The windows, with the symbols that are in the directory by now.
   void MakeWindows() {
-    char name[] = "gromlit";
-    char* argv[] = {name, nullptr};
     MakeAboutDialog();
     MakeConfirmDialog();
     // Of the test before, when several run in one process.
@@ -60,7 +58,7 @@ class SymbolFixture : public WidgetFixture {
     Retire(symselect);
     sed = nullptr;
     symselect = nullptr;
-    CreateSymbolEditor(1, argv);
+    CreateSymbolEditor();
     MakeSymbolSelect(YesEditSymbol);
     Pump();
   }

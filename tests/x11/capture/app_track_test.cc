@@ -322,9 +322,7 @@ TEST_F(AppTrackTest, SamePluginIsNotDrawnAgain) {
 
 TEST_F(AppTrackTest, OwnWindowsAreLeftAloneAndAllOthersFollowed) {
   MakeConfirmDialog();
-  char name[] = "gromlit";
-  char* argv[] = {name, nullptr};
-  CreateUserOptions(1, argv);
+  CreateUserOptions();
   const std::vector<Window> others = {Make(700, 100, "Edit", "edit"),
                                       Make(700, 300, "Edit", "edit"),
                                       Make(700, 500, "Edit", "edit")};

@@ -40,11 +40,11 @@ class OwnWindows : public testing::XFixture {
     editingPlugin = 0;
     MakeAboutDialog();
     draw = MakeGromlitDraw();
-    app = MakeGromlitApp(6, 3, 0, nullptr);
+    app = MakeGromlitApp(6, 3);
     draw->app = app;
     LoadPlugins();
     app->plugin = GetDefaultPlugin();
-    CreateUserOptions(0, nullptr);
+    CreateUserOptions();
     drawButtonChanged = [] { RenewDrawEvents(draw); };
     UpdateUserOptions(user);
     XMoveWindow(dpy, app->window, 600, 0);

@@ -259,7 +259,7 @@ TEST_F(ActionSavingTest, ANewActionThatCannotBeSavedIsNotAdded) {
 }
 
 TEST_F(ActionSavingTest, OkRedrawsTheMainWindow) {
-  app = MakeGromlitApp(6, 3, 0, nullptr);
+  app = MakeGromlitApp(6, 3);
   app->plugin = plugin;
   for (int i = 0; i < 18; i++) Have("A", {});
   UpdateGromlitScrollRange();
@@ -319,7 +319,7 @@ TEST_F(ActionSavingTest, APluginThatWasMadeAnewIsNotTakenForTheDeletedOne) {
 }
 
 TEST_F(ActionSavingTest, AnActionThatWasDeletedIsAddedAgainByOk) {
-  app = MakeGromlitApp(6, 3, 0, nullptr);
+  app = MakeGromlitApp(6, 3);
   app->plugin = plugin;
   GromlitAction* deleted = Have("Deleted", {Command(kRun, "one")});
   Have("Other", {Command(kRun, "two")});

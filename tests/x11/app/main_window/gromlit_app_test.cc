@@ -158,7 +158,7 @@ TEST_F(GromlitAppTest, ThePartsLieBelowEachOther) {
 }
 
 TEST_F(GromlitAppTest, ANewWindowIsNotMappedAndHasNothingSelected) {
-  const GromlitApp* other = MakeGromlitApp(4, 2, 0, nullptr);
+  const GromlitApp* other = MakeGromlitApp(4, 2);
   EXPECT_EQ(Attributes(other->window).map_state, IsUnmapped);
   EXPECT_EQ(other->width, 4 * 72 + 36);
   EXPECT_EQ(other->selected, -1);

@@ -56,7 +56,7 @@ class UserOptionsTest : public testing::XFixture {
     changes = 0;
     drawButtonChanged = NoteChange;
     MakeAboutDialog();
-    CreateUserOptions(0, nullptr);
+    CreateUserOptions();
     UpdateUserOptions(user);
     Pump();
   }

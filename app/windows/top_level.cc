@@ -1,4 +1,4 @@
-#include "app/windows/wm_properties.h"
+#include "app/windows/top_level.h"
 
 #include <X11/Xatom.h>
 #include <X11/Xutil.h>
@@ -10,6 +10,11 @@
 
 namespace gromlit {
 namespace {
+
+struct {
+  int argc = 0;
+  char** argv = nullptr;
+} commandline;
 
 // A property of STRING text that borrows its bytes.
 XTextProperty StringProperty(const char* text) {
@@ -23,6 +28,10 @@ XTextProperty StringProperty(const char* text) {
 }
 
 }  // namespace
+
+void KeepCommandLine(int argc, char** argv) {
+  commandline = {argc, argv};
+}
 
 void SetWindowManagerProperties(Window window, const WindowIdentity& identity) {
   XTextProperty title = StringProperty(identity.title);
@@ -40,7 +49,7 @@ void SetWindowManagerProperties(Window window, const WindowIdentity& identity) {
   hint.res_name = const_cast<char*>(identity.name);
   hint.res_class = classpart;
   XSetWMProperties(dpy, window, &title, identity.icontitle != nullptr ? &icontitle : nullptr,
-                   identity.argv, identity.argc, size.get(), nullptr, &hint);
+                   commandline.argv, commandline.argc, size.get(), nullptr, &hint);
   XSetWMProtocols(dpy, window, &wm_delete, 1);
 }
 
@@ -58,6 +67,24 @@ Window MakeEditorWindow(const WindowIdentity& identity) {
   const Window window = CreateTopLevel(identity.width, identity.height, ExposureMask);
   SetWindowManagerProperties(window, identity);
   return window;
+}
+
+WindowObj* AllocTopLevelObj(Window window, void* owner) {
+  WindowObj* wobj = AllocWindowObj(window, owner);
+  SetHandler(wobj, ClientMessage, WMClientMessage);
+  return wobj;
+}
+
+void ShowTopLevel(Window window) {
+  XMapRaised(dpy, window);
+}
+
+void MapTopLevel(Window window) {
+  XMapWindow(dpy, window);
+}
+
+void HideTopLevel(Window window) {
+  XUnmapWindow(dpy, window);
 }
 
 }  // namespace gromlit
