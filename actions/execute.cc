@@ -18,6 +18,7 @@
 #include "display/display.h"
 #include "display/draw_button.h"
 #include "display/end_signals.h"
+#include "display/modes.h"
 
 namespace gromlit {
 namespace {

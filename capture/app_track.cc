@@ -2,6 +2,7 @@
 
 #include "app/main_window/shown_plugin.h"
 #include "display/display.h"
+#include "display/modes.h"
 #include "display/x_handles.h"
 #include "toolkit/window_object.h"
 

@@ -19,6 +19,7 @@
 #include "display/display.h"
 #include "display/draw_button.h"
 #include "display/end_signals.h"
+#include "display/modes.h"
 #include "display/pointer_click.h"
 #include "display/sent_input.h"
 #include "display/target.h"

@@ -8,7 +8,6 @@
 namespace gromlit {
 
 GromlitPlugin* DefaultPlugin = nullptr;
-GromlitPlugin* ExecutingPlugin = nullptr;
 GromlitUserOptions* user = nullptr;
 const char* GromlitPath = ".";
 

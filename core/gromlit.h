@@ -133,7 +133,6 @@ struct GromlitPluginList {
 extern GromlitSymbolList* allSymbols;   // core/symbol_files.cc
 extern GromlitPluginList* allPlugins;   // core/plugin_files.cc
 extern GromlitPlugin* DefaultPlugin;    // serves applications that have no plug-in
-extern GromlitPlugin* ExecutingPlugin;  // whose action is being executed; null when none is
 extern GromlitUserOptions* user;        // the options in force
 extern const char* GromlitPath;         // installation directory; all data lie below it
 

@@ -48,11 +48,6 @@ Pixmap handcursorMaskImage = None;
 Atom wm_delete = None;
 Atom wm_protocols = None;
 
-int editingPlugin = 0;
-int drawingSymbol = 0;
-
-Window showWindow = None;
-
 bool OpenDisplay(const char* name) {
   dpy = XOpenDisplay(name);
   if (dpy == nullptr) return false;

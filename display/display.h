@@ -52,18 +52,12 @@ extern Pixmap handcursorMaskImage;
 extern Atom wm_delete;
 extern Atom wm_protocols;
 
-// While editingPlugin is non-zero the draw button is not captured and the pointer is not followed.
-extern int editingPlugin;
-extern int drawingSymbol;
-
-// Window that "system:showgromlit" maps and raises; set by the main window, None before.
-extern Window showWindow;
-
 // Opens the display (null: the environment's) and sets dpy, screen, root and cmap. Returns false
 // when it cannot be opened.
 bool OpenDisplay(const char* name);
 
-// The steps of start-up that follow, each to be called once, in this order. None reports an error:
+// The steps that follow, each to be called once, in this order; MakeResources (toolkit/resources.h)
+// calls them all. None reports an error:
 // a colour that cannot be had keeps what the server left, a missing font is replaced by "fixed"
 // after a line on standard output.
 void MakeColours();

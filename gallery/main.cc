@@ -7,7 +7,7 @@
 #include "core/option_files.h"
 #include "display/display.h"
 #include "gallery/gallery.h"
-#include "toolkit/image.h"
+#include "toolkit/resources.h"
 #include "toolkit/window_object.h"
 
 namespace gromlit {
@@ -18,13 +18,7 @@ int Show() {
     std::fprintf(stderr, "unable to open display '%s'\n", XDisplayName(nullptr));
     return 1;
   }
-  MakeColours();
-  MakeImages();
-  MakeHandCursor();
-  LoadFonts();
-  MakeCursors();
-  MakeContexts();
-  MakeAtoms();
+  MakeResources();
   GetUserOptions();
   Gallery* gallery = MakeGallery();
   XMapWindow(dpy, gallery->window);

@@ -40,8 +40,8 @@
 #include "program/command_line.h"
 #include "toolkit/event_loop.h"
 #include "toolkit/focus.h"
-#include "toolkit/image.h"
 #include "toolkit/pulldown_button.h"
+#include "toolkit/resources.h"
 #include "toolkit/window_object.h"
 
 namespace gromlit {
@@ -73,16 +73,6 @@ void OpenDisplayOrExit(const char* name) {
   if (OpenDisplay(name)) return;
   std::fprintf(stderr, "unable to open display '%s'\n", XDisplayName(name));
   std::exit(1);
-}
-
-void MakeResources() {
-  MakeColours();
-  MakeImages();
-  MakeHandCursor();
-  LoadFonts();
-  MakeCursors();
-  MakeContexts();
-  MakeAtoms();
 }
 
 void GrabDrawButtonOrExit() {

@@ -17,6 +17,7 @@
 #include "core/retired.h"
 #include "core/strings.h"
 #include "display/display.h"
+#include "display/modes.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 

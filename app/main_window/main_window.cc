@@ -7,6 +7,7 @@
 #include "app/main_window/shown_plugin.h"
 #include "app/windows/top_level.h"
 #include "display/display.h"
+#include "display/modes.h"
 #include "toolkit/child_window.h"
 #include "toolkit/image.h"
 #include "toolkit/logo.h"

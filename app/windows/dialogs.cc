@@ -17,7 +17,7 @@ namespace gromlit {
 XDialog* about = nullptr;
 XDialog* confirm = nullptr;
 XDialog* editname = nullptr;
-XDialog* failure = nullptr;
+XDialog* notice = nullptr;
 
 namespace {
 
@@ -36,44 +36,44 @@ const char* const EditPluginNameMsg[] = {"Name of the Plugin:", nullptr};
 namespace {
 
 constexpr const char* labelFailure = "Not Done";
-constexpr size_t kFailureLines = 6;
-constexpr size_t kFailureLine = 101;  // bytes of a line, its NUL included
+constexpr size_t kNoticeLines = 6;
+constexpr size_t kNoticeLine = 101;  // bytes of a line, its NUL included
 
 // What the notice shows: its dialog keeps the lines by reference.
-std::array<std::array<char, kFailureLine>, kFailureLines> failurelines;
-std::array<const char*, kFailureLines + 1> failuremsgs;
+std::array<std::array<char, kNoticeLine>, kNoticeLines> noticelines;
+std::array<const char*, kNoticeLines + 1> noticemsgs;
 
 void SplitLines(std::string_view text) {
   size_t count = 0;
-  while (!text.empty() && count < kFailureLines) {
+  while (!text.empty() && count < kNoticeLines) {
     const size_t end = std::min(text.find('\n'), text.size());
-    CopyText(failurelines[count], text.substr(0, end));
-    failuremsgs[count] = failurelines[count].data();
+    CopyText(noticelines[count], text.substr(0, end));
+    noticemsgs[count] = noticelines[count].data();
     count++;
     text.remove_prefix(std::min(end + 1, text.size()));
   }
-  failuremsgs[count] = nullptr;
+  noticemsgs[count] = nullptr;
 }
 
 // Gives the notice the size that a dialog made for its lines would have, and room for its title.
-void FitFailure(const char* title) {
+void FitNotice(const char* title) {
   constexpr int kMargins = 24;  // ResizeDialog adds 8 more
   constexpr int kLineGap = 2;
   int width = logoImage->width + TextWidth(labelFontinfo, title);
   int height = txtCharht;
-  for (const char* const* line = failuremsgs.data(); *line != nullptr; line++) {
+  for (const char* const* line = noticemsgs.data(); *line != nullptr; line++) {
     width = std::max(width, TextWidth(txtFontinfo, *line));
     height += txtCharht + kLineGap;
   }
-  ResizeDialog(failure, width + kMargins, height);
+  ResizeDialog(notice, width + kMargins, height);
 }
 
 }  // namespace
 
 void MakeAboutDialog() {
   about = MakeMsgDialog(labelAboutGromlit, AboutGromlitMsgs, 300, 50);
-  failuremsgs[0] = nullptr;
-  failure = MakeMsgDialog(labelFailure, failuremsgs.data(), 0, 0);
+  noticemsgs[0] = nullptr;
+  notice = MakeMsgDialog(labelFailure, noticemsgs.data(), 0, 0);
 }
 
 void MakeConfirmDialog() {
@@ -90,13 +90,13 @@ void MakeEditNameDialog(void (*yesfn)(XDialog* dlog)) {
 }
 
 void ShowNotice(const char* title, const char* what) {
-  if (failure == nullptr) {
+  if (notice == nullptr) {
     std::fprintf(stderr, "%s\n", what);
     return;
   }
   SplitLines(what);
-  FitFailure(title);
-  MousePopUpDialog(failure, title);
+  FitNotice(title);
+  MousePopUpDialog(notice, title);
 }
 
 void ShowFailure(const char* what) {

@@ -27,7 +27,7 @@ extern XDialog* confirm;
 extern XDialog* editname;
 
 // What the user is told without having asked; see ShowNotice and ShowFailure.
-extern XDialog* failure;
+extern XDialog* notice;
 
 // Make the dialogs, not mapped. MakeAboutDialog makes the notice for failures as well, since
 // whatever follows may need it. `yesfn` is what the OK of editname does.

@@ -2,7 +2,7 @@
 
 #include <X11/Xutil.h>
 
-#include "toolkit/image.h"
+#include "toolkit/resources.h"
 
 namespace gromlit::testing {
 
@@ -21,13 +21,7 @@ void XFixture::SetUp() {
     return 0;
   });
   ASSERT_TRUE(OpenDisplay(server->name().c_str()));
-  MakeColours();
-  MakeImages();
-  MakeHandCursor();
-  LoadFonts();
-  MakeCursors();
-  MakeContexts();
-  MakeAtoms();
+  MakeResources();
   player = std::make_unique<Player>(server->name());
   player->MoveTo(1, 1);
 }

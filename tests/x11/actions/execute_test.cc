@@ -20,6 +20,7 @@
 #include "actions/execute.h"
 #include "actions/keystrokes.h"
 #include "core/strings.h"
+#include "display/modes.h"
 #include "tests/support/recording.h"
 #include "tests/x11/actions/key_probe.h"
 

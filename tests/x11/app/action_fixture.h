@@ -22,6 +22,7 @@
 #include "core/retired.h"
 #include "core/strings.h"
 #include "core/symbol_files.h"
+#include "display/modes.h"
 
 namespace gromlit::testing {
 
@@ -180,17 +181,17 @@ class ActionFixture : public XFixture {
     }
     return states;
   }
-  bool Told() const { return failure != nullptr && Viewable(failure->window); }
+  bool Told() const { return notice != nullptr && Viewable(notice->window); }
   // The lines of the dialog that tells of failures.
   static std::string Notice() {
     std::string text;
-    for (const char* const* line = failure->msgs; *line != nullptr; line++) {
+    for (const char* const* line = notice->msgs; *line != nullptr; line++) {
       text += std::string(*line) + "\n";
     }
     return text;
   }
   void CloseNotice() {
-    ClickOn(failure->no);
+    ClickOn(notice->no);
     EXPECT_FALSE(Told());
   }
   // Whether a text stands at x with this baseline, in the text font, and nothing else in a field

@@ -29,7 +29,7 @@ class CommandFixture : public MainWindowFixture {
  protected:
   void SetUp() override {
     // Of the test before, on a display that is gone.
-    about = confirm = editname = failure = symselect = nullptr;
+    about = confirm = editname = notice = symselect = nullptr;
     sed = nullptr;
     opt = nullptr;
     MainWindowFixture::SetUp();

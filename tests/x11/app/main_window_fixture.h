@@ -25,6 +25,7 @@
 #include "core/retired.h"
 #include "core/strings.h"
 #include "core/symbol_files.h"
+#include "display/modes.h"
 #include "toolkit/button.h"
 #include "toolkit/image.h"
 #include "toolkit/menu.h"
@@ -236,12 +237,12 @@ class MainWindowFixture : public WidgetFixture {
 // Lines that the failure dialog shows, joined by "/"; empty when it is not shown.
 inline std::string ShownFailure() {
   XWindowAttributes is;
-  if (failure == nullptr || XGetWindowAttributes(dpy, failure->window, &is) == 0 ||
+  if (notice == nullptr || XGetWindowAttributes(dpy, notice->window, &is) == 0 ||
       is.map_state != IsViewable) {
     return "";
   }
   std::string text;
-  for (const char* const* line = failure->msgs; *line != nullptr; line++) {
+  for (const char* const* line = notice->msgs; *line != nullptr; line++) {
     text += (text.empty() ? "" : "/") + std::string(*line);
   }
   return text;

@@ -14,6 +14,7 @@
 #include "capture/app_track.h"
 #include "capture/gromlit_draw.h"
 #include "core/option_files.h"
+#include "display/modes.h"
 #include "display/x_errors.h"
 #include "display/x_handles.h"
 #include "toolkit/dialog.h"

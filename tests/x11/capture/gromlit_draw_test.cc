@@ -11,6 +11,7 @@
 #include "capture/gromlit_draw.h"
 #include "core/option_files.h"
 #include "display/draw_button.h"
+#include "display/modes.h"
 #include "display/x_errors.h"
 #include "toolkit/dialog.h"
 

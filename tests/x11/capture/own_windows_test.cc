@@ -18,6 +18,7 @@
 #include "core/option_files.h"
 #include "core/plugin_files.h"
 #include "display/draw_button.h"
+#include "display/modes.h"
 #include "toolkit/menu_bar.h"
 #include "toolkit/press_time.h"
 #include "toolkit/scrollbar.h"
@@ -260,15 +261,15 @@ TEST_F(OwnWindows, DialogIsClosedWithShift) {
   ShowFailure("A notice.");
   Pump();
   player->KeyDown(XK_Shift_L);
-  Click(failure->no->window);
-  EXPECT_FALSE(Viewable(failure->window));
+  Click(notice->no->window);
+  EXPECT_FALSE(Viewable(notice->window));
 }
 
 TEST_F(OwnWindows, DialogIsClosedWithAClick) {
   ShowFailure("A notice.");
   Pump();
-  Click(failure->no->window);
-  EXPECT_FALSE(Viewable(failure->window));
+  Click(notice->no->window);
+  EXPECT_FALSE(Viewable(notice->window));
 }
 
 // A click that is handed on carries no time.

@@ -33,7 +33,7 @@ class ActionMenuTest : public testing::MainWindowFixture {
 
   // The user closes the dialog that tells of a failure.
   void Dismiss() {
-    XUnmapWindow(dpy, failure->window);
+    XUnmapWindow(dpy, notice->window);
     Pump();
   }
 
@@ -388,33 +388,6 @@ TEST_F(ActionMenuTest, NewOnAFullPluginOpensNoEditorAndSaysSo) {
 
 // --- Adding -----------------------------------------------------------------------------------
 
-TEST_F(ActionMenuTest, ANewActionIsAddedUnderItsNameAndSaved) {
-  GromlitPlugin* plugin = ShowNew(1);
-  const GromlitAction action = Action("ignored", 5);
-  const GromlitAction* added = PluginNewAction(plugin, &action, "Fifth");
-  ASSERT_NE(added, nullptr);
-  EXPECT_EQ(plugin->actions[1], added);
-  EXPECT_STREQ(added->name, "Fifth");
-  EXPECT_STREQ(added->sym.name, "s5");
-  EXPECT_EQ(Actions(), (Texts{"a0", "Fifth"}));
-}
-
-TEST_F(ActionMenuTest, ANameLongerThanItsFieldIsCut) {
-  GromlitPlugin* plugin = ShowNew(0);
-  const GromlitAction action = Action("ignored");
-  ASSERT_NE(PluginNewAction(plugin, &action, std::string(200, 'n').c_str()), nullptr);
-  EXPECT_EQ(Actions(), Texts{std::string(63, 'n')});
-}
-
-TEST_F(ActionMenuTest, WithoutANameOrAPluginNothingIsAdded) {
-  GromlitPlugin* plugin = ShowNew(1);
-  const GromlitAction action = Action("x");
-  EXPECT_EQ(PluginNewAction(plugin, &action, ""), nullptr);
-  EXPECT_EQ(PluginNewAction(nullptr, &action, "x"), nullptr);
-  EXPECT_EQ(Actions(), Texts{"a0"});
-  EXPECT_EQ(ShownFailure(), "");
-}
-
 TEST_F(ActionMenuTest, APasteThatCannotBeSavedAddsNothingAndTellsTheUser) {
   GromlitPlugin* plugin = ShowNew(2);
   Select(0);
@@ -430,19 +403,6 @@ TEST_F(ActionMenuTest, APasteThatCannotBeSavedAddsNothingAndTellsTheUser) {
   Dismiss();
   Run(popPasteAction);
   EXPECT_EQ(Actions(), (Texts{"a0", "a1", "a0"}));
-}
-
-TEST_F(ActionMenuTest, AnActionAddedBeforeTheFileWasReadJoinsThoseOfTheFile) {
-  Plugin("Editor", "Edit.edit", 3);
-  LoadPlugins();
-  GetDefaultPlugin();
-  GromlitPlugin* plugin = allPlugins->plugin;
-  for (auto* node = allPlugins; node->plugin != nullptr; node = node->next)
-    if (StrCmp(node->plugin->classname, "Edit.edit") == 0) plugin = node->plugin;
-  ASSERT_EQ(plugin->nactions, 0);
-  const GromlitAction action = Action("x");
-  ASSERT_NE(PluginNewAction(plugin, &action, "late"), nullptr);
-  EXPECT_EQ(NamesInFile(plugin), (Texts{"a0", "a1", "a2", "late"}));
 }
 
 // --- Many commands in any order ---------------------------------------------------------------

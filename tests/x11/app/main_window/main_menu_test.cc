@@ -199,7 +199,7 @@ TEST_F(MainMenu, RenameThatCannotBeSavedKeepsTheNameAndTellsTheUser) {
   GiveFileBack(plugin);
   EXPECT_EQ(ReadBytes(FileOf(plugin)), before);
   // And now it can be saved.
-  ClickOn(failure->no->window);
+  ClickOn(notice->no->window);
   ClickOn(editname->yes->window);
   EXPECT_STREQ(plugin->appname, "Writer");
   EXPECT_FALSE(Viewable(editname->window));
@@ -213,7 +213,7 @@ TEST_F(MainMenu, RenameOfAPluginDeletedMeanwhileDoesNotBringItBack) {
   ClickOn(editname->yes->window);
   EXPECT_FALSE(Viewable(editname->window));
   EXPECT_EQ(ShownFailure(), "This plug-in was deleted./Its new name was not saved.");
-  DialogNo(failure);
+  DialogNo(notice);
   EXPECT_FALSE(Exists(file));
   EXPECT_EQ(FindPlugin("Edit.edit"), nullptr);
   EXPECT_THAT(Menu(), ElementsAre("Default"));

@@ -601,8 +601,8 @@ TEST_F(UserOptionsTest, DrawButtonOfAnotherClientIsToldAndTheOldOneStays) {
   CaptureStdout();
   Click(opt->bsave->window);
   EXPECT_EQ(GetCapturedStdout(), "Drawing Button used by another application.\n");
-  EXPECT_TRUE(Viewable(failure->window));
-  EXPECT_STREQ(failure->msgs[0], "Drawing Button used by another application.");
+  EXPECT_TRUE(Viewable(notice->window));
+  EXPECT_STREQ(notice->msgs[0], "Drawing Button used by another application.");
   EXPECT_TRUE(Viewable(opt->window)) << "so that another button can be chosen";
   EXPECT_EQ(GrabbedDrawButton(), 3);
   EXPECT_EQ(user->button, 3) << "a start with the other one would end at once";
@@ -610,8 +610,8 @@ TEST_F(UserOptionsTest, DrawButtonOfAnotherClientIsToldAndTheOldOneStays) {
   ASSERT_NE(Saved(), nullptr);
   EXPECT_EQ(Saved()->button, 3);
   EXPECT_EQ(Saved()->sensitivity, 21) << "the rest holds";
-  Click(failure->no->window);
-  EXPECT_FALSE(Viewable(failure->window));
+  Click(notice->no->window);
+  EXPECT_FALSE(Viewable(notice->window));
 
   // The other client is through: OK once more is enough.
   EXPECT_STREQ(opt->button->label, "Middle");
@@ -691,14 +691,14 @@ TEST_P(FailingSave, KeepsTheWindowAndTheChangesInForceAndSaysWhy) {
   CaptureStderr();
   obstacle.raise(Path());
   Click(opt->bsave->window);
-  const bool shown = Viewable(failure->window);
+  const bool shown = Viewable(notice->window);
   const bool open = Viewable(opt->window);
   obstacle.remove(Path());
   EXPECT_EQ(GetCapturedStderr(), "Save Options: " + obstacle.reason + "\n");
   EXPECT_TRUE(shown);
   EXPECT_TRUE(open);
   std::string told;
-  for (const char* const* line = failure->msgs; *line != nullptr; line++) told += *line;
+  for (const char* const* line = notice->msgs; *line != nullptr; line++) told += *line;
   EXPECT_NE(told.find("not saved"), std::string::npos) << told;
   EXPECT_NE(told.find(obstacle.reason), std::string::npos) << told;
   // In force until the program ends.
@@ -711,7 +711,7 @@ TEST_P(FailingSave, KeepsTheWindowAndTheChangesInForceAndSaysWhy) {
     EXPECT_EQ(Saved(), nullptr);
   }
   // The work is still there, and OK once more saves it.
-  Click(failure->no->window);
+  Click(notice->no->window);
   EXPECT_STREQ(TextEditorText(opt->txt), "33");
   EXPECT_STREQ(opt->button->label, "Middle");
   Click(opt->bsave->window);
@@ -749,10 +749,10 @@ TEST_F(UserOptionsTest, BothFailuresAreToldTogether) {
   Click(opt->bsave->window);
   EXPECT_EQ(GetCapturedStdout(), "Drawing Button used by another application.\n");
   EXPECT_EQ(GetCapturedStderr(), std::string("Save Options: ") + strerror(ENOENT) + "\n");
-  EXPECT_TRUE(Viewable(failure->window));
-  EXPECT_STREQ(failure->msgs[0], "Drawing Button used by another application.");
-  ASSERT_NE(failure->msgs[1], nullptr);
-  EXPECT_NE(std::string(failure->msgs[1]).find("not saved"), std::string::npos);
+  EXPECT_TRUE(Viewable(notice->window));
+  EXPECT_STREQ(notice->msgs[0], "Drawing Button used by another application.");
+  ASSERT_NE(notice->msgs[1], nullptr);
+  EXPECT_NE(std::string(notice->msgs[1]).find("not saved"), std::string::npos);
   EXPECT_TRUE(Viewable(opt->window));
 }
 

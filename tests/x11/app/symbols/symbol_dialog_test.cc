@@ -155,10 +155,10 @@ TEST_F(SymbolDialogTest, ADeletionThatFailsLeavesTheSymbolAndGivesTheReason) {
   EXPECT_FALSE(Shown(confirm->window));
   EXPECT_EQ(Names(), before);
   EXPECT_EQ(sed->lst->nitems, 3);
-  ASSERT_TRUE(Shown(failure->window));
-  EXPECT_STREQ(failure->msgs[0], "The symbol was not deleted.");
-  EXPECT_STREQ(failure->msgs[1], "No such file or directory.");
-  ClickOn(failure->no);
+  ASSERT_TRUE(Shown(notice->window));
+  EXPECT_STREQ(notice->msgs[0], "The symbol was not deleted.");
+  EXPECT_STREQ(notice->msgs[1], "No such file or directory.");
+  ClickOn(notice->no);
 }
 
 TEST_F(SymbolDialogTest, ADeletedSymbolThatIsBeingEditedCanStillBeSaved) {
@@ -188,7 +188,7 @@ TEST_F(SymbolDialogTest, ASymbolThatIsGoneWhenTheQuestionIsAnsweredIsNoFailure) 
   const auto before = Names();
   ClickOn(confirm->yes);
   EXPECT_FALSE(Shown(confirm->window));
-  EXPECT_FALSE(Shown(failure->window));
+  EXPECT_FALSE(Shown(notice->window));
   EXPECT_EQ(Names(), before);
 }
 

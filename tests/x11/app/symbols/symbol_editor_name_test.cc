@@ -176,12 +176,12 @@ TEST_F(SymbolEditorNameTest, ASaveThatFailsKeepsTheEditorOpenAndGivesTheReason) 
   EXPECT_STREQ(TextEditorText(sed->txt), "no/x");
   EXPECT_EQ(Names(), before);
   EXPECT_EQ(sed->lst->nitems, 2);
-  ASSERT_TRUE(Shown(failure->window));
-  EXPECT_STREQ(failure->msgs[0], "The symbol was not saved.");
-  EXPECT_STREQ(failure->msgs[1], "No such file or directory.");
+  ASSERT_TRUE(Shown(notice->window));
+  EXPECT_STREQ(notice->msgs[0], "The symbol was not saved.");
+  EXPECT_STREQ(notice->msgs[1], "No such file or directory.");
   Shoot("editor-save-failed");
   // Another name, and the work is saved.
-  ClickOn(failure->no);
+  ClickOn(notice->no);
   MoveIn(sed->txt->window, 100, 12);
   for (int i = 0; i < 4; i++) TypeKey(XK_BackSpace);
   TypeText("ok");
@@ -198,10 +198,10 @@ TEST_F(SymbolEditorNameTest, ASaveOverADirectoryFailsAndLeavesTheSymbolOfThatNam
   ClickIn(sed->lst->window, 20, 4 + sed->lst->itemheight + 2);
   ClickOn(sed->bsave);
   EXPECT_TRUE(Shown(sed->window));
-  EXPECT_TRUE(Shown(failure->window));
+  EXPECT_TRUE(Shown(notice->window));
   ASSERT_NE(Find("Beta"), nullptr);
   EXPECT_EQ(Find("Beta")->x[1], 16);
-  ClickOn(failure->no);
+  ClickOn(notice->no);
 }
 
 TEST_F(SymbolEditorNameTest, AManyLinedListIsScrolled) {
@@ -237,15 +237,15 @@ class FullLibraryTest : public testing::SymbolEditorFixture {
   }
   // Whether the user was told that there are `count` symbols; closes the notice.
   bool Told(int count) {
-    if (!Shown(failure->window)) return false;
-    EXPECT_STREQ(failure->title, "Symbol Saved");
-    EXPECT_EQ(failure->msgs[0],
+    if (!Shown(notice->window)) return false;
+    EXPECT_STREQ(notice->title, "Symbol Saved");
+    EXPECT_EQ(notice->msgs[0],
               "The symbol was saved, but there are " + std::to_string(count) + " symbols now,");
-    EXPECT_STREQ(failure->msgs[1], "and the choice of symbols shows only the first 512.");
-    EXPECT_STREQ(failure->msgs[2], "Delete symbols that you do not need to see the others.");
-    EXPECT_EQ(failure->msgs[3], nullptr);
+    EXPECT_STREQ(notice->msgs[1], "and the choice of symbols shows only the first 512.");
+    EXPECT_STREQ(notice->msgs[2], "Delete symbols that you do not need to see the others.");
+    EXPECT_EQ(notice->msgs[3], nullptr);
     Shoot("editor-library-full");
-    ClickOn(failure->no);
+    ClickOn(notice->no);
     return true;
   }
 };
@@ -285,10 +285,10 @@ TEST_F(FullLibraryTest, ASaveThatFailsSaysOnlyThat) {
   MoveIn(sed->txt->window, 100, 12);
   TypeText("no/x");
   ClickOn(sed->bsave);
-  ASSERT_TRUE(Shown(failure->window));
-  EXPECT_STREQ(failure->msgs[0], "The symbol was not saved.");
-  EXPECT_STREQ(failure->title, "Not Done");
-  ClickOn(failure->no);
+  ASSERT_TRUE(Shown(notice->window));
+  EXPECT_STREQ(notice->msgs[0], "The symbol was not saved.");
+  EXPECT_STREQ(notice->title, "Not Done");
+  ClickOn(notice->no);
 }
 
 }  // namespace

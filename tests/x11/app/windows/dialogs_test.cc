@@ -25,7 +25,7 @@ class Dialogs : public CommandFixture {
 };
 
 TEST_F(Dialogs, AreMadeHiddenWithTheirTitlesAndAnswers) {
-  for (const XDialog* dlog : {about, confirm, editname, failure, app->dlog, app->newdlog}) {
+  for (const XDialog* dlog : {about, confirm, editname, notice, app->dlog, app->newdlog}) {
     EXPECT_FALSE(Viewable(dlog->window)) << dlog->title;
   }
   EXPECT_STREQ(about->title, "About Gromlit");
@@ -100,28 +100,28 @@ TEST_F(Dialogs, FailureIsShownAtThePointerUntilOk) {
   ShowFailure("A line.\nAnd one more.");
   Pump();
   EXPECT_EQ(ShownFailure(), "A line./And one more.");
-  const XPoint middle = Middle(failure->window);
+  const XPoint middle = Middle(notice->window);
   EXPECT_NEAR(middle.x, 640, 1);
   EXPECT_NEAR(middle.y, 500, 1);
-  ClickOn(failure->no->window);
+  ClickOn(notice->no->window);
   EXPECT_EQ(ShownFailure(), "");
 }
 
 TEST_F(Dialogs, FailureIsAsLargeAsItsLinesNeed) {
   ShowFailure("Short.");
   Pump();
-  const XWindowAttributes small = Is(failure->window);
-  EXPECT_EQ(small.width, logoImage->width + TextWidth(labelFontinfo, failure->title) + 32)
+  const XWindowAttributes small = Is(notice->window);
+  EXPECT_EQ(small.width, logoImage->width + TextWidth(labelFontinfo, notice->title) + 32)
       << "room for the title";
   EXPECT_EQ(small.height, logoImage->height + txtCharht + 48 + txtCharht + 2);
   const std::string longer(60, 'x');
   ShowFailure((longer + "\nShort.").c_str());
   Pump();
-  const XWindowAttributes large = Is(failure->window);
+  const XWindowAttributes large = Is(notice->window);
   EXPECT_EQ(large.width, TextWidth(txtFontinfo, longer.c_str()) + 32);
   EXPECT_EQ(large.height, logoImage->height + txtCharht + 48 + 2 * (txtCharht + 2));
-  EXPECT_EQ(Is(failure->no->window).x, large.width - 72);
-  EXPECT_EQ(Is(failure->no->window).y, large.height - 32);
+  EXPECT_EQ(Is(notice->no->window).x, large.width - 72);
+  EXPECT_EQ(Is(notice->no->window).y, large.height - 32);
 }
 
 TEST_F(Dialogs, FailureKeepsToSixLinesOfHundredBytes) {
@@ -140,7 +140,7 @@ TEST_F(Dialogs, FailureOfASaveSaysWhy) {
 }
 
 TEST_F(Dialogs, FailureWithoutADialogGoesToTheErrorStream) {
-  failure = nullptr;
+  notice = nullptr;
   CaptureStderr();
   ShowFailure("Too early.");
   EXPECT_EQ(GetCapturedStderr(), "Too early.\n");

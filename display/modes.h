@@ -1,0 +1,26 @@
+// The modes: what one part of the program does while it is in them concerns another one. Each has
+// one writer, which is named here; everybody may read.
+#pragma once
+
+#include <X11/Xlib.h>
+
+#include "core/gromlit.h"
+
+namespace gromlit {
+
+// Non-zero from the opening of the action editor to its OK or Cancel: the draw button is not
+// captured then and the pointer is not followed, so that keys and clicks reach the editor.
+// Written by app/action_editor.
+inline int editingPlugin = 0;
+
+// Reserved for the drawing of a symbol; nothing writes or reads it.
+inline int drawingSymbol = 0;
+
+// Whose action is being executed; null when none is. Written by actions/execute.
+inline GromlitPlugin* ExecutingPlugin = nullptr;
+
+// The window that "system:showgromlit" maps and raises; None before it is made. Written by
+// app/main_window.
+inline Window showWindow = None;
+
+}  // namespace gromlit

@@ -1,0 +1,18 @@
+#include "toolkit/resources.h"
+
+#include "display/display.h"
+#include "toolkit/image.h"
+
+namespace gromlit {
+
+void MakeResources() {
+  MakeColours();
+  MakeImages();
+  MakeHandCursor();
+  LoadFonts();
+  MakeCursors();
+  MakeContexts();
+  MakeAtoms();
+}
+
+}  // namespace gromlit
