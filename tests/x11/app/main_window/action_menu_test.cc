@@ -386,7 +386,7 @@ TEST_F(ActionMenuTest, NewOnAFullPluginOpensNoEditorAndSaysSo) {
   EXPECT_FALSE(Viewable(act->window));
 }
 
-// --- Adding -----------------------------------------------------------------------------------
+// --- Saves that fail -----------------------------------------------------------------------------
 
 TEST_F(ActionMenuTest, APasteThatCannotBeSavedAddsNothingAndTellsTheUser) {
   GromlitPlugin* plugin = ShowNew(2);
