@@ -130,11 +130,11 @@ struct GromlitPluginList {
   GromlitPluginList* next;
 };
 
-extern GromlitSymbolList* allSymbols;   // core/symbol_files.cc
-extern GromlitPluginList* allPlugins;   // core/plugin_files.cc
-extern GromlitPlugin* DefaultPlugin;    // serves applications that have no plug-in
-extern GromlitUserOptions* user;        // the options in force
-extern const char* GromlitPath;         // installation directory; all data lie below it
+extern GromlitSymbolList* allSymbols;  // core/symbol_files.cc
+extern GromlitPluginList* allPlugins;  // core/plugin_files.cc
+extern GromlitPlugin* DefaultPlugin;   // serves applications that have no plug-in
+extern GromlitUserOptions* user;       // the options in force
+extern const char* GromlitPath;        // installation directory; all data lie below it
 
 // Copies a symbol into another record: name, npoints, points 1..63, the x of point 64 and the icon.
 // The y of point 64, `spare` and `signature` of dst stay as they were. A caller that gives dst
