@@ -2,6 +2,8 @@
 
 #include <X11/Xatom.h>
 #include <X11/Xutil.h>
+#include <fcntl.h>
+#include <sys/inotify.h>
 #include <sys/stat.h>
 
 #include <filesystem>
@@ -251,6 +253,44 @@ TEST_F(StartUpTest, MissingFontsAreReportedAndReplaced) {
   EXPECT_EQ(Err(), "");
   EXPECT_TRUE(DesktopActs("acted"));
   EXPECT_NE(MainWindow(), 0u);
+}
+
+TEST_F(StartUpTest, OptionsAreReadBeforeFontsAreLoaded) {
+  UseServer({"-fp", "built-ins"});
+  ASSERT_TRUE(Exists(*install / "options/default.user"));
+  // The first missing font is reported into a full pipe: there the program waits.
+  ASSERT_EQ(mkfifo(OutFile().c_str(), 0666), 0);
+  const int pipe = open(OutFile().c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
+  ASSERT_GE(pipe, 0);
+  const std::string block(4096, '.');
+  for (const size_t size : {block.size(), size_t{1}})
+    while (write(pipe, block.data(), size) > 0) continue;
+  const int watch = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+  ASSERT_GE(inotify_add_watch(watch, (*install / "options").c_str(), IN_OPEN | IN_ONLYDIR), 0);
+
+  gromlit = Start({"-path", install->path()});
+  const auto opened = [&] {
+    alignas(inotify_event) char events[4096];
+    const ssize_t size = read(watch, events, sizeof events);
+    for (ssize_t at = 0; at < size;) {
+      const auto* event = reinterpret_cast<const inotify_event*>(events + at);
+      if (event->len > 0 && std::string(event->name) == "default.user") return true;
+      at += static_cast<ssize_t>(sizeof *event + event->len);
+    }
+    return false;
+  };
+  EXPECT_TRUE(WaitFor(opened, std::chrono::seconds(30)));
+  EXPECT_FALSE(GromlitIsReady());
+
+  EXPECT_TRUE(WaitFor(
+      [&] {
+        char printed[4096];
+        while (read(pipe, printed, sizeof printed) > 0) continue;
+        return GromlitIsReady();
+      },
+      std::chrono::seconds(60)));
+  close(watch);
+  close(pipe);
 }
 
 TEST_F(StartUpTest, ServerWithoutTheFixedFontIsServedToo) {
