@@ -1,35 +1,20 @@
 // Plug-in files: GromlitPath/plugins/, the list of all plug-ins and the look-up by class.
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "core/gromlit.h"
+#include "core/plugin_names.h"
 
 namespace gromlit {
 
-inline constexpr const char* pluginDirectory = "plugins";
 inline constexpr const char* damagedDirectory = "damaged";
-inline constexpr const char* GromlitPluginFileExt = ".sla";
 inline constexpr const char* GromlitPluginFileHeaderString = "GromlitPlugin";
 inline constexpr const char* defaultPluginClassname = "Default";
 
 // Builds allPlugins from the plug-in directory (records only, no actions), in directory order and
 // without a filter on the extension; what is no plug-in file is skipped silently. Of several files
-// of one class one is listed (CountsBefore in core/plugin_names.h), the others are spare. Returns
+// of one class one is listed (CountsBefore), the others are spare (SparePluginFiles). Returns
 // the number of listed plug-ins; a missing directory gives an empty list.
 int LoadPlugins();
-
-// A plug-in file that is left alone, neither used nor overwritten nor removed, because another one
-// of its class counts.
-struct SparePluginFile {
-  std::string name;       // below the plug-in directory
-  std::string used;       // the one that counts
-  std::string classname;  // of both
-};
-
-// What LoadPlugins left out, in byte order of the names.
-const std::vector<SparePluginFile>& SparePluginFiles();
 
 // New record filled by ReadPluginHeader; null, silently, when that fails.
 GromlitPlugin* LoadPlugin(const char* fname);

@@ -2,10 +2,9 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <vector>
+#include <utility>
 
 #include "core/files.h"
-#include "core/plugin_files.h"
 #include "core/plugin_image.h"
 #include "core/record_layout.h"
 #include "core/strings.h"
@@ -14,6 +13,8 @@ namespace gromlit {
 namespace {
 
 constexpr int kNameVariations = 32;
+
+std::vector<SparePluginFile> spareFiles;
 
 // A class text comes from a stranger's window: with a "/" it would leave the directory.
 std::string WithoutSlashes(std::string_view text) {
@@ -29,6 +30,16 @@ bool IsSpare(const std::string& name) {
 }
 
 }  // namespace
+
+const std::vector<SparePluginFile>& SparePluginFiles() {
+  return spareFiles;
+}
+
+void KeepSparePluginFiles(std::vector<SparePluginFile> files) {
+  std::sort(files.begin(), files.end(),
+            [](const auto& one, const auto& other) { return one.name < other.name; });
+  spareFiles = std::move(files);
+}
 
 std::string PluginPath(const std::string& name) {
   return DataPath(pluginDirectory, name.c_str());
