@@ -100,12 +100,13 @@ void Run(const Running& r) {
   StartCommandLine(text, "Error in System Command");
 }
 
-// Every address goes through the web service, which redirects to the site; nothing is encoded.
+// Every address goes through the web service, which redirects to the site. What the user typed is
+// not encoded; the class, which a window chose, is.
 void Browse(const Running& r) {
   std::string url;
   if (r.cmd->checked != 0) {
     url = GromlitForumURLprefix;
-    url += FieldText(r.pin->classname);
+    url += EncodeForAddress(FieldText(r.pin->classname));
     url += "&uargs=";
   } else {
     url = GromlitRedirectURLprefix;

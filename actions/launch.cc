@@ -30,8 +30,23 @@ pid_t LaunchBrowserURL(const char* cmdurl) {
   return StartCommandLine(line.c_str(), "Error in Website Command");
 }
 
+std::string EncodeForAddress(std::string_view text) {
+  constexpr char kDigits[] = "0123456789ABCDEF";
+  constexpr std::string_view kEncoded = " \"'`%\x7f";
+  std::string encoded;
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte >= ' ' && kEncoded.find(c) == kEncoded.npos) {
+      encoded += c;
+    } else {
+      encoded += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
+    }
+  }
+  return encoded;
+}
+
 pid_t LaunchGromlitFileURL(const char* path) {
-  const std::string url = std::string("file:") + GromlitPath + "/" + path;
+  const std::string url = "file:" + EncodeForAddress(GromlitPath) + "/" + path;
   return LaunchBrowserURL(url.c_str());
 }
 

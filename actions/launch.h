@@ -4,6 +4,7 @@
 #include <sys/types.h>
 
 #include <string>
+#include <string_view>
 
 namespace gromlit {
 
@@ -20,7 +21,12 @@ pid_t PlaySoundFile(const char* name);
 // process id, or -1.
 pid_t LaunchBrowserURL(const char* cmdurl);
 
-// Opens a file below the installation directory in the browser. Returns as LaunchBrowserURL.
+// A text as part of an address that stays one word of a command line: blanks, quotes, control
+// characters and "%" as %XX. What a window says of itself must not add options to the browser.
+std::string EncodeForAddress(std::string_view text);
+
+// Opens a file below the installation directory in the browser, the directory's name encoded.
+// Returns as LaunchBrowserURL.
 pid_t LaunchGromlitFileURL(const char* path);
 
 }  // namespace gromlit

@@ -12,6 +12,8 @@
 #include <new>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "core/files.h"
 #include "core/plugin_image.h"
@@ -152,13 +154,13 @@ GromlitPlugin* SaveFailed() {
 int LoadPlugins() {
   Retire(allPlugins);
   allPlugins = new GromlitPluginList();
-  std::vector<SparePluginFile>& spareFiles = SparePluginFiles();
-  spareFiles.clear();
+  KeepSparePluginFiles({});
   const std::string path = std::string(GromlitPath) + "/" + pluginDirectory;
   const std::unique_ptr<DIR, int (*)(DIR*)> directory(opendir(path.c_str()), closedir);
   if (directory == nullptr) return 0;
   // Of each class the plug-in that counts, in directory order.
   std::vector<GromlitPlugin*> found;
+  std::vector<SparePluginFile> spareFiles;
   while (const dirent* entry = readdir(directory.get())) {
     GromlitPlugin* plugin = LoadPlugin(entry->d_name);
     if (plugin == nullptr) continue;
@@ -189,8 +191,7 @@ int LoadPlugins() {
     sentinel->next = new GromlitPluginList();
     sentinel = sentinel->next;
   }
-  std::sort(spareFiles.begin(), spareFiles.end(),
-            [](const auto& one, const auto& other) { return one.name < other.name; });
+  KeepSparePluginFiles(std::move(spareFiles));
   return static_cast<int>(found.size());
 }
 

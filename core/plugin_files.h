@@ -1,9 +1,6 @@
 // Plug-in files: GromlitPath/plugins/, the list of all plug-ins and the look-up by class.
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "core/gromlit.h"
 #include "core/plugin_names.h"
 
@@ -15,7 +12,7 @@ inline constexpr const char* defaultPluginClassname = "Default";
 
 // Builds allPlugins from the plug-in directory (records only, no actions), in directory order and
 // without a filter on the extension; what is no plug-in file is skipped silently. Of several files
-// of one class one is listed (CountsBefore in core/plugin_names.h), the others are spare. Returns
+// of one class one is listed (CountsBefore), the others are spare (SparePluginFiles). Returns
 // the number of listed plug-ins; a missing directory gives an empty list.
 int LoadPlugins();
 

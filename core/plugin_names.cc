@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <vector>
+#include <utility>
 
 #include "core/files.h"
 #include "core/plugin_image.h"
@@ -13,6 +13,8 @@ namespace gromlit {
 namespace {
 
 constexpr int kNameVariations = 32;
+
+std::vector<SparePluginFile> spareFiles;
 
 // A class text comes from a stranger's window: with a "/" it would leave the directory.
 std::string WithoutSlashes(std::string_view text) {
@@ -29,9 +31,14 @@ bool IsSpare(const std::string& name) {
 
 }  // namespace
 
-std::vector<SparePluginFile>& SparePluginFiles() {
-  static std::vector<SparePluginFile> spare;
-  return spare;
+const std::vector<SparePluginFile>& SparePluginFiles() {
+  return spareFiles;
+}
+
+void KeepSparePluginFiles(std::vector<SparePluginFile> files) {
+  std::sort(files.begin(), files.end(),
+            [](const auto& one, const auto& other) { return one.name < other.name; });
+  spareFiles = std::move(files);
 }
 
 std::string PluginPath(const std::string& name) {

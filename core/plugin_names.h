@@ -16,17 +16,6 @@ namespace gromlit {
 inline constexpr const char* pluginDirectory = "plugins";
 inline constexpr const char* GromlitPluginFileExt = ".sla";
 
-// A plug-in file that is left alone, neither used nor overwritten nor removed, because another one
-// of its class counts.
-struct SparePluginFile {
-  std::string name;       // below the plug-in directory
-  std::string used;       // the one that counts
-  std::string classname;  // of both
-};
-
-// What LoadPlugins left out, in byte order of the names. Written by LoadPlugins alone.
-std::vector<SparePluginFile>& SparePluginFiles();
-
 // Whose plug-in lies under a name of the plug-in directory.
 enum class FileOwner { kNone, kThisClass, kOtherClass };
 
@@ -39,6 +28,18 @@ std::string OwnFileName(std::string_view classname);
 // Of two files of one class: whether `name` counts rather than `other`. The one with the class's
 // own name does, else the first in byte order.
 bool CountsBefore(std::string_view classname, std::string_view name, std::string_view other);
+
+// A plug-in file that is left alone, neither used nor overwritten nor removed, because another one
+// of its class counts.
+struct SparePluginFile {
+  std::string name;       // below the plug-in directory
+  std::string used;       // the one that counts
+  std::string classname;  // of both
+};
+
+// The spare files that LoadPlugins found, in byte order of the names.
+const std::vector<SparePluginFile>& SparePluginFiles();
+void KeepSparePluginFiles(std::vector<SparePluginFile> files);
 
 // Path of a file of the plug-in directory.
 std::string PluginPath(const std::string& name);

@@ -70,8 +70,12 @@ void PrintAtOnce() {
   (void)std::setvbuf(stdout, nullptr, _IONBF, 0);
 }
 
+// What actions start is to appear where the program is, too.
 void OpenDisplayOrExit(const char* name) {
-  if (OpenDisplay(name)) return;
+  if (OpenDisplay(name)) {
+    if (name != nullptr) setenv("DISPLAY", name, 1);
+    return;
+  }
   std::fprintf(stderr, "unable to open display '%s'\n", XDisplayName(name));
   std::exit(1);
 }

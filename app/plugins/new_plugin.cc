@@ -37,8 +37,13 @@ XDialog* MakeNewPluginDialog() {
 
 void YesDownloadPlugin(XDialog* dlog) {
   std::string url = GromlitDownloadURLprefix;
-  if (dlog->arg != nullptr) url += static_cast<const char*>(dlog->arg);
-  if (url.size() > kUrlLength) url.resize(kUrlLength);
+  if (dlog->arg != nullptr) url += EncodeForAddress(static_cast<const char*>(dlog->arg));
+  if (url.size() > kUrlLength) {
+    url.resize(kUrlLength);
+    // Of an escape that was cut nothing may stay.
+    const size_t escape = url.rfind('%');
+    if (escape != url.npos && escape + 3 > url.size()) url.resize(escape);
+  }
   DialogYes(dlog);
   LaunchBrowserURL(url.c_str());
 }

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "app/windows/dialogs.h"
-#include "core/plugin_files.h"
+#include "core/plugin_names.h"
 #include "core/printable.h"
 
 namespace gromlit {

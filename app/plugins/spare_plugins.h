@@ -4,7 +4,7 @@
 namespace gromlit {
 
 // Shows, in a dialog, the files that are left alone because another file of their class counts
-// (SparePluginFiles in core/plugin_files.h); nothing where there are none. Once, at start-up.
+// (SparePluginFiles in core/plugin_names.h); nothing where there are none. Once, at start-up.
 void TellOfSparePlugins();
 
 }  // namespace gromlit

@@ -157,7 +157,7 @@ void symFinish(void* arg) {
 
 void symSave(void* arg) {
   SymbolEditor* editor = Editor(arg);
-  SaveSymbol(editor, TextEditorText(editor->txt));
+  SaveOrAsk(editor, TextEditorText(editor->txt));
 }
 
 void symCancel(void* arg) {

@@ -13,7 +13,13 @@
 #include "display/display.h"
 
 namespace gromlit {
+
+const char* const ConfirmEmptySymbolMsg[] = {"Replace this Symbol by an empty one?", nullptr};
+
 namespace {
+
+// The name that the question is about, cut as it is stored.
+std::string askedname;
 
 bool IsListed(std::string_view name) {
   const auto* node = allSymbols;
@@ -21,6 +27,27 @@ bool IsListed(std::string_view name) {
     if (FieldText(node->sym->name) == name) return true;
   }
   return false;
+}
+
+// What of a name is stored.
+std::string_view StoredPart(std::string_view name) {
+  return name.substr(0, kNameSize - 1);
+}
+
+bool IsInLibrary(std::string_view name) {
+  for (const auto* node = allSymbols; node != nullptr && node->sym != nullptr; node = node->next)
+    if (FieldText(node->sym->name) == name) return true;
+  return false;
+}
+
+void YesReplaceSymbol(XDialog* dlog) {
+  DialogYes(dlog);
+  auto* editor = static_cast<SymbolEditor*>(dlog->arg);
+  const char* name = TextEditorText(editor->txt);
+  XWindowAttributes is{};
+  const bool open =
+      XGetWindowAttributes(dpy, editor->window, &is) != 0 && is.map_state != IsUnmapped;
+  if (open && editor->sym.npoints == 0 && StoredPart(name) == askedname) SaveSymbol(editor, name);
 }
 
 // Says after a save that the chooser cannot list all of the library's `count` symbols. A new
@@ -47,6 +74,18 @@ int SaveSymbol(SymbolEditor* editor, const char* name) {
   RefreshSymbolNames(editor);
   TellOfUnlisted(editor->nnames, FieldText(editor->sym.name), allSymbols != head);
   return 1;
+}
+
+void SaveOrAsk(SymbolEditor* editor, const char* name) {
+  if (editor->sym.npoints > 0 || !IsInLibrary(StoredPart(name))) {
+    SaveSymbol(editor, name);
+    return;
+  }
+  askedname = StoredPart(name);
+  confirm->msgs = ConfirmEmptySymbolMsg;
+  confirm->arg = editor;
+  confirm->yesfn = YesReplaceSymbol;
+  MousePopUpDialog(confirm, labelReplaceSymbol);
 }
 
 int RemoveSymbol(const GromlitSymbol* sym, const char* fname) {

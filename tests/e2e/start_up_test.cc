@@ -163,6 +163,22 @@ TEST_F(StartUpTest, LaterOptionsWin) {
   ExpectNoDisplay({"-d", server->name(), "-d", kNoDisplay}, kNoDisplay);
 }
 
+TEST_F(StartUpTest, ProgramsThatActionsStartUseTheDisplayOfTheOption) {
+  // The display of the environment is another one, or there is none.
+  WritePlugin("Desktop", {{"right", kRight, {{kRun, "env"}, Touch("acted")}}});
+  for (const std::string& before : {std::string("DISPLAY=") + kNoDisplay + "; export DISPLAY;",
+                                    std::string("unset DISPLAY;")}) {
+    Launch({"-display", server->name(), "-path", install->path()}, {.before = before});
+    EXPECT_TRUE(DesktopActs("acted"));
+    EXPECT_TRUE(WaitFor([this] {
+      return ("\n" + Out()).find("\nDISPLAY=" + server->name() + "\n") != std::string::npos;
+    })) << Out();
+    StopGromlit();
+    fs::remove(MarkFile("acted"));
+    fs::remove(OutFile());
+  }
+}
+
 TEST_F(StartUpTest, DisplayThatCannotBeOpenedIsNamed) {
   ExpectNoDisplay({"-display", kNoDisplay}, kNoDisplay);
   ExpectNoDisplay({}, kNoDisplay, std::string("DISPLAY=") + kNoDisplay + "; export DISPLAY;");

@@ -151,5 +151,13 @@ TEST_F(LaunchTest, InstallationFileIsAFileUrl) {
   GromlitPath = former;
 }
 
+TEST_F(LaunchTest, InstallationPathIsOneWordOfTheAddress) {
+  const char* const former = GromlitPath;
+  GromlitPath = "/home/me/my gestures 100%/%20";
+  ExpectStarted(LaunchGromlitFileURL("help/index.html"),
+                {"recorder", "file:/home/me/my%20gestures%20100%25/%2520/help/index.html"});
+  GromlitPath = former;
+}
+
 }  // namespace
 }  // namespace gromlit

@@ -361,6 +361,20 @@ TEST_F(ExecuteTest, InternetOpensTheForumOfTheClass) {
   EXPECT_EQ(record.Wait(2)[1], RecordOf({"recorder", std::string(kForum) + "Navigator&uargs="}));
 }
 
+TEST_F(ExecuteTest, InternetKeepsTheClassInOneWordOfTheAddress) {
+  // A class text is what a window says: it must not add options to the browser's command line.
+  const Recording record;
+  CopyText(plugin.classname,
+           "a --x\t\n'\"`%s\x7f"
+           "b.C%20&");
+  Run(Command(kInternet, "my topic", 1));
+  EXPECT_EQ(
+      record.Wait(1)[0],
+      RecordOf({"recorder", std::string(kForum) + "a%20--x%09%0A%27%22%60%25s%7Fb.C%2520&&uargs=my",
+                "topic"}))
+      << "the command's own text stays as it was typed";
+}
+
 TEST_F(ExecuteTest, InternetAddressOfAnyLengthIsNotCutAndNotEncoded) {
   const Recording record;
   const std::string address = "https://h:8080/%20%s?&" + std::string(5000, 'u');

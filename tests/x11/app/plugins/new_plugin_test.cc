@@ -2,6 +2,8 @@
 
 #include "tests/x11/app/command_fixture.h"
 
+#include <unistd.h>
+
 #include "app/plugins/new_plugin.h"
 
 #include <X11/keysym.h>
@@ -86,6 +88,25 @@ TEST_F(DownloadOffer, EndsTheAddressAtItsLongestLength) {
   Shoot("dialog-offer-long");
   ClickOn(app->dlog->yes->window);
   EXPECT_TRUE(Opened((GromlitDownloadURLprefix + name).substr(0, 179)));
+}
+
+TEST_F(DownloadOffer, ClassIsOneWordOfTheAddress) {
+  EXPECT_EQ(FindNewPlugin(app, "A --b%", 640, 500), 0);
+  Pump();
+  ClickOn(app->dlog->yes->window);
+  EXPECT_TRUE(Opened(std::string(GromlitDownloadURLprefix) + "A%20--b%25"));
+}
+
+TEST_F(DownloadOffer, NoEscapeIsCutInTwo) {
+  const std::string prefix = GromlitDownloadURLprefix;
+  for (const size_t left : {1, 2}) {  // bytes that the last escape would have
+    const std::string name(179 - prefix.size() - left, 'n');
+    EXPECT_EQ(FindNewPlugin(app, (name + " x").c_str(), 640, 500), 0);
+    Pump();
+    ClickOn(app->dlog->yes->window);
+    EXPECT_TRUE(Opened(prefix + name)) << left;
+    ASSERT_EQ(unlink((*install / "opened").c_str()), 0);
+  }
 }
 
 TEST_F(DownloadOffer, WithoutADialogIsOnlyRemembered) {

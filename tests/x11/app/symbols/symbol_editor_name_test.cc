@@ -1,8 +1,11 @@
 #include "tests/x11/app/symbol_editor_fixture.h"
 
 #include <filesystem>
+#include <memory>
 
+#include "app/symbols/symbol_editor_buttons.h"
 #include "app/symbols/symbol_library.h"
+#include "app/windows/dialogs.h"
 
 namespace gromlit {
 namespace {
@@ -61,6 +64,73 @@ TEST_F(SymbolEditorNameTest, ClearInStepThreeDropsThePointsAndKeepsTheNameWidget
   EXPECT_FALSE(Shown(area->window));
   ClickOn(sed->bprev);
   EXPECT_EQ(sed->state, kSymEmpty);
+}
+
+// In the last step with a symbol of the library, its points cleared.
+class EmptiedSymbolTest : public testing::SymbolEditorFixture {
+ protected:
+  void Empty(const char* name) {
+    Open(Find(name));
+    ClickOn(sed->bnext);
+    ClickOn(sed->bfinish);
+    ClickOn(sed->bclear);
+    ASSERT_EQ(sed->sym.npoints, 0);
+  }
+  static int StoredPoints(const char* name) {
+    const std::unique_ptr<GromlitSymbol> stored(LoadSymbol(name, GromlitSymbolFileExt));
+    return stored == nullptr ? -1 : stored->npoints;
+  }
+};
+
+TEST_F(EmptiedSymbolTest, ReplacesAnExistingOneOnlyAfterYes) {
+  const int points = StoredPoints("Alpha");
+  ASSERT_GT(points, 0);
+  Empty("Alpha");
+  ClickOn(sed->bsave);
+  ASSERT_TRUE(Shown(confirm->window));
+  EXPECT_STREQ(confirm->title, "Replace Symbol");
+  EXPECT_TRUE(Shown(sed->window));
+  EXPECT_EQ(StoredPoints("Alpha"), points);
+  ClickOn(confirm->no);
+  EXPECT_FALSE(Shown(confirm->window));
+  EXPECT_TRUE(Shown(sed->window)) << "the work is still there";
+  EXPECT_EQ(StoredPoints("Alpha"), points);
+
+  MoveIn(sed->txt->window, 100, 12);
+  TypeKey(XK_Return);
+  ASSERT_TRUE(Shown(confirm->window)) << "Return asks as the button does";
+  ClickOn(confirm->yes);
+  EXPECT_FALSE(Shown(confirm->window));
+  EXPECT_FALSE(Shown(sed->window));
+  EXPECT_EQ(StoredPoints("Alpha"), 0);
+}
+
+TEST_F(EmptiedSymbolTest, UnderANewNameIsSavedUnasked) {
+  Empty("Alpha");
+  MoveIn(sed->txt->window, 100, 12);
+  TypeText("z");
+  ClickOn(sed->bsave);
+  EXPECT_FALSE(Shown(confirm->window));
+  EXPECT_FALSE(Shown(sed->window));
+  EXPECT_EQ(StoredPoints("Alphaz"), 0);
+}
+
+TEST_F(EmptiedSymbolTest, YesIsForWhatWasAskedOnly) {
+  const int points = StoredPoints("Beta");
+  Empty("Alpha");
+  ClickOn(sed->bsave);
+  ASSERT_TRUE(Shown(confirm->window));
+  TextEditorUpdate(sed->txt, "Beta");
+  ClickOn(confirm->yes);
+  EXPECT_EQ(StoredPoints("Beta"), points);
+  EXPECT_GT(StoredPoints("Alpha"), 0);
+  TextEditorUpdate(sed->txt, "Alpha");
+  ClickOn(sed->bsave);
+  ASSERT_TRUE(Shown(confirm->window));
+  symCancel(sed);  // its button may lie below the question
+  Pump();
+  ClickOn(confirm->yes);
+  EXPECT_GT(StoredPoints("Alpha"), 0) << "the editor was left";
 }
 
 TEST_F(SymbolEditorNameTest, ANewNameAddsTheSymbolAtTheHeadOfTheLibrary) {
