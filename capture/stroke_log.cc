@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <string>
 
 #include "core/strings.h"
@@ -36,18 +37,28 @@ bool Append(const std::string& text) {
 
 // Whether the file begins as a log does.
 bool IsStrokeLog(int file) {
-  const std::string header = std::string(kStrokeLogHeader) + "\n";
+  const std::string header = StrokeLogHeader();
   std::string start(header.size(), '\0');
   return pread(file, start.data(), start.size(), 0) == static_cast<ssize_t>(start.size()) &&
          start == header;
 }
 
-std::string PointsOf(const Stroke& stroke) {
-  std::string text;
-  for (int i = 0; i < stroke.count; i++) {
-    if (i > 0) text += ' ';
-    text += std::to_string(stroke.x[i]) + ' ' + std::to_string(stroke.y[i]);
-  }
+// UTC, such as 2026-01-31T12:00:00.007Z.
+std::string Now() {
+  timespec now{};
+  clock_gettime(CLOCK_REALTIME, &now);
+  tm utc{};
+  gmtime_r(&now.tv_sec, &utc);
+  char text[64];
+  const size_t n = std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &utc);
+  std::snprintf(text + n, sizeof text - n, ".%03dZ", static_cast<int>(now.tv_nsec / 1'000'000));
+  return text;
+}
+
+std::string ScoreText(float score) {
+  if (score < 0) return "";
+  char text[32];
+  std::snprintf(text, sizeof text, "%.4f", static_cast<double>(score));
   return text;
 }
 
@@ -69,7 +80,7 @@ void OpenStrokeLog() {
   }
   log = file;
   // One that was made by hand may be open to others.
-  if (fchmod(log, 0600) != 0 || (empty && !Append(std::string(kStrokeLogHeader) + "\n"))) {
+  if (fchmod(log, 0600) != 0 || (empty && !Append(StrokeLogHeader()))) {
     Refuse(path, std::strerror(errno));
     close(log);
     log = -1;
@@ -84,26 +95,28 @@ void StrokeEnds(const char* classtext) {
 
 void LogStroke(const GromlitPlugin* pin, const Stroke& stroke, const Matching& how, int found) {
   if (log < 0) return;
-  using std::chrono::duration_cast;
-  const auto needed = duration_cast<std::chrono::microseconds>(Clock::now() - released);
-  const auto now =
-      duration_cast<std::chrono::milliseconds>(std::chrono::system_clock::now().time_since_epoch());
+  const auto needed =
+      std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - released).count();
+  const MatchingWay way = how.way == kByShape ? kByShape : kBySignature;
+  const ShapeRanking ranking =
+      way == kByShape && pin != nullptr ? RankByShape(pin, stroke) : ShapeRanking{};
   char signature[kDrawnSignatureSize];
   StrokeSignature(signature, stroke.count, stroke.x, stroke.y);
-  const bool byshape = how.way == kByShape;
-  const ShapeRanking ranking =
-      byshape && pin != nullptr ? RankByShape(pin, stroke) : ShapeRanking{};
-  const bool ran = pin != nullptr && found >= 0;
-  const std::string line =
-      StrokeLogLine({.milliseconds = now.count(),
-                     .classtext = ending,
-                     .signature = signature,
-                     .byshape = byshape,
-                     .action = ran ? FieldText(pin->actions[found]->name) : std::string_view(),
-                     .score = ranking.score,
-                     .runnerup = ranking.nextscore,
-                     .microseconds = needed.count(),
-                     .points = withpoints ? PointsOf(stroke) : std::string()});
+  std::string fields[kLogColumns];
+  fields[kLogTime] = Now();
+  fields[kLogClass] = EscapeLogField(ending);
+  fields[kLogSignature] = signature;
+  fields[kLogWay] = kLogWayNames[way];
+  fields[kLogAction] = pin != nullptr && found >= 0
+                           ? EscapeLogField(FieldText(pin->actions[found]->name))
+                           : kLogNone;
+  fields[kLogScore] = ScoreText(ranking.score);
+  fields[kLogRunnerUp] = ScoreText(ranking.nextscore);
+  fields[kLogMicroseconds] = std::to_string(needed);
+  if (withpoints) fields[kLogPoints] = LogPoints(stroke);
+  std::string line;
+  for (const std::string& field : fields) line += field + '\t';
+  line.back() = '\n';
   // A full disk must not stop the strokes, and one complaint is enough.
   if (Append(line)) return;
   std::perror("GROMLIT_LOG");

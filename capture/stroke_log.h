@@ -1,5 +1,5 @@
-// Writing the log of strokes (core/stroke_log.h), where the environment asks for it: GROMLIT_LOG
-// names the file, GROMLIT_LOG_POINTS=1 asks for the points of each stroke, too.
+// Writing the log of strokes (recognition/stroke_log.h), where the environment asks for it:
+// GROMLIT_LOG names the file, GROMLIT_LOG_POINTS=1 asks for the points of each stroke, too.
 //
 // The log tells what somebody does all day, so nobody else may read it (mode 0600), and it is a
 // file of its own: whatever else already lies under that name is left alone.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <map>
@@ -15,6 +16,7 @@
 #include "core/printable.h"
 #include "core/strings.h"
 #include "core/symbol_files.h"
+#include "recognition/shape_match.h"
 #include "recognition/signature_match.h"
 #include "tools/data_file.h"
 #include "tools/shadow.h"
@@ -30,9 +32,10 @@ std::string Quote(std::string_view text) {
 
 class Checker {
  public:
-  explicit Checker(const std::string& dir) : dir_(dir) {}
+  Checker(const std::string& dir, ShapeCheck shape) : dir_(dir), shape_(shape) {}
 
   std::vector<std::string> Run() {
+    if (shape_.on && shape_.tolerance == kOptionsTolerance) shape_.tolerance = OptionsTolerance();
     for (const std::string& name : Names(symbolDirectory)) CheckSymbolFile(name);
     for (const std::string& name : Names(pluginDirectory)) CheckPluginFile(name);
     ReportSparePlugins();
@@ -112,6 +115,7 @@ class Checker {
         break;
       }
     }
+    if (shape_.on) CheckShapes(name, plugin, titles);
     classes_[std::string(FieldText(plugin.classname))].push_back(
         name.substr(std::string_view(pluginDirectory).size() + 1));
   }
@@ -145,6 +149,37 @@ class Checker {
     }
   }
 
+  // Reports pairs of actions of which a stroke drawn exactly as the one is near enough to run the
+  // other, were the one not there.
+  void CheckShapes(const std::string& name, const GromlitPlugin& plugin,
+                   const std::vector<std::string>& titles) {
+    // At the highest tolerance everything is near enough; then it is the next one's line that
+    // tells.
+    const int32_t tolerance = shape_.tolerance == 5 ? 4 : shape_.tolerance;
+    for (int i = 0; i < plugin.nactions; i++) {
+      const Shape* shape = SymbolShape(&plugin.actions[i]->sym);
+      for (int j = 0; j < i; j++) {
+        const Shape* earlier = SymbolShape(&plugin.actions[j]->sym);
+        const float score = std::max(ShapeScore(*shape, *earlier), ShapeScore(*earlier, *shape));
+        if (score < ShapeThreshold(tolerance)) continue;
+        char text[32];
+        std::snprintf(text, sizeof text, "%.4f", static_cast<double>(score));
+        Report(name, titles[static_cast<size_t>(j)] + " and " + titles[static_cast<size_t>(i)] +
+                         " look alike: " + text);
+      }
+    }
+  }
+
+  // The tolerance of the options file; medium without one.
+  int32_t OptionsTolerance() {
+    const std::string path = dir_ + "/" + optionDirectory + "/" + defaultOptionFile;
+    DataFile file;
+    std::string error;
+    const bool read =
+        ReadDataFile(path.c_str(), &file, &error) && file.kind == Kind::kOptions && !file.unusable;
+    return read ? file.options.tolerance : 3;
+  }
+
   void CheckOptionsFile() {
     const std::string name = std::string(optionDirectory) + "/" + defaultOptionFile;
     std::error_code ignored;
@@ -160,14 +195,15 @@ class Checker {
   }
 
   const std::string& dir_;
+  ShapeCheck shape_;
   std::vector<std::string> lines_;
   std::map<std::string, std::vector<std::string>> classes_;  // class, files in byte order
 };
 
 }  // namespace
 
-std::vector<std::string> CheckInstallation(const std::string& dir) {
-  return Checker(dir).Run();
+std::vector<std::string> CheckInstallation(const std::string& dir, ShapeCheck shape) {
+  return Checker(dir, shape).Run();
 }
 
 }  // namespace gromlit

@@ -11,45 +11,18 @@
 #include <vector>
 
 #include "core/printable.h"
-#include "core/strings.h"
-#include "recognition/find_action.h"
-#include "recognition/signature_match.h"
-#include "recognition/stroke_signature.h"
 #include "tools/check.h"
 #include "tools/data_file.h"
 #include "tools/output_file.h"
+#include "tools/recognition_calls.h"
 #include "tools/record_json.h"
-#include "tools/stroke_input.h"
 #include "tools/text_input.h"
+#include "tools/tool_io.h"
 
 namespace gromlit {
 namespace {
 
-// Exit statuses.
-constexpr int kSuccess = 0;
-constexpr int kNegative = 1;  // no action matches; problems were found
-constexpr int kTrouble = 2;   // wrong usage, input that cannot be read, output that fails
-
-int Complain(const std::string& name, const std::string& what) {
-  std::fprintf(stderr, "gromlit-tool: %s: %s\n", Printable(name).c_str(), Printable(what).c_str());
-  return kTrouble;
-}
-
-// How messages call an input.
-std::string InputName(const std::string& path) {
-  return path == "-" ? "standard input" : path;
-}
-
-void Write(const std::string& text) {
-  std::fwrite(text.data(), 1, text.size(), stdout);
-}
-
 // --- The calls ----------------------------------------------------------------------------------
-
-int WarnOfDamage(const std::string& path, const DataFile& file) {
-  for (const std::string& damage : file.damage) Complain(path, damage);
-  return file.damage.empty() ? kSuccess : kTrouble;
-}
 
 int Show(const std::vector<std::string>& paths) {
   int status = kSuccess;
@@ -107,66 +80,11 @@ int Pack(const std::string& input, const std::string& output) {
   return kSuccess;
 }
 
-// Reads a stroke; false after a message.
-bool ReadStroke(const std::string& path, Stroke* stroke) {
-  std::string text;
-  std::string error;
-  if (ReadTextInput(path, kMaxStrokeText, &text, &error) && ParseStroke(text, stroke, &error))
-    return true;
-  Complain(InputName(path), error);
-  return false;
-}
-
-// Reads a file that the program would have to be able to use; false after a message.
-bool ReadUsable(const std::string& path, Kind kind, const char* what, DataFile* file) {
-  std::string error;
-  if (!ReadDataFile(path.c_str(), file, &error)) {
-    Complain(path, error);
-    return false;
-  }
-  if (file->kind != kind) {
-    Complain(path, what);
-    return false;
-  }
-  WarnOfDamage(path, *file);
-  return !file->unusable;
-}
-
-int SignatureOfSymbol(const std::string& path) {
-  DataFile file;
-  if (!ReadUsable(path, Kind::kSymbol, "no symbol file", &file)) return kTrouble;
-  Write(std::string(SymbolSignature(&file.symbol)) + "\n");
-  return file.damage.empty() ? kSuccess : kTrouble;
-}
-
-int SignatureOfStroke(const std::string& path) {
-  Stroke stroke;
-  if (!ReadStroke(path, &stroke)) return kTrouble;
-  char letters[kDrawnSignatureSize];
-  StrokeSignature(letters, stroke.count, stroke.x, stroke.y);
-  Write(std::string(letters) + "\n");
-  return kSuccess;
-}
-
-int Match(const std::string& plugin, const std::string& path) {
-  DataFile file;
-  if (!ReadUsable(plugin, Kind::kPlugin, "no plug-in file", &file)) return kTrouble;
-  Stroke stroke;
-  if (!ReadStroke(path, &stroke)) return kTrouble;
-  const int index = FindAction(&file.plugin, stroke, {kBySignature, 0});
-  if (index >= 0) {
-    const std::string_view name = FieldText(file.plugin.actions[index]->name);
-    Write(std::to_string(index) + "\t" + Printable(name) + "\n");
-  }
-  if (!file.damage.empty()) return kTrouble;
-  return index >= 0 ? kSuccess : kNegative;
-}
-
-int Check(const std::string& dir) {
+int Check(const std::string& dir, bool shape, int32_t tolerance) {
   struct stat info;
   if (stat(dir.c_str(), &info) != 0) return Complain(dir, std::strerror(errno));
   if (!S_ISDIR(info.st_mode)) return Complain(dir, std::strerror(ENOTDIR));
-  const std::vector<std::string> problems = CheckInstallation(dir);
+  const std::vector<std::string> problems = CheckInstallation(dir, {shape, tolerance});
   for (const std::string& line : problems) Write(line + "\n");
   return problems.empty() ? kSuccess : kNegative;
 }
@@ -205,16 +123,63 @@ int Main(int argc, char** argv) {
         signature->count("--symbol") != 0 ? SignatureOfSymbol(symbol) : SignatureOfStroke(stroke);
   });
 
+  const char* const stroke_help = "One \"x y\" pair per line; standard input when absent or -";
+  const char* const tolerance_help = "How near is near enough: 1 very low .. 5 very high";
   std::string plugin;
+  int32_t tolerance = 3;
+  bool shape = false;
+  bool each = false;
   CLI::App* match = app.add_subcommand("match", "Print which action of a plug-in a stroke runs");
   match->add_option("PLUGIN", plugin, "The plug-in file")->required();
-  match->add_option("STROKE", stroke, "One \"x y\" pair per line; standard input when absent or -");
-  match->callback([&] { status = Match(plugin, stroke); });
+  match->add_option("STROKE", stroke, stroke_help);
+  CLI::Option* shape_option = match->add_flag("--shape", shape, "Match by shape, not by signature");
+  match->add_option("--tolerance", tolerance, tolerance_help)
+      ->check(CLI::Range(1, 5))
+      ->needs(shape_option);
+  match->add_flag("--each", each,
+                  "Several strokes, separated by empty lines: a line of answer each, - for none");
+  match->callback([&] {
+    status = MatchStrokes(plugin, stroke, {shape ? kByShape : kBySignature, tolerance}, each);
+  });
+
+  CLI::App* explain = app.add_subcommand("explain", "Print why each action runs or not");
+  explain->add_option("PLUGIN", plugin, "The plug-in file")->required();
+  explain->add_option("STROKE", stroke, stroke_help);
+  explain->add_option("--tolerance", tolerance, tolerance_help)->check(CLI::Range(1, 5));
+  explain->callback([&] { status = ExplainStroke(plugin, stroke, tolerance); });
+
+  std::string name;
+  std::vector<std::string> strokes;
+  CLI::App* learn = app.add_subcommand("learn", "Make a symbol from drawn strokes");
+  learn->add_option("--name", name, "Name of the symbol")->required()->check([](const auto& text) {
+    return text.empty() ? std::string("a name is needed") : std::string();
+  });
+  learn->add_option("-o,--output", output, "File to write")->required();
+  learn
+      ->add_option("STROKE", strokes,
+                   "Strokes as for match, several in a file separated by empty lines")
+      ->required();
+  learn->callback([&] { status = LearnSymbol(name, output, strokes); });
+
+  std::string log;
+  int last = -1;
+  CLI::App* logged = app.add_subcommand("strokes", "Print the strokes of a log with points");
+  logged->add_option("LOG", log, "The log; - reads standard input")->required();
+  logged->add_option("-n", last, "Only the last so many; all when absent")
+      ->check(CLI::NonNegativeNumber);
+  logged->callback([&] { status = PrintLoggedStrokes(log, last); });
 
   std::string dir;
   CLI::App* check = app.add_subcommand("check", "List the problems of an installation directory");
   check->add_option("DIR", dir, "The installation directory")->required();
-  check->callback([&] { status = Check(dir); });
+  CLI::Option* pairs = check->add_flag(
+      "--shape", shape, "Name pairs of actions that matching by shape can hardly keep apart, too");
+  CLI::Option* given = check->add_option("--tolerance", tolerance, tolerance_help)
+                           ->check(CLI::Range(1, 5))
+                           ->needs(pairs);
+  check->callback([&, given] {
+    status = Check(dir, shape, given->count() != 0 ? tolerance : kOptionsTolerance);
+  });
 
   try {
     app.parse(argc, argv);

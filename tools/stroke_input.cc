@@ -42,31 +42,59 @@ bool ParseCoordinate(std::string_view word, int16_t* out, std::string* error) {
   return true;
 }
 
+enum class Line { kPoint, kEmpty, kBad };
+
+// Takes the next line from the front of the text. What is wrong with a bad one, and its number, is
+// in *error then.
+Line NextLine(std::string_view* text, size_t number, int16_t* x, int16_t* y, std::string* error) {
+  std::string_view line = text->substr(0, text->find('\n'));
+  text->remove_prefix(std::min(line.size() + 1, text->size()));
+  const std::string_view first = NextWord(&line);
+  if (first.empty()) return Line::kEmpty;
+  bool good = ParseCoordinate(first, x, error) && ParseCoordinate(NextWord(&line), y, error);
+  if (good) {
+    const std::string_view rest = NextWord(&line);
+    good = rest.empty();
+    if (!good) *error = "only two numbers are expected, not " + Quote(rest);
+  }
+  if (good) return Line::kPoint;
+  *error = "line " + std::to_string(number) + ": " + *error;
+  return Line::kBad;
+}
+
+void AddPoint(Stroke* stroke, int16_t x, int16_t y) {
+  if (stroke->count == kMaxStrokePoints) return;
+  stroke->x[stroke->count] = x;
+  stroke->y[stroke->count] = y;
+  stroke->count++;
+}
+
 }  // namespace
 
 bool ParseStroke(std::string_view text, Stroke* stroke, std::string* error) {
   stroke->count = 0;
   for (size_t number = 1; !text.empty(); number++) {
-    std::string_view line = text.substr(0, text.find('\n'));
-    text.remove_prefix(std::min(line.size() + 1, text.size()));
-    const std::string_view first = NextWord(&line);
-    if (first.empty()) continue;
     int16_t x = 0;
     int16_t y = 0;
-    bool good = ParseCoordinate(first, &x, error) && ParseCoordinate(NextWord(&line), &y, error);
-    if (good) {
-      const std::string_view rest = NextWord(&line);
-      good = rest.empty();
-      if (!good) *error = "only two numbers are expected, not " + Quote(rest);
+    const Line line = NextLine(&text, number, &x, &y, error);
+    if (line == Line::kBad) return false;
+    if (line == Line::kPoint) AddPoint(stroke, x, y);
+  }
+  return true;
+}
+
+bool ParseStrokes(std::string_view text, std::vector<Stroke>* strokes, std::string* error) {
+  bool fresh = true;  // the next point begins a stroke
+  for (size_t number = 1; !text.empty(); number++) {
+    int16_t x = 0;
+    int16_t y = 0;
+    const Line line = NextLine(&text, number, &x, &y, error);
+    if (line == Line::kBad) return false;
+    if (line == Line::kPoint) {
+      if (fresh) strokes->emplace_back();
+      AddPoint(&strokes->back(), x, y);
     }
-    if (!good) {
-      *error = "line " + std::to_string(number) + ": " + *error;
-      return false;
-    }
-    if (stroke->count == kMaxStrokePoints) continue;
-    stroke->x[stroke->count] = x;
-    stroke->y[stroke->count] = y;
-    stroke->count++;
+    fresh = line == Line::kEmpty;
   }
   return true;
 }

@@ -165,8 +165,10 @@ GromlitSymbol Learn(const std::vector<const Stroke*>& strokes) {
 }
 
 void ReadSymbolLibrary(const char* directory, Library* library) {
+  const char* const former = GromlitPath;
   GromlitPath = directory;
   LoadSymbols();
+  GromlitPath = former;
   std::vector<GromlitSymbol*> symbols;
   for (auto* node = allSymbols; node != nullptr && node->sym != nullptr; node = node->next)
     symbols.push_back(node->sym);

@@ -10,9 +10,12 @@
 #include <random>
 
 #include "core/strings.h"
+#include "recognition/find_action.h"
 #include "recognition/signature_match.h"
 #include "recognition/stroke_signature.h"
 #include "tests/support/temp_install.h"
+#include "tests/unit/recognition/recognition_support.h"
+#include "tests/unit/recognition/stroke_sets.h"
 #include "tests/unit/tools/run_tool.h"
 #include "tools/data_file.h"
 #include "tools/stroke_input.h"
@@ -182,6 +185,31 @@ TEST(Skeleton, IsRecognisedWhenItIsDrawnByHand) {
     for (const auto& [other_name, count] : wrong)
       EXPECT_LE(count, kStrokes / 100) << name << " drawn, taken for " << other_name;
   }
+}
+
+// As a hand might draw them: moved and rounded corners, other proportions, a little turned, from 40
+// to 800 pixels.
+TEST(Skeleton, HasSymbolsThatShapesKeepApart) {
+  constexpr int kMedium = 3;
+  constexpr int kDrawings = 100;
+  Library library;
+  ReadSymbolLibrary(GROMLIT_SKELETON, &library);
+  ASSERT_GE(library.size(), 20);
+  std::mt19937 random(static_cast<uint32_t>(TestSeed()));
+  int right = 0;
+  int wrong = 0;
+  for (int i = 0; i < library.size(); i++) {
+    for (int k = 0; k < kDrawings; k++) {
+      const Stroke drawing = SimulatedDrawing(*library.symbol(i), &random);
+      const int found = FindAction(library.plugin(), drawing, {kByShape, kMedium});
+      right += found == i;
+      wrong += found >= 0 && found != i;
+    }
+  }
+  // 99.9 % and 0.05 % of many; of so few, six and three may go astray by chance.
+  const int all = library.size() * kDrawings;
+  EXPECT_GE(right, all - 6);
+  EXPECT_LE(wrong, 3);
 }
 
 }  // namespace
