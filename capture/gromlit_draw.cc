@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "actions/delivery.h"
 #include "app/main_window/find_new_plugin.h"
 #include "app/main_window/shown_plugin.h"
 #include "capture/app_track.h"
@@ -77,6 +78,7 @@ class Capture {
   void Release(const XButtonEvent& release);
   bool IsStroke() const;
   void Click();
+  bool MakeClick();
   bool SendClick(Window window, int x, int y);
   void Recognise(GromlitPlugin* plugin);
 
@@ -226,12 +228,11 @@ void Capture::Release(const XButtonEvent& release) {
 }
 
 void Capture::Click() {
+  if (MakesClicks() && MakeClick()) return;
   if (SendClick(target_.click, target_.winx, target_.winy) || target_.app == None) return;
   // An application whose windows take the buttons by another protocol than the core's, as most
   // toolkits of today do: it would ignore a click that is sent, and there is none to send it to.
-  // The hand may have shaken; then the trail is over the application and would take the click.
-  HideTrail(&trail_);
-  if (ClickAt(press_.x_root, press_.y_root, static_cast<int>(press_.button))) return;
+  if (MakeClick()) return;
   int x;
   int y;
   Window child;
@@ -239,6 +240,13 @@ void Capture::Click() {
                             &child)) {
     SendClick(target_.client, x, y);
   }
+}
+
+// False when the server cannot.
+bool Capture::MakeClick() {
+  // The hand may have shaken; then the trail is over the application and would take the click.
+  HideTrail(&trail_);
+  return ClickAt(press_.x_root, press_.y_root, static_cast<int>(press_.button));
 }
 
 // False when there is no window to send it to.
@@ -285,7 +293,7 @@ void GromlitDrawButtonPress(GromlitDraw* draw, XEvent* event) {
   // Nothing is frozen on account of a synthetic press; replaying could release a real one that
   // waits behind it, whose capture would then never end.
   if (press.send_event) return;
-  if (press.state != 0 || editingPlugin != 0) {
+  if ((press.state & ~DrawLocks()) != 0 || editingPlugin != 0) {
     XAllowEvents(dpy, ReplayPointer, press.time);
     XFlush(dpy);
     return;

@@ -6,9 +6,10 @@
 //   state      event                         next       function
 //   ---------  ----------------------------  ---------  -------------------------------------
 //   idle       synthetic press               idle       ignored: nothing is frozen on its account
-//   idle       press with a modifier or      idle       replayed to the window under the pointer
-//              another button, or while an
-//              action is being edited
+//   idle       press with a modifier that    idle       replayed to the window under the pointer
+//              is no lock chosen to be drawn
+//              with, or another button, or
+//              while an action is being edited
 //   idle       press                         pressed    Thaw (widened grab), then Search
 //   pressed    motion                        drawing    BeginDrawing, then as in drawing
 //   drawing    motion                        drawing    AddPoint, MoveTrail

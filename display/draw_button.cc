@@ -6,7 +6,9 @@
 #include <chrono>
 #include <cstdio>
 
+#include "core/option_files.h"
 #include "display/display.h"
+#include "display/lock_modifiers.h"
 #include "display/x_errors.h"
 
 namespace gromlit {
@@ -23,15 +25,40 @@ int grabbed = 0;          // INV-GRAB-1
 int refused = 0;          // INV-GRAB-2: the button that is asked for again, or 0
 Clock::time_point asked;  // when; the time before the first request of all counts as long ago
 
-void RequestGrab(int button) {
-  // Modifiers exactly 0: with AnyModifier every click of a user with Num Lock on would pass here.
-  XGrabButton(dpy, static_cast<unsigned>(button), 0, root, False,
+unsigned locks = 0;  // modifiers with which the draw button is grabbed, too
+
+void RequestGrab(int button, unsigned modifiers) {
+  // Exactly these modifiers: with AnyModifier every click of a user with Num Lock on, and every
+  // command that a window manager has on a button with Alt, would pass here.
+  XGrabButton(dpy, static_cast<unsigned>(button), modifiers, root, False,
               static_cast<unsigned>(ButtonToMotionMask(button) | ButtonReleaseMask), GrabModeSync,
               GrabModeAsync, None, None);
 }
 
+// The next smaller combination of some of these modifiers; 0 is the last one.
+unsigned NextCombination(unsigned combination, unsigned modifiers) {
+  return (combination - 1) & modifiers;
+}
+
+void RequestUngrab(int button, unsigned combination) {
+  XUngrabButton(dpy, static_cast<unsigned>(button), combination, root);
+}
+
 void RequestUngrab(int button) {
-  XUngrabButton(dpy, static_cast<unsigned>(button), 0, root);
+  for (unsigned with = locks; with != 0; with = NextCombination(with, locks)) {
+    RequestUngrab(button, with);
+  }
+  RequestUngrab(button, 0);
+}
+
+// A combination that another client holds is left to it: the button alone decides whether the
+// program draws at all.
+void RequestGrabWithLocks(int button) {
+  if (locks == 0) return;
+  ErrorTrap trap;
+  for (unsigned with = locks; with != 0; with = NextCombination(with, locks)) {
+    RequestGrab(button, with);
+  }
 }
 
 }  // namespace
@@ -55,9 +82,10 @@ bool GrabDrawButton(int button) {
   {
     // A grab that another client holds is answered with BadAccess, not with a return value.
     ErrorTrap trap;
-    RequestGrab(button);
+    RequestGrab(button, 0);
     if (trap.Finish() != Success) return false;
   }
+  RequestGrabWithLocks(button);
   if (grabbed != 0 && grabbed != button) RequestUngrab(grabbed);
   grabbed = button;
   refused = 0;
@@ -66,6 +94,23 @@ bool GrabDrawButton(int button) {
 
 int GrabbedDrawButton() {
   return grabbed;
+}
+
+unsigned DrawLocks() {
+  return locks;
+}
+
+void RenewDrawLocks() {
+  const bool chosen = user != nullptr && Chosen(user, kDrawWithLocks);
+  const unsigned wanted = chosen ? ReadModifierMap().locks : 0;
+  if (wanted == locks) return;
+  // The button alone stays grabbed all the time.
+  for (unsigned with = grabbed != 0 ? locks : 0; with != 0; with = NextCombination(with, locks)) {
+    RequestUngrab(grabbed, with);
+  }
+  locks = wanted;
+  if (grabbed != 0) RequestGrabWithLocks(grabbed);
+  XFlush(dpy);
 }
 
 int DrawButtonWait() {

@@ -1,8 +1,9 @@
 // The grab of the draw button on the root window.
 //
 // The grab is passive, with no modifier and a frozen pointer, so that the capture can decide event
-// by event whether a press is its own. A press with any modifier (Num Lock and Caps Lock included)
-// reaches the application untouched.
+// by event whether a press is its own. A press with any modifier reaches the application untouched,
+// also one with Caps Lock or Num Lock on, unless the options choose that strokes are drawn with
+// them: then there is such a grab for every combination of the locks, too.
 //
 // INV-GRAB-1: at any time at most one button is grabbed, and while one is, `grabbed button` names
 // it; a refused change leaves the old grab in place.
@@ -24,6 +25,13 @@ bool GrabDrawButton(int button);
 
 // The button that is grabbed, or 0.
 int GrabbedDrawButton();
+
+// The locks, as state bits, that a press of the draw button may carry and still be the program's.
+unsigned DrawLocks();
+
+// To be called when options or keyboard have changed, and before the first grab: finds out which
+// locks those are. One round trip where the options choose them, none else; two more for a change.
+void RenewDrawLocks();
 
 // How long an idle program may wait before it asks for a refused grab again, milliseconds; -1 when
 // no grab is refused, so that nothing wakes it.

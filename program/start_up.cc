@@ -85,6 +85,7 @@ void MakeResources() {
 }
 
 void GrabDrawButtonOrExit() {
+  RenewDrawLocks();
   if (GrabDrawButton(EffectiveButton(user))) return;
   std::printf("%s\n", kDrawButtonTaken);
   std::exit(0);
@@ -154,7 +155,10 @@ void StartUp(const CommandLine& line, int argc, char** argv) {
   GetUserOptions();
   if (user->splash != 0) DoSplash();
   BuildCharToKeycode();
-  keyboardChanged = KeyboardChanged;
+  keyboardChanged = [](const XMappingEvent& event) {
+    KeyboardChanged(event);
+    RenewDrawLocks();
+  };
   GrabDrawButtonOrExit();
   // Not before the grab: an instance that runs may be saving, or typing.
   RemoveStaleTemporaries();

@@ -156,6 +156,7 @@ bool PutInForce(const GromlitUserOptions& usr) {
   const int kept = user->button;
   *user = usr;
   if (!granted) user->button = kept;
+  RenewDrawLocks();
   if (granted && former != wanted && drawButtonChanged != nullptr) drawButtonChanged();
   return granted;
 }

@@ -2,8 +2,12 @@
 
 #include "tests/support/x_fixture.h"
 
+#include <X11/keysym.h>
+
+#include <string>
 #include <vector>
 
+#include "core/option_files.h"
 #include "display/x_errors.h"
 
 namespace gromlit {
@@ -198,6 +202,115 @@ TEST_F(DrawButtonTest, TrapReportsTheFirstErrorAndGivesTheHandlerBack) {
   XSync(dpy, False);
   EXPECT_EQ(errors, 1);
   errors = 0;
+}
+
+// --- Locks -------------------------------------------------------------------------------------
+
+class DrawLocksTest : public DrawButtonTest {
+ protected:
+  void SetUp() override {
+    DrawButtonTest::SetUp();
+    options_.temp2 = kDrawWithLocks;
+    user = &options_;
+  }
+  void TearDown() override {
+    user = nullptr;
+    RenewDrawLocks();
+    DrawButtonTest::TearDown();
+  }
+  void Choose(int32_t behaviour) {
+    options_.temp2 = behaviour;
+    RenewDrawLocks();
+  }
+  // Gives the keyboard another Num Lock, and tells the program.
+  void Lock(const std::string& modifier) {
+    testing::Process change({"xmodmap", "-e", "remove mod2 = Num_Lock", "-e",
+                             "remove mod3 = Num_Lock", "-e", "add " + modifier + " = Num_Lock"});
+    ASSERT_EQ(change.Wait(), 0);
+    Pump();
+    RenewDrawLocks();
+  }
+
+ private:
+  GromlitUserOptions options_{};
+};
+
+constexpr KeySym kLocks[] = {XK_Caps_Lock, XK_Num_Lock};
+
+TEST_F(DrawLocksTest, EveryCombinationOfLocksIsCaught) {
+  RenewDrawLocks();
+  EXPECT_EQ(DrawLocks(), static_cast<unsigned>(LockMask | Mod2Mask));
+  ASSERT_TRUE(GrabDrawButton(3));
+  for (int combination = 0; combination < 4; combination++) {
+    EXPECT_TRUE(Caught(3)) << combination;
+    EXPECT_FALSE(Caught(1)) << combination;
+    player->KeyDown(XK_Shift_L);
+    EXPECT_FALSE(Caught(3)) << combination << " with Shift";
+    player->KeyUp(XK_Shift_L);
+    player->Type(kLocks[combination % 2]);
+  }
+}
+
+TEST_F(DrawLocksTest, NoLockIsCaughtUnlessChosen) {
+  Choose(~kDrawWithLocks);
+  EXPECT_EQ(DrawLocks(), 0u);
+  ASSERT_TRUE(GrabDrawButton(3));
+  EXPECT_TRUE(Caught(3));
+  player->Type(XK_Num_Lock);
+  EXPECT_FALSE(Caught(3));
+}
+
+TEST_F(DrawLocksTest, ChoiceCountsAtOnce) {
+  Choose(0);
+  ASSERT_TRUE(GrabDrawButton(3));
+  player->Type(XK_Num_Lock);
+  EXPECT_FALSE(Caught(3));
+  Choose(kDrawWithLocks);
+  EXPECT_TRUE(Caught(3));
+  Choose(0);
+  EXPECT_FALSE(Caught(3));
+  player->Type(XK_Num_Lock);
+  EXPECT_TRUE(Caught(3));
+}
+
+TEST_F(DrawLocksTest, AnotherButtonTakesTheLocksWithIt) {
+  RenewDrawLocks();
+  ASSERT_TRUE(GrabDrawButton(3));
+  player->Type(XK_Caps_Lock);
+  ASSERT_TRUE(GrabDrawButton(2));
+  EXPECT_TRUE(Caught(2));
+  EXPECT_FALSE(Caught(3));
+}
+
+TEST_F(DrawLocksTest, LiftedGrabIsLiftedWithLocksToo) {
+  RenewDrawLocks();
+  ASSERT_TRUE(GrabDrawButton(3));
+  player->Type(XK_Num_Lock);
+  {
+    const DrawButtonLifted lifted;
+    EXPECT_FALSE(Caught(3));
+  }
+  EXPECT_TRUE(Caught(3));
+}
+
+TEST_F(DrawLocksTest, LocksOfTheKeyboardInForceCount) {
+  RenewDrawLocks();
+  ASSERT_TRUE(GrabDrawButton(3));
+  Lock("mod3");
+  EXPECT_EQ(DrawLocks(), static_cast<unsigned>(LockMask | Mod3Mask));
+  player->Type(XK_Num_Lock);
+  EXPECT_TRUE(Caught(3));
+}
+
+TEST_F(DrawLocksTest, CombinationOfAnotherClientIsLeftToIt) {
+  XGrabButton(player->display(), 3, Mod2Mask, root, False, ButtonPressMask, GrabModeAsync,
+              GrabModeAsync, 0, 0);
+  XSync(player->display(), False);
+  RenewDrawLocks();
+  ASSERT_TRUE(GrabDrawButton(3));
+  EXPECT_TRUE(Caught(3));
+  player->Type(XK_Caps_Lock);
+  EXPECT_TRUE(Caught(3));
 }
 
 }  // namespace
