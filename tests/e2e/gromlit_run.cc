@@ -172,7 +172,8 @@ void GromlitRun::StartWindowManager(const std::string& name, const std::string& 
   if (twm || !configuration.empty()) {
     const std::string file = *install / "manager.rc";
     WriteText(file, configuration.empty() ? kTwmConfiguration : configuration);
-    argv.insert(argv.end(), {twm ? "-f" : "--config-file", file});
+    const char* option = twm ? "-f" : name == "openbox" ? "--config-file" : "-c";
+    argv.insert(argv.end(), {option, file});
   }
   manager_name = name;
   manager_argv = argv;

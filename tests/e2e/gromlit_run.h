@@ -104,9 +104,9 @@ class GromlitRun : public ::testing::Test {
   // Options for a run without a splash; `change` may alter them.
   void WriteOptions(int button = 3, int sensitivity = 4);
 
-  // Starts a window manager ("openbox" or "twm") and waits until it manages the screen. It may be
-  // given another configuration than its default; that of twm places windows by itself, moves them
-  // by their titles, and has keys, as nobody but its user can close a window: kTwmClose and
+  // Starts a window manager ("openbox", "twm", ...) and waits until it manages the screen. It may
+  // be given another configuration than its default; that of twm places windows by itself, moves
+  // them by their titles, and has keys, as nobody but its user can close a window: kTwmClose and
   // kTwmIconify act on the window under the pointer.
   void StartWindowManager(const std::string& name = "openbox",
                           const std::string& configuration = "");

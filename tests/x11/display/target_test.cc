@@ -64,6 +64,20 @@ class TargetTest : public testing::XFixture {
   Window Click(Window window) { return GetXAppClick(window, at.x, at.y, &x, &y); }
   Window Key(Window window) { return GetXAppKey(window, at.x, at.y, &x, &y); }
 
+  // As a window manager does with a window that it manages.
+  void Manage(Window window) {
+    const Atom state = XInternAtom(player->display(), "WM_STATE", False);
+    XChangeProperty(player->display(), window, state, state, 32, PropModeReplace, nullptr, 0);
+    XSync(player->display(), False);
+  }
+  // A window manager's frame that has a class of its own.
+  Window Frame() {
+    const Window frame = Top(kPress);
+    SetClass(frame, "Frame", "frame");
+    return frame;
+  }
+  Target AtPress(Window rootchild) { return FindTargets(rootchild, at.x, at.y); }
+
   std::array<char, kClassBuffer> cname{};
   struct {
     int x, y;
@@ -268,6 +282,99 @@ TEST_F(TargetTest, EndlessNestingIsCutShort) {
   at = {120, 130};
   EXPECT_EQ(App(top), 0u);
   EXPECT_EQ(Click(top), top);
+}
+
+TEST_F(TargetTest, FramesWithAClassOfTheirOwnAreLookedThrough) {
+  const Window frame = Frame();
+  const Window container = Make(frame, 0, 20, 200, 130, 0);
+  const Window client = Make(container, 0, 0, 200, 130, kPress);
+  SetClass(client, "Client", "client");
+  EXPECT_EQ(AtPress(frame).app, frame) << "nobody manages it yet";
+  Manage(client);
+  const Target target = AtPress(frame);
+  EXPECT_EQ(target.client, client);
+  EXPECT_EQ(target.app, client);
+  EXPECT_STREQ(target.cname.data(), "Client.client");
+  EXPECT_TRUE(target.named);
+  EXPECT_EQ(target.click, client);
+  EXPECT_EQ(target.key, client);
+  EXPECT_EQ(target.winx, 20);
+  EXPECT_EQ(target.winy, 10);
+}
+
+TEST_F(TargetTest, TitleBelongsToTheOnlyClientOfItsFrame) {
+  const Window frame = Frame();
+  const Window client = Make(frame, 0, 50, 200, 100, kPress);
+  SetClass(client, "Client", "client");
+  Manage(client);
+  const Target target = AtPress(frame);
+  EXPECT_EQ(target.client, client);
+  EXPECT_STREQ(target.cname.data(), "Client.client");
+  EXPECT_EQ(target.click, 0u) << "the position is beside it";
+}
+
+TEST_F(TargetTest, TitleOfSeveralClientsIsTheFrames) {
+  const Window frame = Frame();
+  for (const int top : {50, 100}) {
+    const Window client = Make(frame, 0, top, 200, 50, kPress);
+    SetClass(client, "Client", "client");
+    Manage(client);
+  }
+  const Target target = AtPress(frame);
+  EXPECT_EQ(target.client, frame);
+  EXPECT_STREQ(target.cname.data(), "Frame.frame");
+  EXPECT_EQ(target.click, frame);
+}
+
+TEST_F(TargetTest, OfSeveralClientsTheTopmostAtThePositionCounts) {
+  const Window frame = Frame();
+  Window client = None;
+  for (const char* name : {"lower", "upper", "beside"}) {
+    const bool beside = std::string(name) == "beside";
+    const Window made = Make(frame, beside ? 100 : 0, 0, 100, 100, kPress);
+    SetClass(made, "Client", name);
+    Manage(made);
+    if (!beside) client = made;
+  }
+  EXPECT_EQ(AtPress(frame).client, client);
+  EXPECT_STREQ(AtPress(frame).cname.data(), "Client.upper");
+  XUnmapWindow(player->display(), client);
+  XSync(player->display(), False);
+  EXPECT_STREQ(AtPress(frame).cname.data(), "Client.lower");
+}
+
+TEST_F(TargetTest, ClientsAreLookedForToADepthOfEight) {
+  for (const int depth : {8, 9}) {
+    const Window frame = Frame();
+    Window client = frame;
+    for (int i = 0; i < depth; i++) client = Make(client, 0, 0, 200, 150, 0);
+    SetClass(client, "Client", "client");
+    Manage(client);
+    EXPECT_EQ(AtPress(frame).client, depth == 8 ? client : frame);
+    XDestroyWindow(player->display(), frame);
+  }
+}
+
+TEST_F(TargetTest, TheDesktopIsItsOwnTarget) {
+  for (const Window window : {Window{None}, root}) {
+    const Target target = AtPress(window);
+    EXPECT_EQ(target.client, root);
+    EXPECT_EQ(target.app, root);
+    EXPECT_EQ(target.click, root);
+    EXPECT_EQ(target.key, root);
+    EXPECT_STREQ(target.cname.data(), "Desktop");
+    EXPECT_EQ(target.winx, at.x);
+    EXPECT_EQ(target.winy, at.y);
+  }
+}
+
+TEST_F(TargetTest, ThePointersPlaceDoesNotMatter) {
+  const Window top = Top(kPress);
+  SetClass(top, "Class", "name");
+  player->MoveTo(900, 900);
+  EXPECT_EQ(AtPress(top).click, top);
+  EXPECT_EQ(AtPress(top).winx, 20);
+  EXPECT_EQ(AtPress(top).winy, 30);
 }
 
 }  // namespace
