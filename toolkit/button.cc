@@ -5,6 +5,7 @@
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/menu.h"
+#include "toolkit/release_watch.h"
 
 namespace gromlit {
 namespace {
@@ -14,6 +15,17 @@ constexpr int kBaseline = 4;       // of the caption, pixels below the middle
 
 // The button that holds the pointer (INV-BUTTON-1).
 XButton* holder = nullptr;
+
+// The button comes up by itself; nothing was chosen.
+void LoseRelease() {
+  XButton* button = holder;
+  if (button == nullptr) return;
+  holder = nullptr;
+  if (!MenuHoldsPointer()) XUngrabPointer(dpy, CurrentTime);
+  if (button->state != kButtonPressed) return;
+  button->state = kButtonActive;
+  DrawButton(button, nullptr);
+}
 
 }  // namespace
 
@@ -69,6 +81,7 @@ void ButtonDown(XButton* button, XEvent*) {
     return;
   }
   holder = button;
+  AwaitRelease(LoseRelease);
   button->state = kButtonPressed;
   DrawButton(button);
 }
@@ -76,6 +89,7 @@ void ButtonDown(XButton* button, XEvent*) {
 void ButtonUp(XButton* button, XEvent* event) {
   if (holder == button) {
     holder = nullptr;
+    ForgetRelease();
     // A press that was read late may have opened a menu meanwhile, which has the pointer now.
     if (!MenuHoldsPointer()) XUngrabPointer(dpy, CurrentTime);
   }
@@ -93,6 +107,7 @@ void ReleaseHiddenButton() {
   if (holder == nullptr || CanBeSeen(holder->window)) return;
   if (holder->state == kButtonPressed) holder->state = kButtonActive;
   holder = nullptr;
+  ForgetRelease();
 }
 
 }  // namespace gromlit

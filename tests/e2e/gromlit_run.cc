@@ -175,7 +175,8 @@ void GromlitRun::StartWindowManager(const std::string& name, const std::string& 
     argv.insert(argv.end(), {twm ? "-f" : "--config-file", file});
   }
   manager_name = name;
-  manager = std::make_unique<Process>(argv, *install / "manager.log");
+  manager_argv = argv;
+  RestartWindowManager();
   // It is there when it redirects the root window's substructure, and ready when it brings a window
   // up: a request to map one that arrives in the middle of its start-up may be overlooked.
   Display* display = player->display();
@@ -203,6 +204,11 @@ void GromlitRun::StartWindowManager(const std::string& name, const std::string& 
     return up;
   };
   EXPECT_TRUE(WaitFor(brings_up, std::chrono::seconds(20))) << name << " manages nothing";
+}
+
+void GromlitRun::RestartWindowManager() {
+  manager = nullptr;  // ends it, if it has not ended
+  manager = std::make_unique<Process>(manager_argv, *install / "manager.log");
 }
 
 void GromlitRun::StartGromlit(bool ready, std::vector<std::string> arguments) {
@@ -233,6 +239,32 @@ long GromlitRun::Resident() const {
   long resident = 0;
   std::sscanf(statm.c_str(), "%ld %ld", &size, &resident);
   return resident * (sysconf(_SC_PAGESIZE) / 1024);
+}
+
+std::string GromlitRun::WhereItStands() {
+  const std::string pid = std::to_string(gromlit->pid());
+  std::string text = "wchan " + ReadText("/proc/" + pid + "/wchan") + "\n" +
+                     ReadText("/proc/" + pid + "/syscall") + ReadText("/proc/" + pid + "/stack");
+  const std::string file = *install / "where";
+  Process debugger({"gdb", "-q", "-batch", "-p", pid, "-ex", "bt"}, file);
+  debugger.Wait(std::chrono::seconds(30));
+  text += ReadText(file);
+  const Player::Pointer at = player->Where();
+  char line[200];
+  std::snprintf(line, sizeof line, "pointer at (%d, %d), state 0x%x, child 0x%lx\n", at.x, at.y,
+                at.state, at.child);
+  text += line;
+  for (const Window window : ChildrenOf(player->display(), player->root())) {
+    XWindowAttributes attributes{};
+    if (XGetWindowAttributes(player->display(), window, &attributes) == 0 ||
+        attributes.map_state != IsViewable)
+      continue;
+    std::snprintf(line, sizeof line, "window 0x%lx %dx%d+%d+%d%s\n", window, attributes.width,
+                  attributes.height, attributes.x, attributes.y,
+                  attributes.override_redirect ? ", no frame" : "");
+    text += line;
+  }
+  return text + GromlitOutput();
 }
 
 void GromlitRun::Go(Point to) {

@@ -110,10 +110,15 @@ class GromlitRun : public ::testing::Test {
   // kTwmIconify act on the window under the pointer.
   void StartWindowManager(const std::string& name = "openbox",
                           const std::string& configuration = "");
+  // Starts the window manager again that was started before, without waiting for it.
+  void RestartWindowManager();
   // Starts the program; waits until it follows the pointer unless it is not expected to.
   void StartGromlit(bool ready = true, std::vector<std::string> arguments = {});
   bool GromlitIsReady();
   long Resident() const;  // memory of the program, kilobytes
+  // Where the program stands, for the message of a test that found it in the wrong place: what it
+  // waits for in the kernel, its calls where a debugger is installed, and the pointer.
+  std::string WhereItStands();
   std::string GromlitOutput() const { return ReadText(*install / "gromlit.log"); }
 
   // Moves the pointer and waits until it is there.
@@ -143,6 +148,7 @@ class GromlitRun : public ::testing::Test {
   std::unique_ptr<Player> player;
   std::unique_ptr<Process> manager;
   std::string manager_name;  // empty when there is none
+  std::vector<std::string> manager_argv;
   std::unique_ptr<Process> gromlit;
 };
 
