@@ -7,6 +7,7 @@
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/menu.h"
+#include "toolkit/release_watch.h"
 #include "toolkit/text.h"
 
 namespace gromlit {
@@ -19,6 +20,17 @@ constexpr int kBaseline = 4;  // of the caption, pixels below the middle
 
 // The button that holds the pointer (INV-BUTTON-1).
 XButton* holder = nullptr;
+
+// The button comes up by itself; nothing was chosen.
+void LoseRelease() {
+  XButton* button = holder;
+  if (button == nullptr) return;
+  holder = nullptr;
+  if (!MenuHoldsPointer()) XUngrabPointer(dpy, CurrentTime);
+  if (button->state != kButtonPressed) return;
+  button->state = kButtonActive;
+  DrawButton(button, nullptr);
+}
 
 }  // namespace
 
@@ -84,6 +96,7 @@ void ButtonDown(XButton* button, XEvent*) {
     return;
   }
   holder = button;
+  AwaitRelease(LoseRelease);
   button->state = kButtonPressed;
   DrawButton(button);
 }
@@ -91,6 +104,7 @@ void ButtonDown(XButton* button, XEvent*) {
 void ButtonUp(XButton* button, XEvent* event) {
   if (holder == button) {
     holder = nullptr;
+    ForgetRelease();
     // A press that was read late may have opened a menu meanwhile, which has the pointer now.
     if (!MenuHoldsPointer()) XUngrabPointer(dpy, CurrentTime);
   }
@@ -108,6 +122,7 @@ void ReleaseHiddenButton() {
   if (holder == nullptr || CanBeSeen(holder->window)) return;
   if (holder->state == kButtonPressed) holder->state = kButtonActive;
   holder = nullptr;
+  ForgetRelease();
 }
 
 }  // namespace gromlit

@@ -7,9 +7,10 @@
 //   2 pressed     release strictly inside      1      ButtonUp, which calls back
 //   2 pressed     release elsewhere            1      ButtonUp
 //   2 pressed     its window is hidden         1      ReleaseHiddenButton
+//   2 pressed     no button is down any more   1      LoseRelease
 //
 // INV-BUTTON-1: the release that follows a press gives the pointer back, whatever an owner did to
-// `state` in between.
+// `state` in between; where the release is lost, the button gives the pointer back by itself.
 #pragma once
 
 #include <X11/Xlib.h>

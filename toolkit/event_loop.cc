@@ -9,6 +9,7 @@
 #include "display/display.h"
 #include "display/draw_button.h"
 #include "display/end_signals.h"
+#include "toolkit/release_watch.h"
 #include "toolkit/window_object.h"
 
 namespace gromlit {
@@ -49,7 +50,7 @@ void WaitForInput() {
   }
   pollfd inputs[] = {{ConnectionNumber(dpy), POLLIN, 0}, {EndSignalDescriptor(), POLLIN, 0}};
   // A descriptor below 0 is passed over.
-  poll(inputs, std::size(inputs), Sooner(DrawButtonWait(), due));
+  poll(inputs, std::size(inputs), Sooner(Sooner(DrawButtonWait(), ReleaseWait()), due));
 }
 
 }  // namespace
@@ -62,6 +63,7 @@ void TakeEvent(XEvent* event) {
   for (;;) {
     EndIfSignalled();
     AskForDrawButton();
+    LookForRelease();
     if (TakePress(event)) return;
     if (XPending(dpy) > 0) {
       XNextEvent(dpy, event);

@@ -12,6 +12,7 @@
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/menu.h"
+#include "toolkit/release_watch.h"
 
 namespace gromlit {
 namespace {
@@ -167,6 +168,21 @@ void PressWhileCapturing(SymWindow* sw, int x, int y) {
   AddPoint(sw, grid(x), grid(y));
 }
 
+void EndDragging(SymWindow* sw) {
+  if (sw->holding == 0) return;
+  sw->holding = 0;
+  ForgetRelease();
+  if (!MenuHoldsPointer()) XUngrabPointer(dpy, CurrentTime);
+  if (sw->owner->state == kSymDragging) sw->owner->state = kSymComplete;
+}
+
+// The window in which a point is dragged.
+SymWindow* dragging = nullptr;
+
+void LoseRelease() {
+  EndDragging(dragging);
+}
+
 void GrabPoint(SymWindow* sw) {
   // A press that is read late must not take the pointer from a menu that was opened meanwhile.
   if (MenuHoldsPointer()) return;
@@ -176,14 +192,9 @@ void GrabPoint(SymWindow* sw) {
     return;
   }
   sw->holding = 1;
+  dragging = sw;
+  AwaitRelease(LoseRelease);
   sw->owner->state = kSymDragging;
-}
-
-void EndDragging(SymWindow* sw) {
-  if (sw->holding == 0) return;
-  sw->holding = 0;
-  if (!MenuHoldsPointer()) XUngrabPointer(dpy, CurrentTime);
-  if (sw->owner->state == kSymDragging) sw->owner->state = kSymComplete;
 }
 
 void ToggleBit(SymWindow* sw, int x, int y) {

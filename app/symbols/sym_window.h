@@ -19,7 +19,7 @@ inline constexpr int kSymWindowSize = 280;  // pixels, both ways
 // INV-SYM-1: in state 1 the rubber-band line, drawn inverting, runs from the last point to
 // (lastx, lasty) and is on the screen unless both are the same.
 // INV-SYM-2: the release that follows a press on a point gives the pointer back, whatever became of
-// the editor's state in between.
+// the editor's state in between; where the release is lost, the drag ends by itself.
 struct SymWindow {
   WindowObj* wobj;
   GromlitSymbol* sym;   // the editor's working symbol; set by the owner

@@ -200,12 +200,21 @@ class RestartStormTest : public StormTest {
     for (const Window window : windows) XDestroyWindow(sender, window);
     XSync(sender, False);
   }
-  // An application that the program has not met: a stroke on it brings a dialog up, and the storm
-  // goes over that, too.
-  void Rename(int number) {
-    const std::string name = "Other" + std::to_string(number);
+  // Brings a dialog up, for the storm to go over that, too: a stroke on an application that the
+  // program has not met.
+  void Ask() {
+    const std::string name = "Other" + std::to_string(names_++);
     testing::SetClass(player->display(), other_->window(), name, name);
-    XSync(player->display(), False);
+    int x;
+    int y;
+    Window child;
+    if (XTranslateCoordinates(player->display(), other_->window(), player->root(), 250, 100, &x, &y,
+                              &child) == 0)
+      return;
+    player->MoveTo(x, y);
+    Hold(3, true);
+    for (int k = 1; k < 8; k++) player->MoveTo(x - 20 * k, y);
+    Hold(3, false);
   }
   // Windows of the program that are on the screen below this one, inside frames, too: they have the
   // ids of its connection.
@@ -226,7 +235,10 @@ class RestartStormTest : public StormTest {
   // Presses a button of a dialog, or whatever else of the program is on the screen.
   void PressOwn() {
     const std::vector<Window> windows = OwnBelow(player->root());
-    if (windows.empty()) return;
+    if (windows.empty()) {
+      if (down_ == 0) Ask();
+      return;
+    }
     const Window window = windows[random_() % windows.size()];
     int x;
     int y;
@@ -236,7 +248,7 @@ class RestartStormTest : public StormTest {
       return;
     player->MoveTo(x, y);
     if ((down_ & 2U) == 0) Hold(1, true);
-    if (getenv("DBG")) printf("own %d\n", (int)windows.size());
+    pressed_++;
   }
   void Restart() {
     constexpr int kEnds[] = {SIGTERM, SIGKILL};
@@ -244,6 +256,9 @@ class RestartStormTest : public StormTest {
     if (Pick(2) == 0) manager->Wait();
     RestartWindowManager();
   }
+
+  int names_ = 0;    // given to the other application so far
+  int pressed_ = 0;  // presses on the program's own windows
 };
 
 TEST_F(RestartStormTest, WindowManagerThatGoesHostileEventsAndABacklogLeaveThePointerFree) {
@@ -253,12 +268,11 @@ TEST_F(RestartStormTest, WindowManagerThatGoesHostileEventsAndABacklogLeaveThePo
   const int rounds = Rounds(kSanitized ? 4 : 8);
   for (int round = 0; round < rounds; round++) {
     bool stopped = false;
-    Rename(round);
     for (int i = 0; i < 100; i++) {
       Hand();
       // A hand rests, too.
       if (Pick(10) == 0) std::this_thread::sleep_for(std::chrono::milliseconds(Pick(30)));
-      switch (Pick(40)) {
+      switch (Pick(20)) {
         case 0:
           Hostile();
           break;
@@ -286,6 +300,8 @@ TEST_F(RestartStormTest, WindowManagerThatGoesHostileEventsAndABacklogLeaveThePo
     EndRound(round);
     if (HasFailure()) return;
   }
+  std::printf("%d rounds, %d presses on own windows, %d dialogs asked for\n", rounds, pressed_,
+              names_);
 }
 
 // Slow readers: the program is stopped while the stroke is drawn and ended by another button, so

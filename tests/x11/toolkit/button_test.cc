@@ -3,6 +3,7 @@
 
 #include "tests/x11/toolkit/request_cost.h"
 #include "toolkit/button.h"
+#include "toolkit/release_watch.h"
 
 namespace gromlit {
 namespace {
@@ -377,6 +378,44 @@ TEST_F(ButtonTest, Costs) {
   EXPECT_EQ(CostOf([&] { ButtonDown(button, &event); }), (Cost{8, 1}));
   EXPECT_EQ(CostOf([&] { ButtonUp(button, &event); }), (Cost{8, 0}));
   EXPECT_EQ(calls, 1);
+}
+
+// As where a window manager is started again: the window goes and comes back under the pointer
+// before the press is read, and the release goes to what lies there meanwhile.
+TEST_F(ButtonTest, AReleaseThatNeverComesLeavesThePointerToOthers) {
+  PointAt(10, 10);
+  Pump();
+  player->Press(1);
+  XUnmapWindow(player->display(), top);
+  player->Release(1);
+  XMapWindow(player->display(), top);
+  XSync(player->display(), False);
+  Pump();
+  EXPECT_EQ(button->state, kButtonPressed) << "the press was not late";
+  EXPECT_GT(ReleaseWait(), 0);
+  EXPECT_TRUE(PumpUntil([this] {
+    LookForRelease();
+    return player->CanGrabPointer();
+  }));
+  EXPECT_EQ(button->state, kButtonActive);
+  EXPECT_EQ(calls, 0) << "nobody let go of the button over it";
+  EXPECT_EQ(ReleaseWait(), -1) << "an idle program would be woken";
+}
+
+TEST_F(ButtonTest, AButtonThatIsHeldStaysDown) {
+  PointAt(10, 10);
+  PressIt();
+  // Looked at twice, however long that takes.
+  for (int looks = 0; looks < 2; looks++) {
+    ASSERT_TRUE(testing::WaitFor([] { return ReleaseWait() == 0; }));
+    LookForRelease();
+    ASSERT_GT(ReleaseWait(), 0);
+  }
+  EXPECT_EQ(button->state, kButtonPressed);
+  player->Release(1);
+  Pump();
+  EXPECT_EQ(calls, 1);
+  EXPECT_EQ(ReleaseWait(), -1);
 }
 
 }  // namespace

@@ -1,0 +1,310 @@
+// Thousands of strokes and clicks over applications of all sizes, on a busy machine: each is acted
+// on as what it was, once.
+//
+// GROMLIT_GESTURES says how many; the suite has time for a few hundred only.
+#include "tests/e2e/gromlit_run.h"
+
+#include <X11/Xutil.h>
+#include <X11/extensions/XInput2.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <map>
+#include <random>
+#include <thread>
+
+namespace gromlit {
+namespace {
+
+using testing::kClickToRaise;
+using testing::Point;
+using testing::Process;
+using testing::ReadText;
+using testing::WaitFor;
+
+constexpr int kApps = 3;
+constexpr int kDirections = 4;
+constexpr int kFirstKey = 38;  // of the keys by which the actions are told apart
+constexpr Point kSteps[kDirections] = {{1, 0}, {-1, 0}, {0, 1}, {0, -1}};
+
+// What the applications were given.
+struct Got {
+  std::vector<int> keys;  // pressed
+  int presses = 0;        // of buttons
+  int releases = 0;
+  int app = -1;  // that got the last of those
+  unsigned button = 0;
+  Point at{-1, -1};  // of the press, on the root window
+};
+
+class GestureStormTest : public testing::GromlitRun,
+                         public ::testing::WithParamInterface<const char*> {
+ protected:
+  void SetUp() override {
+    GromlitRun::SetUp();
+    apps_ = XOpenDisplay(server->name().c_str());
+    ASSERT_NE(apps_, nullptr);
+    const std::string given(GetParam());
+    StartWindowManager(given, given == "openbox" ? kClickToRaise : "");
+  }
+  void TearDown() override {
+    busy_.clear();
+    if (apps_ != nullptr) XCloseDisplay(apps_);
+    GromlitRun::TearDown();
+  }
+
+  int Pick(int n) { return static_cast<int>(random_() % static_cast<unsigned>(n)); }
+
+  // An application with this many windows inside; it takes the buttons by the core protocol in its
+  // own window or in panels, or by the second version of the input extension.
+  void MakeApp(int number, int windows, bool panels, bool extension) {
+    const Window top = XCreateSimpleWindow(apps_, DefaultRootWindow(apps_), 20 + 420 * number, 150,
+                                           380, 600, 0, 0, 0xc0c0c0);
+    const std::string name = "App" + std::to_string(number);
+    testing::SetClass(apps_, top, name, name);
+    XSizeHints place{};
+    place.flags = USPosition | USSize | PPosition | PSize;
+    place.x = 20 + 420 * number;
+    place.y = 150;
+    place.width = 380;
+    place.height = 600;
+    XSetWMNormalHints(apps_, top, &place);
+    XWMHints hints{};
+    hints.flags = InputHint;
+    hints.input = True;
+    XSetWMHints(apps_, top, &hints);
+    const long buttons = ButtonPressMask | ButtonReleaseMask;
+    XSelectInput(apps_, top, KeyPressMask | (panels || extension ? 0 : buttons));
+    owner_[top] = number;
+    Window parent = top;
+    for (int i = 0; i < windows; i++) {
+      if (panels && i % 100 == 0) {
+        parent = XCreateSimpleWindow(apps_, top, 0, 60 * (i / 100), 380, 60, 0, 0, 0);
+        XSelectInput(apps_, parent, buttons);
+        owner_[parent] = number;
+        XMapWindow(apps_, parent);
+      } else {
+        XMapWindow(apps_,
+                   XCreateSimpleWindow(apps_, parent, 4 * (i % 95), 2 * (i % 29), 4, 2, 0, 0, 0));
+      }
+    }
+    if (extension) {
+      unsigned char bits[XIMaskLen(XI_LASTEVENT)] = {};
+      XISetMask(bits, XI_ButtonPress);
+      XISetMask(bits, XI_ButtonRelease);
+      XIEventMask mask{XIAllMasterDevices, sizeof bits, bits};
+      XISelectEvents(apps_, top, &mask, 1);
+    }
+    XMapWindow(apps_, top);
+    XSync(apps_, False);
+    tops_.push_back(top);
+    ASSERT_TRUE(WaitFor([&] {
+      XWindowAttributes attributes{};
+      XGetWindowAttributes(apps_, top, &attributes);
+      return attributes.map_state == IsViewable;
+    }));
+  }
+  void MakeApps() {
+    int event;
+    int error;
+    ASSERT_TRUE(XQueryExtension(apps_, "XInputExtension", &opcode_, &event, &error));
+    int major = 2;
+    int minor = 0;
+    ASSERT_EQ(XIQueryVersion(apps_, &major, &minor), Success);
+    MakeApp(0, 0, false, false);
+    MakeApp(1, 200, false, true);
+    MakeApp(2, 1000, true, false);
+    static const std::vector<Point>* const kShapes[kDirections] = {
+        &testing::kRight, &testing::kLeft, &testing::kDown, &testing::kUp};
+    for (int app = 0; app < kApps; app++) {
+      std::vector<testing::Action> actions;
+      for (int i = 0; i < kDirections; i++)
+        actions.push_back({"a" + std::to_string(i),
+                           *kShapes[i],
+                           {{kHotKey, "key", kFirstKey + app * kDirections + i, 0}}});
+      const std::string name = "App" + std::to_string(app);
+      WritePlugin(name + "." + name, actions);
+    }
+  }
+  Point OriginOf(int app) {
+    Point at{};
+    Window child;
+    XTranslateCoordinates(apps_, tops_[static_cast<size_t>(app)], DefaultRootWindow(apps_), 0, 0,
+                          &at.x, &at.y, &child);
+    return at;
+  }
+  int AppOf(Window window) const {
+    const auto found = owner_.find(window);
+    return found != owner_.end() ? found->second : -1;
+  }
+  // Takes in what has arrived.
+  void Collect(Got* got) {
+    const auto button = [&](bool press, Window window, unsigned number, double x, double y) {
+      (press ? got->presses : got->releases)++;
+      got->app = AppOf(window);
+      got->button = number;
+      // Where a window manager holds the click up for a moment, the pointer has come back to the
+      // hand when the release is delivered.
+      if (press) got->at = {static_cast<int>(x), static_cast<int>(y)};
+    };
+    XSync(apps_, False);
+    while (XPending(apps_) > 0) {
+      XEvent event;
+      XNextEvent(apps_, &event);
+      if (event.type == KeyPress) {
+        got->keys.push_back(static_cast<int>(event.xkey.keycode));
+      } else if (event.type == ButtonPress || event.type == ButtonRelease) {
+        const XButtonEvent& e = event.xbutton;
+        button(event.type == ButtonPress, e.window, e.button, e.x_root, e.y_root);
+      } else if (event.type == GenericEvent && event.xcookie.extension == opcode_ &&
+                 XGetEventData(apps_, &event.xcookie) != 0) {
+        const auto* e = static_cast<const XIDeviceEvent*>(event.xcookie.data);
+        button(e->evtype == XI_ButtonPress, e->event, static_cast<unsigned>(e->detail), e->root_x,
+               e->root_y);
+        XFreeEventData(apps_, &event.xcookie);
+      }
+    }
+  }
+  // Keys go to whoever has the keyboard; a window manager gives it to what is clicked.
+  void KeepFocus() {
+    Window focus = 0;
+    int revert;
+    XGetInputFocus(apps_, &focus, &revert);
+    if (AppOf(focus) < 0) XSetInputFocus(apps_, tops_[0], RevertToPointerRoot, CurrentTime);
+    XSync(apps_, False);
+  }
+  // Whether the program waits for the next event: then the draw button is its own again, which it
+  // leaves to the applications while it acts. Its loop polls two descriptors, all else in it one.
+  bool Waits() const {
+    const std::string call = ReadText("/proc/" + std::to_string(gromlit->pid()) + "/syscall");
+    long number = 0;
+    unsigned long list = 0;
+    unsigned long count = 0;
+    return std::sscanf(call.c_str(), "%ld %lx %lx", &number, &list, &count) == 3 && count == 2;
+  }
+  // A hand's pause in half of the cases, so that some gestures are as quick as can be.
+  void Rest() {
+    if (Pick(2) == 0) std::this_thread::sleep_for(std::chrono::microseconds(Pick(3000)));
+  }
+  Point PressIn(int app) {
+    const Point origin = OriginOf(app);
+    const Point at{origin.x + 10 + Pick(360), origin.y + 10 + Pick(580)};
+    player->MoveTo(at.x, at.y);
+    EXPECT_TRUE(WaitFor([&] { return player->Where().x == at.x && player->Where().y == at.y; }));
+    player->Press(3);
+    return at;
+  }
+
+  // One gesture and its effect; an empty text when it was acted on as what it was.
+  std::string Stroke(int app) {
+    const Point from = PressIn(app);
+    int direction = Pick(kDirections);
+    const int length = 100 + Pick(150);
+    const auto end = [&] {
+      return Point{from.x + kSteps[direction].x * length, from.y + kSteps[direction].y * length};
+    };
+    if (end().x < 5 || end().y < 5 || end().x > 1270 || end().y > 1015) direction ^= 1;
+    const int steps = 1 + Pick(20);
+    for (int i = 1; i <= steps; i++) {
+      player->MoveTo(from.x + (end().x - from.x) * i / steps,
+                     from.y + (end().y - from.y) * i / steps);
+      Rest();
+    }
+    player->Release(3);
+    const int key = kFirstKey + app * kDirections + direction;
+    Got got;
+    const bool acted = WaitFor([&] {
+      Collect(&got);
+      return !got.keys.empty() || got.presses > 0;
+    });
+    if (acted && got.keys == std::vector<int>{key} && got.presses == 0) return "";
+    return "stroke of " + std::to_string(length) + " pixels in " + std::to_string(steps) +
+           " steps: " + std::to_string(got.keys.size()) + " keys, " + std::to_string(got.presses) +
+           " presses";
+  }
+  std::string Click(int app) {
+    const Point at = PressIn(app);
+    const int shake = Pick(4);
+    // To one side: between two corners of what a hand covers there is room for a stroke.
+    const int sidex = 1 - 2 * Pick(2);
+    const int sidey = 1 - 2 * Pick(2);
+    for (int i = 0; i < shake; i++) {
+      player->MoveTo(at.x + sidex * Pick(shake + 1), at.y + sidey * Pick(shake + 1));
+      Rest();
+    }
+    player->Release(3);
+    Got got;
+    const bool acted = WaitFor([&] {
+      Collect(&got);
+      return !got.keys.empty() || got.releases > 0;
+    });
+    if (acted && got.keys.empty() && got.presses == 1 && got.releases == 1 && got.app == app &&
+        got.button == 3 && got.at == at)
+      return "";
+    return "click, shaken by " + std::to_string(shake) + ": " + std::to_string(got.presses) +
+           " presses in application " + std::to_string(got.app) + " at (" +
+           std::to_string(got.at.x) + ", " + std::to_string(got.at.y) + ") instead of (" +
+           std::to_string(at.x) + ", " + std::to_string(at.y) + "), " +
+           std::to_string(got.keys.size()) + " keys";
+  }
+
+  Display* apps_ = nullptr;
+  int opcode_ = 0;
+  std::vector<Window> tops_;
+  std::map<Window, int> owner_;  // application that a window belongs to
+  std::vector<std::unique_ptr<Process>> busy_;
+  std::mt19937 random_;
+};
+
+TEST_P(GestureStormTest, EveryStrokeAndEveryClickIsActedOnAsWhatItWas) {
+  const char* given = std::getenv("GROMLIT_TEST_SEED");
+  const unsigned seed = given != nullptr ? static_cast<unsigned>(std::strtoul(given, nullptr, 10))
+                                         : std::random_device()();
+  std::printf("seed %u\n", seed);
+  random_.seed(seed);
+  const char* wanted = std::getenv("GROMLIT_GESTURES");
+  const int gestures = wanted != nullptr ? std::atoi(wanted) : 200;
+  MakeApps();
+  if (HasFailure()) return;
+  StartGromlit();
+  const Window main = MainWindow();
+  XWithdrawWindow(player->display(), main, 0);
+  ASSERT_TRUE(WaitFor([&] {
+    XWindowAttributes attributes{};
+    XGetWindowAttributes(player->display(), main, &attributes);
+    return attributes.map_state == IsUnmapped;
+  }));
+  for (int i = 0; i < 4; i++)
+    busy_.push_back(
+        std::make_unique<Process>(std::vector<std::string>{"sh", "-c", "while :; do :; done"}));
+
+  int strokes = 0;
+  int clicks = 0;
+  int lost = 0;
+  for (int i = 0; i < gestures; i++) {
+    KeepFocus();
+    const int app = Pick(kApps);
+    const bool stroke = Pick(2) == 0;
+    const std::string wrong = stroke ? Stroke(app) : Click(app);
+    (stroke ? strokes : clicks)++;
+    if (!wrong.empty()) {
+      lost++;
+      ADD_FAILURE() << "gesture " << i << " on application " << app << ", seed " << seed << ": "
+                    << wrong;
+    }
+    ASSERT_TRUE(WaitFor([this] { return Waits(); })) << WhereItStands();
+    Got more;
+    Collect(&more);
+    EXPECT_EQ(more.keys.size() + static_cast<size_t>(more.presses), 0u) << "acted on twice";
+    ASSERT_LT(lost, 10);
+  }
+  std::printf("%d strokes, %d clicks, %d not acted on as what they were\n", strokes, clicks, lost);
+  EXPECT_TRUE(PointerBecomesFree());
+}
+
+INSTANTIATE_TEST_SUITE_P(Openbox, GestureStormTest, ::testing::Values("openbox"));
+INSTANTIATE_TEST_SUITE_P(Icewm, GestureStormTest, ::testing::Values("icewm"));
+
+}  // namespace
+}  // namespace gromlit
