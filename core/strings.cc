@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "core/letters.h"
+
 namespace gromlit {
 
 size_t StrLength(const char* s) {
@@ -30,10 +32,11 @@ char* MaxStrCopy(const char* s, int size) {
   const std::string_view text = s;
   const auto room = static_cast<size_t>(size);
   if (text.size() <= room - 3) return StrDup(s);
+  const size_t kept = LetterStart(text, room - 4);
   char* cut = static_cast<char*>(std::malloc(room));
   if (cut == nullptr) return nullptr;
-  std::copy_n(s, room - 4, cut);
-  StrCopy(cut + room - 4, "...");
+  std::copy_n(s, kept, cut);
+  StrCopy(cut + kept, "...");
   return cut;
 }
 

@@ -23,7 +23,8 @@ char* StrAppend(char* dst, const char* src);
 char* StrDup(const char* s);
 
 // New heap string of at most `size` bytes, its NUL included, to show in a field of limited width:
-// a plain copy when the length of s is at most size - 3, else the first size - 4 bytes and "...".
+// a plain copy when the length of s is at most size - 3, else the first size - 4 bytes and "...";
+// fewer where the cut would go through a letter of UTF-8.
 // REQUIRES: size >= 4.
 char* MaxStrCopy(const char* s, int size);
 

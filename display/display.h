@@ -72,6 +72,11 @@ void LoadFonts();
 void MakeCursors();
 void MakeContexts();
 
+// The form of one of the fonts above that has the letters of all languages (iso10646-1); the font
+// itself when it is that; null when the server has none. Loaded at the first call for the font,
+// with round trips.
+XFontStruct* WideFormOf(XFontStruct* font);
+
 // Interns the window manager's atoms; makes them when no window manager has done so yet, so that a
 // window manager that starts later can close windows without ending the program.
 void MakeAtoms();

@@ -20,6 +20,7 @@
 #include "toolkit/pulldown_button.h"
 #include "toolkit/scrollbar.h"
 #include "toolkit/tab_bar.h"
+#include "toolkit/text.h"
 #include "toolkit/text_editor.h"
 #include "toolkit/text_list.h"
 #include "toolkit/text_select.h"

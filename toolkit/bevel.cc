@@ -1,7 +1,5 @@
 #include "toolkit/bevel.h"
 
-#include <cstring>
-
 #include "display/display.h"
 
 namespace gromlit {
@@ -68,19 +66,6 @@ void InvertOutline(Window win, GC gc, int x, int y, int w, int h) {
   if (w <= 0 || h <= 0) return;
   const Inverting inverting(gc);
   XDrawRectangle(dpy, win, gc, x, y, static_cast<unsigned>(w), static_cast<unsigned>(h));
-}
-
-int TextWidth(XFontStruct* font, const char* text) {
-  return font != nullptr ? XTextWidth(font, text, static_cast<int>(std::strlen(text))) : 0;
-}
-
-void DrawText(Window win, GC gc, int x, int baseline, const char* text) {
-  XDrawString(dpy, win, gc, x, baseline, text, static_cast<int>(std::strlen(text)));
-}
-
-void DrawCentredText(Window win, GC gc, int left, int width, int baseline, const char* text,
-                     int textwidth) {
-  DrawText(win, gc, left + (width - textwidth) / 2, baseline, text);
 }
 
 }  // namespace gromlit

@@ -1,4 +1,4 @@
-// Drawing that several widgets share: bevels, filled and inverted rectangles, text.
+// Drawing that several widgets share: bevels, filled and inverted rectangles.
 //
 // Nothing here waits for the server. Coordinates and sizes are pixels in the window.
 #pragma once
@@ -50,16 +50,5 @@ class Inverting {
 // XDrawRectangle draws it). Nothing is drawn when w or h is not positive.
 void InvertRectangle(Window win, GC gc, int x, int y, int w, int h);
 void InvertOutline(Window win, GC gc, int x, int y, int w, int h);
-
-// Width of a NUL-terminated text, pixels; 0 without a font.
-int TextWidth(XFontStruct* font, const char* text);
-
-// Draws a NUL-terminated text in gc's font and foreground.
-void DrawText(Window win, GC gc, int x, int baseline, const char* text);
-
-// Draws a text of known width centred in the `width` pixels that begin at `left`; a text that is
-// wider sticks out at both sides.
-void DrawCentredText(Window win, GC gc, int left, int width, int baseline, const char* text,
-                     int textwidth);
 
 }  // namespace gromlit

@@ -1,16 +1,21 @@
 #include "toolkit/button.h"
 
+#include <string>
+
 #include "core/strings.h"
 #include "display/display.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/menu.h"
+#include "toolkit/text.h"
 
 namespace gromlit {
 namespace {
 
 constexpr int kPulldownRoom = 16;  // pixels that a pulldown button's mark takes from the caption
-constexpr int kBaseline = 4;       // of the caption, pixels below the middle
+constexpr int kPulldownEnds =
+    32;                       // pixels that a pulldown button is wider than its caption at least
+constexpr int kBaseline = 4;  // of the caption, pixels below the middle
 
 // The button that holds the pointer (INV-BUTTON-1).
 XButton* holder = nullptr;
@@ -54,9 +59,19 @@ void DrawButton(XButton* button, XEvent*) {
   XDrawBevel(button->state == kButtonPressed ? kSunken : kRaised, button->window, button->gc, 0, 0,
              button->width, button->height);
   XSetForeground(dpy, button->gc, button->state == kButtonInactive ? dgrey.pixel : black.pixel);
-  const int room = button->menu != nullptr ? kPulldownRoom : 0;
-  DrawCentredText(button->window, button->gc, 0, button->width, button->height / 2 + kBaseline,
-                  button->label, button->label_width + room);
+  const int baseline = button->height / 2 + kBaseline;
+  if (button->menu == nullptr) {
+    DrawCentredText(button->window, button->gc, 0, button->width, baseline, button->label,
+                    button->label_width);
+    return;
+  }
+  // It may be the name of an application, as long as its maker liked.
+  const int room = button->width - kPulldownEnds;
+  const std::string caption = button->label_width > room
+                                  ? FittingText(labelFontinfo, button->label, room)
+                                  : std::string(button->label);
+  DrawCentredText(button->window, button->gc, 0, button->width, baseline, caption,
+                  TextWidth(labelFontinfo, caption) + kPulldownRoom);
 }
 
 void ButtonDown(XButton* button, XEvent*) {

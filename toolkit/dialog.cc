@@ -11,6 +11,7 @@
 #include "toolkit/child_window.h"
 #include "toolkit/image.h"
 #include "toolkit/menu.h"
+#include "toolkit/text.h"
 
 namespace gromlit {
 namespace {
@@ -20,16 +21,6 @@ constexpr int kButtonStep = kButtonWidth + kMargin;     // from one button to th
 constexpr int kButtonBottom = kButtonHeight + kMargin;  // from their upper edge to the dialog's end
 constexpr int kSideMargin = 32;                         // beside the widest line, both together
 constexpr int kLineGap = 2;                             // between two lines
-
-// The title, shortened with "..." where it is wider than the room beside the logo: a class can be
-// longer than any text that the program chose itself.
-std::string FittingTitle(const std::string& title, int room) {
-  std::string fitting = title;
-  for (size_t kept = title.size(); kept > 0 && TextWidth(labelFontinfo, fitting.c_str()) > room;) {
-    fitting = title.substr(0, --kept) + "...";
-  }
-  return fitting;
-}
 
 void SetTitle(XDialog* dlog, const char* title) {
   if (title == dlog->title) return;  // owners pop a dialog up with the title it has
@@ -171,11 +162,12 @@ void DrawDialog(XDialog* dlog, XEvent*) {
   PutImage(dlog->window, dlog->gc, logoImage, kMargin, kMargin);
   XDrawBevel(kSunken, dlog->window, dlog->gc, kMargin, kMargin, banner, logoheight);
 
-  const std::string title = FittingTitle(dlog->title, banner - logowidth - kMargin);
-  const int titlewidth = TextWidth(labelFontinfo, title.c_str());
+  // A class can be longer than any text that the program chose itself.
+  const std::string title = FittingText(labelFontinfo, dlog->title, banner - logowidth - kMargin);
+  const int titlewidth = TextWidth(labelFontinfo, title);
   XSetForeground(dpy, buttongc, black.pixel);
   DrawText(dlog->window, buttongc, (dlog->width - (logowidth + titlewidth)) / 2 + logowidth,
-           txtCharht + logoheight / 2, title.c_str());
+           txtCharht + logoheight / 2, title);
 
   if (dlog->show != None) {
     XMapWindow(dpy, dlog->show);

@@ -4,6 +4,7 @@
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/image.h"
+#include "toolkit/text.h"
 
 namespace gromlit {
 

@@ -6,6 +6,7 @@
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/image.h"
+#include "toolkit/text.h"
 #include "toolkit/title_row.h"
 
 namespace gromlit {

@@ -1,7 +1,8 @@
 // The pulldown button: a button that opens a menu in its place, to choose one of several values.
 //
 // It is an XButton whose press opens the menu with the pointer grabbed; from then on the menu
-// tracks the pointer and is chosen from by itself. The button never enters its pressed state.
+// tracks the pointer and is chosen from by itself. The button never enters its pressed state. A
+// caption that would reach into its mark is shown shortened.
 #pragma once
 
 #include <X11/Xlib.h>

@@ -5,11 +5,14 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 
+#include "core/letters.h"
 #include "display/display.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/focus.h"
+#include "toolkit/text.h"
 
 namespace gromlit {
 namespace {
@@ -35,8 +38,12 @@ void KeepBounds(TextEditor* txt) {
   txt->index = std::clamp(txt->index, 0, txt->len);
 }
 
+std::string_view TextOf(const TextEditor* txt) {
+  return {txt->buffer, static_cast<size_t>(txt->len)};
+}
+
 int CaretX(const TextEditor* txt) {
-  return XTextWidth(txtFontinfo, txt->buffer, txt->index) + 3;
+  return TextWidth(txtFontinfo, {txt->buffer, static_cast<size_t>(txt->index)}) + 3;
 }
 
 // Turns a hollow caret solid, and the other way round: an outline and a filled rectangle, both
@@ -65,10 +72,24 @@ void SetText(TextEditor* txt, const char* name) {
   txt->index = txt->len;
 }
 
-// Takes the byte at `at` out. REQUIRES: 0 <= at < len.
-void Remove(TextEditor* txt, int at) {
-  std::memmove(txt->buffer + at, txt->buffer + at + 1, static_cast<size_t>(txt->len - at - 1));
-  txt->len--;
+// One letter to the left and to the right. None is typed that has more than one byte, but a name
+// that is shown may have them.
+void Left(TextEditor* txt) {
+  if (txt->index == 0) return;
+  txt->index = static_cast<int>(LetterStart(TextOf(txt), static_cast<size_t>(txt->index) - 1));
+}
+
+void Right(TextEditor* txt) {
+  if (txt->index == txt->len) return;
+  txt->index = static_cast<int>(LetterEnd(TextOf(txt), static_cast<size_t>(txt->index)));
+}
+
+// Takes the letter at the caret out, if there is one.
+void Remove(TextEditor* txt) {
+  if (txt->index >= txt->len) return;
+  const auto end = static_cast<int>(LetterEnd(TextOf(txt), static_cast<size_t>(txt->index)));
+  std::memmove(txt->buffer + txt->index, txt->buffer + end, static_cast<size_t>(txt->len - end));
+  txt->len -= end - txt->index;
 }
 
 void Insert(TextEditor* txt, char c) {
@@ -86,8 +107,8 @@ bool EditByKeysym(TextEditor* txt, KeySym key) {
   switch (key) {
     case XK_BackSpace:
       if (txt->index < 1) return true;
-      txt->index--;
-      Remove(txt, txt->index);
+      Left(txt);
+      Remove(txt);
       txt->buffer[txt->len] = '\0';
       return true;
     case XK_Clear:
@@ -101,14 +122,14 @@ bool EditByKeysym(TextEditor* txt, KeySym key) {
       KeepBounds(txt);
       return true;
     case XK_Left:
-      if (txt->index > 0) txt->index--;
+      Left(txt);
       return true;
     case XK_Right:
-      if (txt->index < txt->len) txt->index++;
+      Right(txt);
       return true;
     case XK_Delete:
       if (txt->index >= txt->len) return true;
-      Remove(txt, txt->index);
+      Remove(txt);
       txt->buffer[txt->len] = '\0';
       return true;
     default:
@@ -124,16 +145,16 @@ bool EditByByte(TextEditor* txt, signed char c) {
       txt->index = 0;
       return true;
     case kCtrlB:
-      if (txt->index > 0) txt->index--;
+      Left(txt);
       return true;
     case kCtrlD:
-      if (txt->index < txt->len) Remove(txt, txt->index);
+      Remove(txt);
       return true;
     case kCtrlE:
       txt->index = txt->len;
       return true;
     case kCtrlF:
-      if (txt->index < txt->len) txt->index++;
+      Right(txt);
       return true;
     case kCtrlK:
       txt->len = txt->index;
@@ -190,7 +211,7 @@ void RedrawTextEditorLine(TextEditor* txt) {
   KeepBounds(txt);
   FillRectangle(txt->window, txt->gc, white.pixel, 3, 3, txt->width, kEditorHeight - 4);
   XSetForeground(dpy, txt->gc, black.pixel);
-  XDrawImageString(dpy, txt->window, txt->gc, kTextX, kBaseline, txt->buffer, txt->len);
+  DrawTextOnGround(txt->window, txt->gc, kTextX, kBaseline, TextOf(txt));
   txt->caretx = CaretX(txt);
   InvertRectangle(txt->window, txt->gc, txt->caretx, kCaretY, kCaretWidth, kCaretHeight);
   txt->caret = kSolidCaret;
@@ -202,7 +223,7 @@ void DrawTextEditor(TextEditor* txt, XEvent*) {
   DrawOutline(txt->window, txt->gc, lgrey.pixel, 0, 0, txt->width - 1, kEditorHeight - 1);
   XDrawBevel(kSunken, txt->window, txt->gc, 1, 1, txt->width - 1, kEditorHeight - 1);
   XSetForeground(dpy, txt->gc, black.pixel);
-  XDrawImageString(dpy, txt->window, txt->gc, kTextX, kBaseline, txt->buffer, txt->len);
+  DrawTextOnGround(txt->window, txt->gc, kTextX, kBaseline, TextOf(txt));
   txt->caretx = CaretX(txt);
   InvertOutline(txt->window, txt->gc, txt->caretx, kCaretY, kCaretWidth, kCaretHeight);
   txt->caret = kHollowCaret;

@@ -9,6 +9,7 @@
 #include "display/display.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
+#include "toolkit/text.h"
 #include "toolkit/text_editor.h"
 
 namespace gromlit {

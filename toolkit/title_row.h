@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "toolkit/bevel.h"
+#include "toolkit/text.h"
 
 namespace gromlit {
 

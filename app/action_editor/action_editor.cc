@@ -19,6 +19,7 @@
 #include "display/display.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
+#include "toolkit/text.h"
 
 namespace gromlit {
 

@@ -12,6 +12,7 @@
 #include "display/display.h"
 #include "toolkit/bevel.h"
 #include "toolkit/pulldown_button.h"
+#include "toolkit/text.h"
 
 namespace gromlit {
 namespace {

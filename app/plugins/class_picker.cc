@@ -1,7 +1,9 @@
 #include "app/plugins/class_picker.h"
 
 #include <X11/Xlib.h>
+#include <X11/Xutil.h>
 #include <X11/extensions/shape.h>
+#include <X11/keysym.h>
 #include <poll.h>
 
 #include <algorithm>
@@ -12,12 +14,14 @@
 #include "display/target.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
+#include "toolkit/text.h"
 #include "toolkit/window_object.h"
 
 namespace gromlit {
 namespace {
 
 constexpr long kPointerEvents = ButtonPressMask | ButtonReleaseMask | PointerMotionMask;
+constexpr long kPickEvents = kPointerEvents | KeyPressMask;
 
 // How long to wait for the next event before asking whether the grab is still there, milliseconds.
 constexpr int kGrabCheck = 250;
@@ -92,13 +96,17 @@ void PickLabel::Draw() const {
   if (text_[0] != '\0') XDrawBevel(kRaised, window_, gc_, 0, 0, width_, height_);
 }
 
-// The pointer, held while the user picks. All calls carry the current time: an event may be older
-// than the grab, and a request with its time would be ignored and leave the pointer frozen.
+// Pointer and keyboard, held while the user picks. The keyboard is there for the one key that gives
+// up; where another client has it the pick goes on without. All calls carry the current time: an
+// event may be older than the grab, and a request with its time would be ignored and leave the
+// pointer frozen.
 class PickGrab {
  public:
   PickGrab()
       : status_(XGrabPointer(dpy, root, False, ButtonReleaseMask | PointerMotionMask, GrabModeSync,
-                             GrabModeAsync, None, targetCursor, CurrentTime)) {}
+                             GrabModeAsync, None, targetCursor, CurrentTime)) {
+    if (Held()) XGrabKeyboard(dpy, root, False, GrabModeAsync, GrabModeAsync, CurrentTime);
+  }
   ~PickGrab() { Release(); }
   PickGrab(const PickGrab&) = delete;
   PickGrab& operator=(const PickGrab&) = delete;
@@ -112,7 +120,10 @@ class PickGrab {
 };
 
 void PickGrab::Release() {
-  if (Held()) XUngrabPointer(dpy, CurrentTime);
+  if (Held()) {
+    XUngrabPointer(dpy, CurrentTime);
+    XUngrabKeyboard(dpy, CurrentTime);
+  }
   status_ = GrabNotViewable;
   XFlush(dpy);
 }
@@ -144,7 +155,7 @@ class Pick {
 bool Pick::NextEvent(XEvent* event) {
   for (;;) {
     EndIfSignalled();
-    while (XCheckWindowEvent(dpy, root, kPointerEvents, event)) {
+    while (XCheckWindowEvent(dpy, root, kPickEvents, event)) {
       // Anybody may send events to the root window; only the server's count.
       if (event->xany.send_event) continue;
       if (event->type == ButtonPress) {
@@ -213,8 +224,10 @@ bool Pick::Run() {
     grab_.AllowNext();
     XEvent event;
     if (!NextEvent(&event)) return false;
+    if (event.type == KeyPress && XLookupKeysym(&event.xkey, 0) == XK_Escape) return false;
     if (event.type == MotionNotify) Motion(event.xmotion);
-    if (event.type != ButtonRelease) continue;
+    // A notch of the wheel picks nothing.
+    if (event.type != ButtonRelease || event.xbutton.button > kLastPressingButton) continue;
     grab_.Release();  // before the search, which asks another client's windows
     Look(event.xbutton.subwindow, event.xbutton.x_root, event.xbutton.y_root);
     return true;

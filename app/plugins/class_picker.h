@@ -7,9 +7,12 @@
 //   picking   motion elsewhere                 picking   nothing changes
 //   picking   part of a window exposed         picking   it is drawn: the main loop does not run
 //   picking   a button is released             picked    the class under the pointer
+//   picking   a notch of the wheel             picking   nothing changes
+//   picking   Escape                           given up
 //   picking   the grab is gone                 refused   noticed by the next motion at the latest
 //
-// INV-PICK-1: whichever way a pick ends, the pointer is given back and the label destroyed.
+// INV-PICK-1: whichever way a pick ends, pointer and keyboard are given back and the label
+// destroyed.
 #pragma once
 
 #include <span>
@@ -20,7 +23,8 @@ namespace gromlit {
 // runs the event loop until then. Writes the class text under the click into cname: "Desktop"
 // beside all windows; over a window without one, what the label said last, "" when that was
 // nothing. The label's place is the pointer's, (x, y) pixels of the root window, at first. False
-// when the pointer could not be had or was lost: then nothing was picked.
+// when the pointer could not be had or was lost, or the user pressed Escape: then nothing was
+// picked.
 // REQUIRES: cname is not empty.
 bool PickClass(int x, int y, std::span<char> cname);
 

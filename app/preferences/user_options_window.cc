@@ -18,6 +18,7 @@
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/pulldown_button.h"
+#include "toolkit/text.h"
 
 namespace gromlit {
 

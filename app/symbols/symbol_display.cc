@@ -12,6 +12,7 @@
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/press_time.h"
+#include "toolkit/text.h"
 
 namespace gromlit {
 
@@ -111,8 +112,7 @@ void DrawUnlisted(SymbolDisplay* sd) {
   int baseline = y;
   for (const std::string& line :
        {much + " not shown.", std::string("Delete symbols to see the others.")}) {
-    DrawCentredText(sd->window, sd->gc, centre, 0, baseline, line.c_str(),
-                    TextWidth(txtFontinfo, line.c_str()));
+    DrawCentredText(sd->window, sd->gc, centre, 0, baseline, line, TextWidth(txtFontinfo, line));
     baseline += txtCharht;
   }
 }

@@ -2,6 +2,7 @@
 
 #include "display/display.h"
 #include "toolkit/bevel.h"
+#include "toolkit/text.h"
 
 namespace gromlit {
 namespace {

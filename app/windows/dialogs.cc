@@ -11,6 +11,7 @@
 #include "display/display.h"
 #include "toolkit/bevel.h"
 #include "toolkit/image.h"
+#include "toolkit/text.h"
 
 namespace gromlit {
 

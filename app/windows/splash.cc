@@ -10,6 +10,7 @@
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/image.h"
+#include "toolkit/text.h"
 
 namespace gromlit {
 

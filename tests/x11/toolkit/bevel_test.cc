@@ -3,6 +3,7 @@
 
 #include "tests/x11/toolkit/request_cost.h"
 #include "toolkit/bevel.h"
+#include "toolkit/text.h"
 
 namespace gromlit {
 namespace {

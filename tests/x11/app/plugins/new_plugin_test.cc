@@ -4,6 +4,8 @@
 
 #include "app/plugins/new_plugin.h"
 
+#include <X11/keysym.h>
+
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
@@ -408,6 +410,60 @@ TEST_F(NewPlugin, AnyButtonPicks) {
       },
       false);
   EXPECT_NE(FindPlugin("XTerm.xterm"), nullptr);
+}
+
+TEST_F(NewPlugin, NotchesOfTheWheelPickNothing) {
+  Client(700, 300, 200, 200, "XTerm", "xterm");
+  Pick([](Picker& picker) {
+    picker.player.MoveTo(1100, 900);
+    EXPECT_TRUE(picker.LabelAt(1100, 900));
+    for (const int button : {4, 5, 6, 7}) picker.player.Click(button);
+    // Still at it, and clicked at last.
+    picker.player.MoveTo(800, 400);
+    EXPECT_TRUE(picker.LabelAt(800, 400));
+  });
+  EXPECT_EQ(FindPlugin("Desktop"), nullptr);
+  EXPECT_NE(FindPlugin("XTerm.xterm"), nullptr);
+}
+
+TEST_F(NewPlugin, EscapeGivesUp) {
+  const Window client = Client(700, 300, 200, 200, "XTerm", "xterm");
+  XSetInputFocus(dpy, client, RevertToPointerRoot, CurrentTime);
+  XSelectInput(player->display(), client, KeyPressMask);
+  XSync(player->display(), False);
+  XSync(dpy, False);
+  Pick(
+      [](Picker& picker) {
+        picker.player.MoveTo(800, 400);
+        EXPECT_TRUE(picker.LabelAt(800, 400));
+        picker.player.Type(XK_a);  // any other key is nobody's
+        picker.player.Type(XK_Escape);
+      },
+      false);
+  EXPECT_THAT(Menu(), ElementsAre("Default"));
+  EXPECT_TRUE(player->CanGrabPointer());
+  EXPECT_EQ(XGrabKeyboard(player->display(), player->root(), False, GrabModeAsync, GrabModeAsync,
+                          CurrentTime),
+            GrabSuccess);
+  XUngrabKeyboard(player->display(), CurrentTime);
+  XSync(player->display(), False);
+  XEvent event;
+  EXPECT_FALSE(XCheckWindowEvent(player->display(), client, KeyPressMask, &event));
+}
+
+TEST_F(NewPlugin, GoesOnWithoutAKeyboardThatCannotBeHad) {
+  Client(700, 300, 200, 200, "XTerm", "xterm");
+  Display* other = player->display();
+  ASSERT_EQ(XGrabKeyboard(other, player->root(), False, GrabModeAsync, GrabModeAsync, CurrentTime),
+            GrabSuccess);
+  Pick([](Picker& picker) {
+    picker.player.MoveTo(800, 400);
+    EXPECT_TRUE(picker.LabelAt(800, 400));
+    picker.player.Type(XK_Escape);
+  });
+  EXPECT_NE(FindPlugin("XTerm.xterm"), nullptr);
+  XUngrabKeyboard(other, CurrentTime);
+  XSync(other, False);
 }
 
 TEST_F(NewPlugin, ClickDoesNotReachTheApplication) {

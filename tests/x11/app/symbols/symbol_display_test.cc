@@ -4,6 +4,7 @@
 #include "app/windows/symbol_big_icon.h"
 #include "tests/x11/toolkit/request_cost.h"
 #include "toolkit/bevel.h"
+#include "toolkit/text.h"
 
 namespace gromlit {
 namespace {

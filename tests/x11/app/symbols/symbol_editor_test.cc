@@ -6,6 +6,7 @@
 
 #include "display/x_handles.h"
 #include "toolkit/bevel.h"
+#include "toolkit/text.h"
 
 namespace gromlit {
 namespace {
