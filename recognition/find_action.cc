@@ -1,5 +1,6 @@
 #include "recognition/find_action.h"
 
+#include "recognition/shadow.h"
 #include "recognition/signature_match.h"
 #include "recognition/stroke_signature.h"
 
@@ -10,6 +11,14 @@ int FindBySignature(const GromlitPlugin* pin, const Stroke& stroke) {
   char sigDrawn[kDrawnSignatureSize];
   StrokeSignature(sigDrawn, stroke.count, stroke.x, stroke.y);
   return FindSignature(pin, sigDrawn);
+}
+
+int FindTakerBySignature(const GromlitPlugin* pin, int n, GromlitSymbol* sym) {
+  const char* signature = SymbolSignature(sym);
+  for (int i = 0; i < n; i++) {
+    if (Shadows(SymbolSignature(&pin->actions[i]->sym), signature)) return i;
+  }
+  return -1;
 }
 
 }  // namespace
@@ -23,6 +32,14 @@ int FindAction(const GromlitPlugin* pin, const Stroke& stroke, const Matching& h
     case kBySignature:
     default:
       return FindBySignature(pin, stroke);
+  }
+}
+
+int FindTaker(const GromlitPlugin* pin, int n, GromlitSymbol* sym, const Matching& how) {
+  switch (how.way) {
+    case kBySignature:
+    default:
+      return FindTakerBySignature(pin, n, sym);
   }
 }
 

@@ -12,9 +12,9 @@
 #include "core/plugin_files.h"
 #include "core/strings.h"
 #include "core/symbol_files.h"
+#include "recognition/shadow.h"
 #include "recognition/signature_match.h"
 #include "tools/data_file.h"
-#include "tools/shadow.h"
 
 namespace gromlit {
 namespace {

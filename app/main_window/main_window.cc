@@ -14,6 +14,7 @@
 #include "toolkit/menu_bar.h"
 #include "toolkit/pulldown_button.h"
 #include "toolkit/scrollbar.h"
+#include "toolkit/window_object.h"
 
 namespace gromlit {
 namespace {
@@ -102,6 +103,7 @@ GromlitApp* MakeGromlitApp(int ncols, int nrows, int argc, char** argv) {
   gromlit->edit = popEditAction;
   gromlit->view = MakePluginView(gromlit->txt);
   pluginview = &gromlit->view;
+  beforehiding = KeepShownPlugin;
 
   gromlit->wobj = AllocWindowObj(gromlit->window, gromlit);
   On<Expose, ExposeGromlitApp>(gromlit);

@@ -19,6 +19,7 @@
 #include "toolkit/child_window.h"
 #include "toolkit/pulldown_button.h"
 #include "toolkit/text.h"
+#include "toolkit/window_object.h"
 
 namespace gromlit {
 
@@ -227,7 +228,7 @@ void optClickSave(void*) {
   const bool saved = SaveUserOptions(user, defaultOptionFile) != 0;
   const int error = errno;
   if (saved && granted) {
-    XUnmapWindow(dpy, opt->window);
+    HideWindow(opt->window);
     return;
   }
   std::string told;
@@ -242,14 +243,16 @@ void optClickSave(void*) {
 }
 
 void optClickCancel(void*) {
-  XUnmapWindow(dpy, opt->window);
+  HideWindow(opt->window);
 }
 
 void optClickDefaults(void*) {
   DefaultUserOptions(&opt->usr);
   UpdateUserOptions(&opt->usr);
-  XUnmapWindow(dpy, opt->window);
-  XMapWindow(dpy, opt->window);
+  // Unmapped and mapped at once it would stay away: a window manager may take the first for its
+  // owner's withdrawing it, and answer that after the second.
+  XMapRaised(dpy, opt->window);
+  ExposeAll(opt->window);
 }
 
 void optClickHelp(void*) {

@@ -112,15 +112,16 @@ void SymInit(SymbolEditor* editor, const GromlitSymbol* sym) {
   ResetSymWindow(editor->wsym);
   editor->bprev->state = kButtonInactive;
   editor->brestart->state = kButtonInactive;
-  XUnmapWindow(dpy, editor->window);
   for (const Window hidden : {editor->bfinish->window, editor->bsave->window, editor->icon->window,
                               editor->txt->window, editor->sbar->window, editor->lst->window}) {
     XUnmapWindow(dpy, hidden);
   }
   XMapWindow(dpy, editor->bnext->window);
   XMapWindow(dpy, editor->wsym->window);
-  // Mapped again the window comes to the front, and a window manager gives it the user's attention.
+  // One that is open stays: unmapped and mapped at once it would go from the screen where the
+  // window manager takes the first for its owner's withdrawing it.
   XMapRaised(dpy, editor->window);
+  ExposeAll(editor->window);
 }
 
 void txtSaveSymbol(TextEditor* txt) {

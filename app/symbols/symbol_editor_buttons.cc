@@ -10,6 +10,7 @@
 #include "display/display.h"
 #include "recognition/signature_match.h"
 #include "recognition/symbol_icon.h"
+#include "toolkit/window_object.h"
 
 namespace gromlit {
 namespace {
@@ -160,7 +161,7 @@ void symSave(void* arg) {
 }
 
 void symCancel(void* arg) {
-  XUnmapWindow(dpy, Editor(arg)->window);
+  HideWindow(Editor(arg)->window);
 }
 
 }  // namespace gromlit

@@ -10,6 +10,7 @@
 #include "core/strings.h"
 #include "core/symbol_files.h"
 #include "display/display.h"
+#include "toolkit/window_object.h"
 
 namespace gromlit {
 namespace {
@@ -42,7 +43,7 @@ int SaveSymbol(SymbolEditor* editor, const char* name) {
     ShowSaveFailure("The symbol was not saved.", errno);
     return 0;
   }
-  XUnmapWindow(dpy, editor->window);
+  HideWindow(editor->window);
   RefreshSymbolNames(editor);
   TellOfUnlisted(editor->nnames, FieldText(editor->sym.name), allSymbols != head);
   return 1;
