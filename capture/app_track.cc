@@ -18,7 +18,7 @@ void CreateAppTrack() {
   defaultWindowObj = AllocWindowObj(kNoWindow, nullptr);
   SetHandler(defaultWindowObj, EnterNotify, GromlitAppTrackEnter);
   SetHandler(defaultWindowObj, CreateNotify, GromlitAppTrackCreate);
-  XSelectInput(dpy, root, SubstructureNotifyMask | EnterWindowMask);
+  XSelectInput(dpy, root, SubstructureNotifyMask | StructureNotifyMask | EnterWindowMask);
   Window rootwin;
   Window parent;
   Window* list = nullptr;
@@ -41,9 +41,9 @@ void GromlitAppTrackEnter(void*, XEvent* event) {
   // windows as often as they like.
   if (crossing.send_event) return;
   if (crossing.mode == NotifyGrab || editingPlugin != 0) return;
-  // A menu or a dialog lay over this window: the plug-in that was chosen in it, or changed by it,
-  // would not be shown even once.
-  if (app->lifted != 0 && crossing.serial == app->lifted) return;
+  // An editor or a dialog lay over this window: the plug-in that was changed by it, or whose action
+  // it was about, would go as soon as the work is done.
+  if (IsUncovering(crossing)) return;
   const Target entered = FindApplication(crossing.window, crossing.x_root, crossing.y_root);
   // The program's own windows are found inside a window manager's frames. On the way to one of them
   // the main window must keep what its menus are about to act on.

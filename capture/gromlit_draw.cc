@@ -294,6 +294,7 @@ GromlitDraw* MakeGromlitDraw() {
   SetHandler(draw->wobj, EnterNotify, GromlitAppTrackEnter);
   SetHandler(draw->wobj, CreateNotify, GromlitAppTrackCreate);
   SetHandler(draw->wobj, UnmapNotify, ReleaseHidden);
+  SetHandler(draw->wobj, ConfigureNotify, FollowScreenSize);
   return draw;
 }
 

@@ -48,12 +48,14 @@ void TakePointer(const TrailWindows& windows, Window window) {
 
 void SwitchToFull(Trail* trail, int x, int y) {
   trail->mapfull = true;
-  trail->width = DisplayWidth(dpy, screen);
-  trail->height = DisplayHeight(dpy, screen);
+  trail->width = screenwidth;
+  trail->height = screenheight;
   trail->lastx = x;
   trail->lasty = y;
   trail->w = trail->windows->fullwindow;
   TakePointer(*trail->windows, trail->w);
+  // It may have been made for another size of the screen.
+  XResizeWindow(dpy, trail->w, Extent(trail->width), Extent(trail->height));
   XMapRaised(dpy, trail->w);
 }
 
@@ -64,7 +66,7 @@ TrailWindows MakeTrailWindows(long mask) {
   windows.initwidth = kInitialSize;
   windows.initheight = kInitialSize;
   windows.window = MakeTrailWindow(windows.initwidth, windows.initheight, mask);
-  windows.fullwindow = MakeTrailWindow(DisplayWidth(dpy, screen), DisplayHeight(dpy, screen), mask);
+  windows.fullwindow = MakeTrailWindow(screenwidth, screenheight, mask);
   XGCValues values;
   values.function = GXinvert;
   values.foreground = black.pixel;

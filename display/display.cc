@@ -18,6 +18,8 @@ Display* dpy = nullptr;
 int screen = 0;
 Window root = None;
 Colormap cmap = None;
+int screenwidth = 0;
+int screenheight = 0;
 
 XColor white{0, 0xffff, 0xffff, 0xffff, DoRed | DoGreen | DoBlue, 0};
 XColor black{0, 0, 0, 0, DoRed | DoGreen | DoBlue, 0};
@@ -58,7 +60,16 @@ bool OpenDisplay(const char* name) {
   screen = DefaultScreen(dpy);
   root = RootWindow(dpy, screen);
   cmap = DefaultColormap(dpy, screen);
+  screenwidth = DisplayWidth(dpy, screen);
+  screenheight = DisplayHeight(dpy, screen);
   return true;
+}
+
+void FollowScreenSize(void*, XEvent* event) {
+  const XConfigureEvent& now = event->xconfigure;
+  if (now.send_event != False || now.window != root) return;
+  screenwidth = now.width;
+  screenheight = now.height;
 }
 
 void MakeColours() {

@@ -13,6 +13,10 @@ extern int screen;     // default screen number
 extern Window root;    // root window of that screen
 extern Colormap cmap;  // its default colour map
 
+// The size of the screen now, pixels: what RandR made of it, which Xlib does not follow.
+extern int screenwidth;
+extern int screenheight;
+
 // Colours with their allocated pixels. white and black carry the screen's own white and black.
 extern XColor white;
 extern XColor black;
@@ -52,9 +56,13 @@ extern Pixmap handcursorMaskImage;
 extern Atom wm_delete;
 extern Atom wm_protocols;
 
-// Opens the display (null: the environment's) and sets dpy, screen, root and cmap. Returns false
-// when it cannot be opened.
+// Opens the display (null: the environment's) and sets dpy, screen, root, cmap and the screen's
+// size. Returns false when it cannot be opened.
 bool OpenDisplay(const char* name);
+
+// ConfigureNotify handler of the root window, which also reports windows that are moved: takes the
+// screen's size over. The one who selects the root window's events asks for StructureNotify.
+void FollowScreenSize(void* obj, XEvent* event);
 
 // The steps that follow, each to be called once, in this order; MakeResources (toolkit/resources.h)
 // calls them all. None reports an error:

@@ -1,5 +1,6 @@
 #include "recognition/find_action.h"
 
+#include "recognition/shadow.h"
 #include "recognition/shape_match.h"
 #include "recognition/signature_match.h"
 #include "recognition/stroke_signature.h"
@@ -11,6 +12,24 @@ int FindBySignature(const GromlitPlugin* pin, const Stroke& stroke) {
   char sigDrawn[kDrawnSignatureSize];
   StrokeSignature(sigDrawn, stroke.count, stroke.x, stroke.y);
   return FindSignature(pin, sigDrawn);
+}
+
+int FindTakerBySignature(const GromlitPlugin* pin, int n, GromlitSymbol* sym) {
+  const char* signature = SymbolSignature(sym);
+  for (int i = 0; i < n; i++) {
+    if (Shadows(SymbolSignature(&pin->actions[i]->sym), signature)) return i;
+  }
+  return -1;
+}
+
+// By shape an action leaves another one no stroke only where both look the same: of equal ones the
+// earlier runs.
+int FindTakerByShape(const GromlitPlugin* pin, int n, GromlitSymbol* sym) {
+  const Shape* shape = SymbolShape(sym);
+  for (int i = 0; i < n; i++) {
+    if (SameShape(*SymbolShape(&pin->actions[i]->sym), *shape)) return i;
+  }
+  return -1;
 }
 
 }  // namespace
@@ -26,6 +45,16 @@ int FindAction(const GromlitPlugin* pin, const Stroke& stroke, const Matching& h
     case kBySignature:
     default:
       return FindBySignature(pin, stroke);
+  }
+}
+
+int FindTaker(const GromlitPlugin* pin, int n, GromlitSymbol* sym, const Matching& how) {
+  switch (how.way) {
+    case kByShape:
+      return FindTakerByShape(pin, n, sym);
+    case kBySignature:
+    default:
+      return FindTakerBySignature(pin, n, sym);
   }
 }
 

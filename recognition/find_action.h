@@ -24,4 +24,9 @@ Matching MatchingOf(const GromlitUserOptions& options);
 // looks most like, if it looks enough like it for the tolerance.
 int FindAction(const GromlitPlugin* pin, const Stroke& stroke, const Matching& how);
 
+// Index of the first of pin's first `n` actions that takes every stroke that a symbol could stand
+// for, so that an action with it behind them never runs; -1 when there is none. Any other is found
+// by some stroke, as far as can be told. REQUIRES: 0 <= n <= pin->nactions.
+int FindTaker(const GromlitPlugin* pin, int n, GromlitSymbol* sym, const Matching& how);
+
 }  // namespace gromlit

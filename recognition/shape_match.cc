@@ -285,6 +285,16 @@ float ShapeScore(const Shape& stroke, const Shape& symbol) {
   return ScoreOfCost(Warp(suited, symbol, kFar));
 }
 
+bool SameShape(const Shape& one, const Shape& other) {
+  constexpr float kRounding = 1e-4F;
+  if (!one.drawable || !other.drawable) return false;
+  for (int i = 0; i < kShapePoints; i++) {
+    if (std::abs(one.x[i] - other.x[i]) > kRounding || std::abs(one.y[i] - other.y[i]) > kRounding)
+      return false;
+  }
+  return true;
+}
+
 ShapeRanking RankByShape(const GromlitPlugin* pin, const Stroke& stroke) {
   ShapeRanking ranking;
   const Shape drawn = ShapeOfPoints(stroke.count, stroke.x, stroke.y);

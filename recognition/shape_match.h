@@ -60,6 +60,10 @@ const Shape* SymbolShape(GromlitSymbol* sym);
 // either is not drawable. Not symmetric: the stroke is made to suit the symbol.
 float ShapeScore(const Shape& stroke, const Shape& symbol);
 
+// Whether the two shapes look the same to every stroke, but for roundings. Two that are not
+// drawable are not the same: no stroke is like them.
+bool SameShape(const Shape& one, const Shape& other);
+
 // The two actions of a plug-in that a stroke looks most like; index -1 and score -1 where there is
 // none. Of two equally good ones the earlier counts.
 struct ShapeRanking {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "display/display.h"
+#include "display/x_handles.h"
 
 namespace gromlit {
 
@@ -14,6 +15,17 @@ Window MakeChildWindow(Window parent, int x, int y, int width, int height, unsig
   return XCreateWindow(dpy, parent, x, y, static_cast<unsigned>(std::max(width, 1)),
                        static_cast<unsigned>(std::max(height, 1)), 0, CopyFromParent, InputOutput,
                        nullptr, CWBackPixel | CWEventMask | moremask, &attributes);
+}
+
+void ExposeAll(Window window) {
+  XClearArea(dpy, window, 0, 0, 0, 0, True);
+  Window rootwin;
+  Window parent;
+  Window* list = nullptr;
+  unsigned count = 0;
+  if (XQueryTree(dpy, window, &rootwin, &parent, &list, &count) == 0) return;
+  const XData<Window> children(list);
+  for (unsigned i = 0; i < count; i++) XClearArea(dpy, list[i], 0, 0, 0, 0, True);
 }
 
 bool CanBeSeen(Window window) {

@@ -13,6 +13,10 @@ Window MakeChildWindow(Window parent, int x, int y, int width, int height, unsig
                        long eventmask, unsigned long moremask = 0,
                        const XSetWindowAttributes& more = {});
 
+// Has a window and those right in it drawn anew, as when they had been covered. Those that are not
+// on the screen are left alone. One round trip.
+void ExposeAll(Window window);
+
 // Whether a window and all those that it lies in are mapped. Two round trips.
 bool CanBeSeen(Window window);
 

@@ -111,8 +111,8 @@ XDialog* MakeMsgDialog(const char* title, const char* const* msgs, int wd, int h
 
 void PopUpDialog(XDialog* dlog, const char* title, int px, int py) {
   SetTitle(dlog, title);
-  const int x = Place(px, dlog->width, DisplayWidth(dpy, screen));
-  const int y = Place(py, dlog->height, DisplayHeight(dpy, screen));
+  const int x = Place(px, dlog->width, screenwidth);
+  const int y = Place(py, dlog->height, screenheight);
   // A dialog that is shown already would keep the picture of its old title. On an unmapped window
   // this does nothing.
   XClearArea(dpy, dlog->window, 0, 0, 0, 0, True);
@@ -133,11 +133,11 @@ void MousePopUpDialog(XDialog* dlog, const char* title) {
 }
 
 void DialogYes(XDialog* dlog) {
-  XUnmapWindow(dpy, dlog->window);
+  HideWindow(dlog->window);
 }
 
 void DialogNo(XDialog* dlog) {
-  XUnmapWindow(dpy, dlog->window);
+  HideWindow(dlog->window);
 }
 
 void ResizeDialog(XDialog* dlog, int width, int height) {

@@ -134,10 +134,15 @@ const char* EventName(int type) {
 
 void noprintf(const char*, ...) {}
 
+void HideWindow(Window window) {
+  if (beforehiding != nullptr) beforehiding();
+  XUnmapWindow(dpy, window);
+}
+
 void WMClientMessage(void*, XEvent* event) {
   const XClientMessageEvent& message = event->xclient;
   if (message.message_type == wm_protocols && static_cast<Atom>(message.data.l[0]) == wm_delete) {
-    XUnmapWindow(dpy, message.window);
+    HideWindow(message.window);
   }
 }
 

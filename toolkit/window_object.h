@@ -80,6 +80,14 @@ const char* EventName(int type);
 // Swallows debug traces.
 void noprintf(const char* format, ...);
 
+// Takes a window from the screen: the one way for all top-level windows and dialogs of the program.
+// Menus, which close as part of what the pointer does, have their own.
+void HideWindow(Window window);
+
+// Told right before a window is hidden; null: nobody is. What the pointer is on afterwards it has
+// not gone to.
+inline void (*beforehiding)() = nullptr;
+
 // ClientMessage handler of top-level windows: the window manager's close request unmaps the window.
 void WMClientMessage(void* obj, XEvent* event);
 

@@ -16,10 +16,10 @@
 #include "core/printable.h"
 #include "core/strings.h"
 #include "core/symbol_files.h"
+#include "recognition/shadow.h"
 #include "recognition/shape_match.h"
 #include "recognition/signature_match.h"
 #include "tools/data_file.h"
-#include "tools/shadow.h"
 
 namespace gromlit {
 namespace {

@@ -18,6 +18,8 @@
 #include "core/strings.h"
 #include "display/display.h"
 #include "display/modes.h"
+#include "recognition/find_action.h"
+#include "recognition/signature_match.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/text.h"
@@ -34,9 +36,11 @@ constexpr int kTabHeight = 180;  // of the tab bar with its panel
 constexpr int kNameWidth = 128;
 constexpr int kListHeight = 84;
 constexpr int kMoveWidth = 84;
+constexpr int kNameGap = 6;      // before and behind the plug-in's name
 constexpr int kButtonRise = 40;  // from the bottom edge to the top of the buttons
 constexpr const char* kTitle = "Gromlit: Action Editor";
 constexpr const char* kLogoTitle = "A c t i o n    E d i t o r";
+constexpr const char* kHeading = "Edit PlugIn Action:";
 constexpr const char* kHelpFile = "help/action_editor.html";
 
 constexpr const char* ActionEditorMsgs[] = {"Click on the symbol",
@@ -63,6 +67,46 @@ int ListY(const ActionEditor* editor) {
   return editor->tbar->height + 124;
 }
 
+// --- The plug-in ---------------------------------------------------------------------------------
+
+// Looks for an action before this one in the plug-in that leaves it no stroke.
+void FindTakerOfStrokes() {
+  act->taken = 0;
+  if (!IsListed(act->plugin) || user == nullptr) return;
+  const GromlitPlugin* plugin = act->plugin;
+  const auto* end = plugin->actions + plugin->nactions;
+  const auto before = std::find(plugin->actions, end, act->edit) - plugin->actions;
+  // A copy: the signature that is found belongs to the symbol as it is now.
+  GromlitSymbol sym = act->action.sym;
+  DisownFeatures(&sym);
+  const int taker = FindTaker(plugin, static_cast<int>(before), &sym, MatchingOf(*user));
+  ForgetSignature(&sym);
+  if (taker < 0) return;
+  act->taken = 1;
+  CopyText(act->taker, FieldText(plugin->actions[taker]->name));
+}
+
+// The name of the plug-in that the action goes to, behind the heading, as far as there is room.
+void DrawPluginName(ActionEditor* editor, const char* heading) {
+  if (!IsListed(editor->plugin)) return;
+  const int x = kMargin + TextWidth(txtFontinfo, heading) + kNameGap;
+  const int room = editor->tbar->width + 32 - kNameGap - x;
+  DrawText(editor->window, editor->gc, x, kTop - 4,
+           FittingText(txtFontinfo, FieldText(editor->plugin->appname), room));
+}
+
+// Below the help lines, before OK.
+void DrawNotice(ActionEditor* editor, int x, int baseline) {
+  if (editor->taken == 0) return;
+  const int room = kWidth - kMargin - x;
+  const std::string name = "\"" + std::string(FieldText(editor->taker)) + "\"";
+  for (const std::string& line : {std::string("This action will never run:"), name,
+                                  std::string("comes first and takes all its strokes.")}) {
+    DrawText(editor->window, editor->gc, x, baseline, FittingText(txtFontinfo, line, room));
+    baseline += txtCharht;
+  }
+}
+
 // --- The symbol -------------------------------------------------------------------------------
 
 // Gives the working copy another shape.
@@ -71,11 +115,15 @@ void TakeSymbol(const GromlitSymbol* sym) {
   // The last corner point is a whole one only with its y.
   act->action.sym.y[kMaxPoints] = sym->y[kMaxPoints];
   DisownFeatures(&act->action.sym);
+  FindTakerOfStrokes();
 }
 
 // OK of the symbol dialog. Without a selected symbol the action keeps the one that it has.
 void YesActSelectSymbol(XDialog* dlog) {
-  if (const GromlitSymbol* sym = ChosenSymbol()) TakeSymbol(sym);
+  if (const GromlitSymbol* sym = ChosenSymbol()) {
+    TakeSymbol(sym);
+    XClearArea(dpy, act->window, 0, 0, 0, 0, True);
+  }
   DialogYes(dlog);
   DrawIconWindow(act->icon);
 }
@@ -94,6 +142,9 @@ void CloseChooser() {
 
 void ShowAction(const char* name) {
   CloseChooser();
+  FindTakerOfStrokes();
+  // Open already it still names the plug-in of the action before.
+  XClearArea(dpy, act->window, 0, 0, 0, 0, True);
   DrawIconWindow(act->icon);
   TextEditorUpdate(act->txt, name);
   ClearTabField(TabsOf(act->tbar));
@@ -166,7 +217,8 @@ void DrawActionEditor(ActionEditor* editor, XEvent* event) {
   XClearWindow(dpy, editor->window);
   const int tabwidth = editor->tbar->width;
   XSetForeground(dpy, editor->gc, black.pixel);
-  DrawText(editor->window, editor->gc, kMargin, kTop - 4, "Edit PlugIn Action:");
+  DrawText(editor->window, editor->gc, kMargin, kTop - 4, kHeading);
+  DrawPluginName(editor, kHeading);
   DrawText(editor->window, editor->gc, tabwidth + 32, kTop - 4, "Name: ");
   DrawText(editor->window, editor->gc, SymbolX(editor), kTop - 4, "Symbol: ");
   DrawText(editor->window, editor->gc, kMargin, ListY(editor) - 4, "Commands: ");
@@ -175,6 +227,7 @@ void DrawActionEditor(ActionEditor* editor, XEvent* event) {
     DrawText(editor->window, editor->gc, tabwidth + 32, baseline, *line);
     baseline += txtCharht;
   }
+  DrawNotice(editor, tabwidth + 32, baseline + txtCharht);
 }
 
 ActionEditor* MakeActionEditor() {

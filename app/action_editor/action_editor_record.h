@@ -46,8 +46,10 @@ struct ActionEditor {
   XTabBar* tbar;     // its owner is the ActionTab
   XTextList* lst;    // the command list
   int ncmditems;
-  char* cmditems[kMaxCommands];  // lines of the command list, heap, owned
-  IconWindow* icon;              // of the working symbol
+  char* cmditems[kMaxCommands];             // lines of the command list, heap, owned
+  IconWindow* icon;                         // of the working symbol
+  char taker[sizeof(GromlitAction::name)];  // name of an earlier action that takes all strokes of
+  int taken;                                // the working symbol, when taken is non-zero
 };
 
 inline ActionEditor* act = nullptr;  // null before CreateActionEditor

@@ -60,6 +60,9 @@ struct GromlitApp {
   PluginView view;        // how the rooms below show plug-ins here
   GromlitPlugin* drawn;   // whose actions the grid has; differs from `plugin` until the next redraw
   unsigned long lifted;   // request that took a window from under the pointer; 0 for none
+  int resting;            // non-zero from then on until the pointer moves; it was at
+  int restx;              // (restx, resty) of the root window
+  int resty;
 };
 
 extern GromlitApp* app;

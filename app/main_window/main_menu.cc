@@ -118,7 +118,6 @@ void SaveNewPluginName(XDialog* dlog) {
     ShowSaveFailure("The plug-in's new name was not saved.", reason);
     return;
   }
-  KeepShownPlugin();
   DialogYes(dlog);
   UpdatePluginsMenu();
   UpdateGromlitApp(app, plugin->classname, nullptr);
@@ -132,7 +131,6 @@ void mbPluginDelete(XMenu*, void*) {
 
 void YesDeletePlugin(XDialog* dlog) {
   auto* plugin = static_cast<GromlitPlugin*>(dlog->arg);
-  KeepShownPlugin();
   DialogYes(dlog);
   if (IsListed(plugin)) DeletePlugin(plugin, plugin->classname);
 }

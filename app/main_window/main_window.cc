@@ -15,6 +15,7 @@
 #include "toolkit/menu_bar.h"
 #include "toolkit/pulldown_button.h"
 #include "toolkit/scrollbar.h"
+#include "toolkit/window_object.h"
 
 namespace gromlit {
 namespace {
@@ -101,6 +102,7 @@ GromlitApp* MakeGromlitApp(int ncols, int nrows) {
   gromlit->edit = popEditAction;
   gromlit->view = MakePluginView(gromlit->txt);
   pluginview = &gromlit->view;
+  beforehiding = KeepShownPlugin;
 
   gromlit->wobj = AllocTopLevelObj(gromlit->window, gromlit);
   On<Expose, ExposeGromlitApp>(gromlit);

@@ -1,5 +1,7 @@
 #include "app/main_window/shown_plugin.h"
 
+#include <cstdlib>
+
 #include "core/plugin_files.h"
 #include "core/strings.h"
 #include "display/display.h"
@@ -34,7 +36,27 @@ GromlitPluginList* UpdateGromlitApp(GromlitApp* gromlit, const char* classname, 
 }
 
 void KeepShownPlugin() {
-  if (app != nullptr) app->lifted = NextRequest(dpy);
+  if (app == nullptr) return;
+  Window rootwin;
+  Window child;
+  int winx;
+  int winy;
+  unsigned state;
+  app->resting =
+      XQueryPointer(dpy, root, &rootwin, &child, &app->restx, &app->resty, &winx, &winy, &state);
+  app->lifted = NextRequest(dpy);
+}
+
+bool IsUncovering(const XCrossingEvent& crossing) {
+  constexpr int kHand = 4;  // pixels that a hand at rest may move
+  if (app->lifted != 0 && crossing.serial == app->lifted) return true;
+  if (app->resting == 0) return false;
+  if (std::abs(crossing.x_root - app->restx) <= kHand &&
+      std::abs(crossing.y_root - app->resty) <= kHand) {
+    return true;
+  }
+  app->resting = 0;
+  return false;
 }
 
 PluginView MakePluginView(XButton* button) {

@@ -12,10 +12,15 @@ namespace gromlit {
 // grid.
 GromlitPluginList* UpdateGromlitApp(GromlitApp* gromlit, const char* classname, int* updated);
 
-// To be called right before the request that takes a menu or a dialog from the screen after which
-// the main window is to show a certain plug-in. The pointer is then on what was below, often
-// another application, without having gone there; GromlitAppTrackEnter does not follow it.
+// To be called right before the request that takes a window of the program from the screen. The
+// pointer is then on what was below, often another application, without having gone there;
+// GromlitAppTrackEnter does not follow it. One round trip.
 void KeepShownPlugin();
+
+// Whether the pointer has come into a window because one of the program's went from above it, and
+// not by moving: the same request did both; or, where a window manager takes its frame away later,
+// the pointer is still where it was. REQUIRES: app is not null.
+bool IsUncovering(const XCrossingEvent& crossing);
 
 // How the rooms below show plug-ins in `app`; its button is the one given. They do nothing while
 // there is no `app`.

@@ -81,8 +81,8 @@ void PickLabel::MoveTo(int x, int y, const char* text) {
   text_ = text;
   width_ = TextWidth(txtFontinfo, text) + 8;
   // Kept on the screen, where it can be read.
-  x = std::max(std::min(x, DisplayWidth(dpy, screen) - width_), 0);
-  y = std::max(std::min(y, DisplayHeight(dpy, screen) - height_), 0);
+  x = std::max(std::min(x, screenwidth - width_), 0);
+  y = std::max(std::min(y, screenheight - height_), 0);
   XMoveResizeWindow(dpy, window_, x, y, static_cast<unsigned>(width_),
                     static_cast<unsigned>(height_));
   Draw();

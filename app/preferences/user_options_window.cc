@@ -249,8 +249,7 @@ void optClickCancel(void*) {
 void optClickDefaults(void*) {
   DefaultUserOptions(&opt->usr);
   UpdateUserOptions(&opt->usr);
-  HideTopLevel(opt->window);
-  MapTopLevel(opt->window);
+  ShowTopLevelAnew(opt->window);
 }
 
 void optClickHelp(void*) {

@@ -109,15 +109,14 @@ void SymInit(SymbolEditor* editor, const GromlitSymbol* sym) {
   ResetSymWindow(editor->wsym);
   editor->bprev->state = kButtonInactive;
   editor->brestart->state = kButtonInactive;
-  HideTopLevel(editor->window);
   for (const Window hidden : {editor->bfinish->window, editor->bsave->window, editor->icon->window,
                               editor->txt->window, editor->sbar->window, editor->lst->window}) {
     XUnmapWindow(dpy, hidden);
   }
   XMapWindow(dpy, editor->bnext->window);
   XMapWindow(dpy, editor->wsym->window);
-  // Mapped again the window comes to the front, and a window manager gives it the user's attention.
-  ShowTopLevel(editor->window);
+  // One that is open stays: unmapped and mapped at once it would go from the screen.
+  ShowTopLevelAnew(editor->window);
 }
 
 void txtSaveSymbol(TextEditor* txt) {

@@ -11,6 +11,7 @@
 #include "display/display.h"
 #include "recognition/signature_match.h"
 #include "recognition/symbol_icon.h"
+#include "toolkit/window_object.h"
 
 namespace gromlit {
 namespace {

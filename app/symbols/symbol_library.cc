@@ -11,6 +11,7 @@
 #include "core/strings.h"
 #include "core/symbol_files.h"
 #include "display/display.h"
+#include "toolkit/window_object.h"
 
 namespace gromlit {
 

@@ -58,9 +58,9 @@ void DoSplash() {
   XSetWindowAttributes more{};
   more.save_under = True;
   more.override_redirect = True;
-  const Window win = MakeChildWindow(
-      root, DisplayWidth(dpy, screen) / 2 - width / 2, DisplayHeight(dpy, screen) / 2 - height / 2,
-      width, height, lgrey.pixel, ExposureMask, CWSaveUnder | CWOverrideRedirect, more);
+  const Window win =
+      MakeChildWindow(root, screenwidth / 2 - width / 2, screenheight / 2 - height / 2, width,
+                      height, lgrey.pixel, ExposureMask, CWSaveUnder | CWOverrideRedirect, more);
   const GC gc = MakeWindowGC(win, labelFont);
   XMapWindow(dpy, win);
   XSync(dpy, False);

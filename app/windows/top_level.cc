@@ -7,6 +7,7 @@
 
 #include "display/display.h"
 #include "display/x_handles.h"
+#include "toolkit/child_window.h"
 
 namespace gromlit {
 namespace {
@@ -79,12 +80,13 @@ void ShowTopLevel(Window window) {
   XMapRaised(dpy, window);
 }
 
-void MapTopLevel(Window window) {
-  XMapWindow(dpy, window);
+void ShowTopLevelAnew(Window window) {
+  XMapRaised(dpy, window);
+  ExposeAll(window);
 }
 
 void HideTopLevel(Window window) {
-  XUnmapWindow(dpy, window);
+  HideWindow(window);
 }
 
 }  // namespace gromlit

@@ -35,9 +35,13 @@ Window MakeEditorWindow(const WindowIdentity& identity);
 // manager closes it.
 WindowObj* AllocTopLevelObj(Window window, void* owner);
 
-// Shows a window above all others; MapTopLevel where it lies.
+// Shows a window above all others.
 void ShowTopLevel(Window window);
-void MapTopLevel(Window window);
+
+// Shows a window above all others with everything in it drawn anew. One that is on the screen stays
+// there: unmapped and mapped at once it would go where the window manager takes the first for its
+// owner's withdrawing it, and answers that after the second.
+void ShowTopLevelAnew(Window window);
 
 // Takes a window from the screen.
 void HideTopLevel(Window window);

@@ -1,4 +1,4 @@
-#include "tools/shadow.h"
+#include "recognition/shadow.h"
 
 #include <gtest/gtest.h>
 
