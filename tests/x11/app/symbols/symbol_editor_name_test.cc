@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "app/symbols/symbol_library.h"
+#include "tests/support/captured.h"
 
 namespace gromlit {
 namespace {
@@ -166,9 +167,9 @@ TEST_F(SymbolEditorNameTest, ASaveThatFailsKeepsTheEditorOpenAndGivesTheReason) 
   Reach(kSymName);
   MoveIn(sed->txt->window, 100, 12);
   TypeText("no/x");
-  ::testing::internal::CaptureStderr();
+  testing::CaptureStderr();
   ClickOn(sed->bsave);
-  const std::string error = ::testing::internal::GetCapturedStderr();
+  const std::string error = testing::GetCapturedStderr();
   EXPECT_EQ(error, "Save Symbol: No such file or directory\n");
   EXPECT_TRUE(Shown(sed->window));
   EXPECT_EQ(sed->state, kSymName);
