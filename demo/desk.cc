@@ -1,7 +1,5 @@
 #include "demo/desk.h"
 
-#include <X11/Xutil.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -11,69 +9,12 @@ namespace {
 
 constexpr int kStep = 6;  // pixels between two motions
 
-// Windows come and go while the tree is searched; what has just gone is no reason to end.
-int IgnoreError(Display*, XErrorEvent*) {
-  return 0;
-}
-
-bool HasClass(Display* display, Window window, const std::string& classpart,
-              const std::string& namepart) {
-  XClassHint hint{};
-  if (XGetClassHint(display, window, &hint) == 0) return false;
-  const bool same = hint.res_class != nullptr && classpart == hint.res_class &&
-                    hint.res_name != nullptr && namepart == hint.res_name;
-  XFree(hint.res_class);
-  XFree(hint.res_name);
-  return same;
-}
-
-bool Viewable(Display* display, Window window) {
-  XWindowAttributes attributes{};
-  return XGetWindowAttributes(display, window, &attributes) != 0 &&
-         attributes.map_state == IsViewable;
-}
-
-// NOLINTNEXTLINE(misc-no-recursion): the depth is that of the window tree.
-Window Search(Display* display, Window window, const std::string& classpart,
-              const std::string& namepart) {
-  if (HasClass(display, window, classpart, namepart) && Viewable(display, window)) return window;
-  for (const Window child : testing::ChildrenOf(display, window)) {
-    const Window found = Search(display, child, classpart, namepart);
-    if (found != None) return found;
-  }
-  return None;
-}
-
-bool IsInside(Display* display, Window window, Window ancestor) {
-  while (window != None && window != ancestor) {
-    Window root;
-    Window parent = None;
-    Window* list = nullptr;
-    unsigned count = 0;
-    if (XQueryTree(display, window, &root, &parent, &list, &count) == 0) return false;
-    if (list != nullptr) XFree(list);
-    window = parent;
-  }
-  return window == ancestor;
-}
-
 }  // namespace
 
-Window FindClient(Display* display, const std::string& classpart, const std::string& namepart) {
-  const auto former = XSetErrorHandler(IgnoreError);
-  const Window found = Search(display, DefaultRootWindow(display), classpart, namepart);
-  XSetErrorHandler(former);
-  return found;
-}
-
-Window WaitForClient(Display* display, const std::string& classpart, const std::string& namepart) {
+Window WaitForClient(Display* display, const std::string& classtext) {
   Window found = None;
-  testing::WaitFor(
-      [&] {
-        found = FindClient(display, classpart, namepart);
-        return found != None;
-      },
-      std::chrono::seconds(30));
+  testing::WaitFor([&] { return (found = testing::FindClient(display, classtext)) != None; },
+                   std::chrono::seconds(30));
   return found;
 }
 
@@ -105,12 +46,7 @@ bool TakeFocus(testing::Player& player, Window window) {
   const Point centre = AreaOf(player.display(), window).At(0.5, 0.5);
   player.MoveTo(centre.x, centre.y);
   player.Click(1);
-  return testing::WaitFor([&] {
-    Window focus = None;
-    int revert;
-    XGetInputFocus(player.display(), &focus, &revert);
-    return focus != None && focus != PointerRoot && IsInside(player.display(), focus, window);
-  });
+  return testing::WaitFor([&] { return testing::HasFocus(player.display(), window); });
 }
 
 void Trace(testing::Player& player, const std::vector<Point>& corners) {

@@ -24,12 +24,8 @@ struct Area {
   }
 };
 
-// The first viewable window, from the root downward, with this class and name part in its class
-// hint; None when there is none.
-Window FindClient(Display* display, const std::string& classpart, const std::string& namepart);
-
-// FindClient again and again until it finds one; None at the deadline.
-Window WaitForClient(Display* display, const std::string& classpart, const std::string& namepart);
+// The window on the screen with this class text, waited for; None at the deadline.
+Window WaitForClient(Display* display, const std::string& classtext);
 
 // Where a window is on the screen, without its frame.
 Area AreaOf(Display* display, Window window);

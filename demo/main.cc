@@ -10,18 +10,21 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <exception>
 #include <filesystem>
 #include <map>
 #include <memory>
 
 #include "demo/desk.h"
 #include "demo/shown_plugin.h"
-#include "tests/support/temp_install.h"
+#include "tests/support/clients.h"
+#include "tests/support/files.h"
 
 namespace gromlit::demo {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::FindClient;
 using testing::Player;
 using testing::Process;
 using testing::ReadText;
@@ -35,27 +38,6 @@ constexpr Area kBareDesktop{1110, 400, 150, 200};
   std::fprintf(stderr, "gromlit-demo: %s\n", why.c_str());
   std::exit(2);
 }
-
-// A directory that goes with the object.
-class Scratch {
- public:
-  Scratch() {
-    std::string name = (fs::temp_directory_path() / "gromlit-demo-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) GiveUp("no temporary directory");
-    path_ = name;
-  }
-  ~Scratch() {
-    std::error_code ignored;
-    fs::remove_all(path_, ignored);
-  }
-  Scratch(const Scratch&) = delete;
-  Scratch& operator=(const Scratch&) = delete;
-
-  std::string operator/(const std::string& name) const { return (path_ / name).string(); }
-
- private:
-  fs::path path_;
-};
 
 int RunTool(const std::vector<std::string>& words, const std::string& output) {
   Process tool(words, output);
@@ -143,9 +125,10 @@ class Demo {
   std::string build_;
   std::string source_;
   std::string out_;
-  Scratch scratch_;
+  testing::TempDir scratch_;
   std::unique_ptr<XServer> server_;
   std::unique_ptr<Player> player_;
+  std::unique_ptr<Process> manager_;
   std::vector<std::unique_ptr<Process>> clients_;
   Window gromlit_ = None;
   Window editor_ = None;
@@ -169,37 +152,17 @@ void Demo::CheckKeys() {
 
 void Demo::StartClients() {
   const std::string home = scratch_ / "home";
-  fs::create_directories(home + "/run");
-  fs::permissions(home + "/run", fs::perms::owner_all);
-  const std::vector<std::string> environment = {"HOME=" + home,
-                                                "XDG_RUNTIME_DIR=" + home + "/run",
-                                                "XDG_CONFIG_HOME=" + home + "/config",
-                                                "XDG_CACHE_HOME=" + home + "/cache",
-                                                "XDG_DATA_HOME=" + home + "/data",
-                                                "PS1=$ ",
-                                                "QT_QPA_PLATFORM=xcb"};
+  std::vector<std::string> environment = testing::MakeHome(home);
+  environment.emplace_back("PS1=$ ");
+  // Windows that come before the window manager would be placed twice.
+  manager_ = testing::StartManager(display(), "twm", scratch_.path(), "", environment);
+  if (manager_ == nullptr) GiveUp("no window manager: " + ReadText(scratch_ / "manager.log"));
   const auto start = [&](const std::vector<std::string>& words, const std::string& directory) {
     clients_.push_back(
         std::make_unique<Process>(words, scratch_ / "messages", environment, directory));
   };
-  start({"openbox"}, home);
-  // Windows that come before the window manager would be placed twice.
-  const Atom check = XInternAtom(display(), "_NET_SUPPORTING_WM_CHECK", False);
-  const bool managed = WaitFor([&] {
-    Atom type;
-    int format;
-    unsigned long count = 0;
-    unsigned long left;
-    unsigned char* data = nullptr;
-    XGetWindowProperty(display(), player_->root(), check, 0, 1, False, AnyPropertyType, &type,
-                       &format, &count, &left, &data);
-    if (data != nullptr) XFree(data);
-    return count == 1;
-  });
-  if (!managed) GiveUp("openbox did not start");
-
   testing::WriteText(scratch_ / "note.txt", "");
-  start({"featherpad", "--standalone", scratch_ / "note.txt"}, home);
+  start({"nedit", scratch_ / "note.txt"}, home);
   start({"xterm", "-xrm", "XTerm*allowSendEvents: true", "-geometry", "76x18+20+560", "-e", "sh"},
         home);
   start({build_ + "/tests/probe", "--class", "Probe", "probe", "--title", "Probe", "--geometry",
@@ -216,27 +179,23 @@ void Demo::SetTheStage() {
   fs::create_directories(out_);
   MakeInstallation(build_, source_, scratch_ / "gromlit");
   server_ = std::make_unique<XServer>();
-  if (server_->name().empty()) GiveUp("no virtual display");
   player_ = std::make_unique<Player>(server_->name());
-  if (display() == nullptr) GiveUp("the virtual display does not answer");
   CheckKeys();
   // Something other than black, so that the pictures show where the desktop is.
   XSetWindowBackground(display(), player_->root(), 0x39506b);
   XClearWindow(display(), player_->root());
   StartClients();
-  const auto find = [&](const char* classpart, const char* namepart) {
-    const Window window = WaitForClient(display(), classpart, namepart);
-    if (window == None) {
-      GiveUp(std::string("no window of ") + classpart + "." + namepart +
-             " appeared: " + ReadText(scratch_ / "messages"));
-    }
+  const auto find = [&](const std::string& classtext) {
+    const Window window = WaitForClient(display(), classtext);
+    if (window == None)
+      GiveUp("no window of " + classtext + " appeared: " + ReadText(scratch_ / "messages"));
     return window;
   };
-  editor_ = find("FeatherPad", "featherpad");
-  terminal_ = find("XTerm", "xterm");
-  probe_ = find("Probe", "probe");
-  stranger_ = find("Stranger", "stranger");
-  gromlit_ = find("Gromlit", "Application");
+  editor_ = find("NEdit.textShell");
+  terminal_ = find("XTerm.xterm");
+  probe_ = find("Probe.probe");
+  stranger_ = find("Stranger.stranger");
+  gromlit_ = find("Gromlit.Application");
   Place(display(), editor_, {20, 40, 620, 440});
   Area own = AreaOf(display(), gromlit_);
   own.x = 600;
@@ -369,7 +328,7 @@ void Demo::FollowThePointer() {
     player_->MoveTo(at.x, at.y);
   };
   // The main window is on the screen a moment before it follows: until then nothing is judged.
-  const Expectation ready = MainWindowShows("FeatherPad.featherpad");
+  const Expectation ready = MainWindowShows("NEdit.textShell");
   WaitFor(
       [&] {
         enter(terminal_);
@@ -389,7 +348,7 @@ void Demo::FollowThePointer() {
   enter(stranger_);
   Judge("the pointer goes into an application without a plug-in", MainWindowShows("Default"));
   enter(editor_);
-  Judge("the pointer goes into FeatherPad", MainWindowShows("FeatherPad.featherpad"));
+  Judge("the pointer goes into NEdit", MainWindowShows("NEdit.textShell"));
   enter(terminal_);
   Judge("the pointer comes back to xterm", MainWindowShows("XTerm.xterm"));
 }
@@ -397,11 +356,11 @@ void Demo::FollowThePointer() {
 void Demo::EditorStrokes() {
   if (!TakeFocus(*player_, editor_)) GiveUp("the editor does not take the focus");
   const Area area = AreaOf(display(), editor_);
-  Stroke("an L over FeatherPad (types, then Control-s)",
+  Stroke("an L over NEdit (types, then Control-s)",
          {area.At(0.3, 0.35), area.At(0.3, 0.8), area.At(0.7, 0.8)},
          FileHolds(scratch_ / "note.txt", "Drawn, not typed.", "the editor's file"), true);
   Picture("editor.png");
-  Stroke("a line to the right over FeatherPad (types a file's text, then Control-s)",
+  Stroke("a line to the right over NEdit (types a file's text, then Control-s)",
          {area.At(0.3, 0.6), area.At(0.7, 0.6)},
          FileHolds(scratch_ / "note.txt", "From a file, letter by letter.", "the editor's file"));
 }
@@ -480,7 +439,7 @@ void Demo::HideMainWindow() {
   event.xclient.data.l[0] = static_cast<long>(XInternAtom(display(), "WM_DELETE_WINDOW", False));
   XSendEvent(display(), gromlit_, False, NoEventMask, &event);
   XSync(display(), False);
-  if (!WaitFor([&] { return FindClient(display(), "Gromlit", "Application") == None; })) {
+  if (!WaitFor([&] { return FindClient(display(), "Gromlit.Application") == None; })) {
     GiveUp("the main window does not close");
   }
 }
@@ -489,7 +448,7 @@ void Demo::StrangerStrokes() {
   HideMainWindow();
   const Area area = AreaOf(display(), stranger_);
   const auto shown = [this](std::string* seen) {
-    const bool there = FindClient(display(), "Gromlit", "Application") != None;
+    const bool there = FindClient(display(), "Gromlit.Application") != None;
     *seen = there ? "the main window" : "no main window";
     return there;
   };
@@ -538,5 +497,9 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "usage: gromlit-demo BUILD SOURCE OUT\n");
     return 2;
   }
-  return gromlit::demo::Demo(argv[1], argv[2], argv[3]).Run();
+  try {
+    return gromlit::demo::Demo(argv[1], argv[2], argv[3]).Run();
+  } catch (const std::exception& problem) {
+    gromlit::demo::GiveUp(problem.what());
+  }
 }

@@ -17,8 +17,7 @@ constexpr unsigned kNobody = 65534;
 EditorClient::EditorClient(Player* player, const std::string& directory, const EditorStart& start)
     : player_(player) {
   const std::string home = directory + "/home";
-  fs::create_directories(home + "/run");
-  fs::permissions(home + "/run", fs::perms::owner_all);
+  const std::vector<std::string> environment = MakeHome(home);
   // A caret that blinks and a title with a temporary directory's name would make pictures differ.
   fs::create_directories(home + "/config/gtk-3.0");
   WriteText(home + "/config/gtk-3.0/settings.ini", "[Settings]\ngtk-cursor-blink=0\n");
@@ -38,14 +37,8 @@ EditorClient::EditorClient(Player* player, const std::string& directory, const E
     for (const auto& entry : fs::recursive_directory_iterator(home))
       EXPECT_EQ(chown(entry.path().c_str(), kNobody, kNobody), 0);
   }
-  process_ = std::make_unique<Process>(
-      argv, directory + "/editor.log",
-      std::vector<std::string>{
-          "HOME=" + home, "XDG_RUNTIME_DIR=" + home + "/run", "XDG_CONFIG_HOME=" + home + "/config",
-          "XDG_CACHE_HOME=" + home + "/cache", "XDG_DATA_HOME=" + home + "/data",
-          "GSETTINGS_BACKEND=keyfile", "QT_QPA_PLATFORM=xcb", "GDK_BACKEND=x11", "NO_AT_BRIDGE=1"},
-      home);
-  if (!WaitFor([&] { return (window_ = FindViewable(player_->root(), start.classname)) != 0; },
+  process_ = std::make_unique<Process>(argv, directory + "/editor.log", environment, home);
+  if (!WaitFor([&] { return (window_ = FindClient(player_->display(), start.classname)) != 0; },
                std::chrono::seconds(60))) {
     ADD_FAILURE() << start.classname
                   << " does not come up: " << ReadText(directory + "/editor.log");
@@ -71,36 +64,6 @@ Point EditorClient::Origin() {
   return origin;
 }
 
-// NOLINTNEXTLINE(misc-no-recursion): the depth is that of the window tree.
-Window EditorClient::FindViewable(Window window, const std::string& classname) {
-  XClassHint hint{};
-  if (XGetClassHint(player_->display(), window, &hint) != 0) {
-    const std::string text = std::string(hint.res_class) + "." + hint.res_name;
-    XFree(hint.res_name);
-    XFree(hint.res_class);
-    XWindowAttributes attributes{};
-    if (text == classname && XGetWindowAttributes(player_->display(), window, &attributes) != 0 &&
-        attributes.map_state == IsViewable)
-      return window;
-  }
-  for (const Window child : ChildrenOf(player_->display(), window))
-    if (const Window found = FindViewable(child, classname)) return found;
-  return 0;
-}
-
-bool EditorClient::IsInside(Window window, Window ancestor) {
-  while (window != 0 && window != ancestor) {
-    Window rootwin;
-    Window parent = 0;
-    Window* list = nullptr;
-    unsigned count = 0;
-    if (XQueryTree(player_->display(), window, &rootwin, &parent, &list, &count) == 0) return false;
-    if (list != nullptr) XFree(list);
-    window = parent;
-  }
-  return window == ancestor;
-}
-
 void EditorClient::TakeFocus() {
   EXPECT_TRUE(WaitFor([this] {
     XWindowAttributes attributes{};
@@ -108,14 +71,8 @@ void EditorClient::TakeFocus() {
     const Point at = Origin();
     player_->MoveTo(at.x + attributes.width / 2, at.y + attributes.height * 3 / 5);
     player_->Click(1);
-    return WaitFor(
-        [this] {
-          Window focus = 0;
-          int revert;
-          XGetInputFocus(player_->display(), &focus, &revert);
-          return focus > PointerRoot && IsInside(focus, window_);
-        },
-        std::chrono::seconds(2));
+    return WaitFor([this] { return HasFocus(player_->display(), window_); },
+                   std::chrono::seconds(2));
   })) << "the editor does not take the keyboard";
 }
 

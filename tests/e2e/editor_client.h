@@ -34,9 +34,6 @@ class EditorClient {
 
  private:
   Point Origin();
-  // A viewable window of this class text.
-  Window FindViewable(Window window, const std::string& classname);
-  bool IsInside(Window window, Window ancestor);
 
   Player* player_;
   std::string file_;

@@ -19,18 +19,6 @@
 namespace gromlit::testing {
 namespace {
 
-// A grabbed server would hold up the test, too, and a second move soon after the first would go
-// along one axis only.
-constexpr const char* kTwmConfiguration = R"(RandomPlacement
-NoGrabServer
-OpaqueMove
-ConstrainedMoveTime 0
-Button1 = : title : f.move
-Button1 = : icon : f.iconify
-"F7" = : window | title | frame | icon | root : f.delete
-"F8" = : window | title | frame | icon | root : f.iconify
-)";
-
 int IgnoreError(Display*, XErrorEvent*) {
   return 0;
 }
@@ -42,20 +30,6 @@ std::vector<std::string> LinesOf(const std::string& path, const std::string& sta
     if (line.starts_with(start)) lines.push_back(line);
   }
   return lines;
-}
-
-Window FindByClass(Display* display, Window window, const std::string& name) {
-  XClassHint hint{};
-  if (XGetClassHint(display, window, &hint) != 0) {
-    const bool found = name == hint.res_name && std::string("Gromlit") == hint.res_class;
-    XFree(hint.res_name);
-    XFree(hint.res_class);
-    if (found) return window;
-  }
-  for (const Window child : ChildrenOf(display, window)) {
-    if (const Window found = FindByClass(display, child, name)) return found;
-  }
-  return 0;
 }
 
 GromlitCmd* MakeCommand(const Command& command) {
@@ -167,49 +141,18 @@ void GromlitRun::WriteOptions(int button, int sensitivity) {
 }
 
 void GromlitRun::StartWindowManager(const std::string& name, const std::string& configuration) {
-  std::vector<std::string> argv = {name};
-  const bool twm = name == "twm";
-  if (twm || !configuration.empty()) {
-    const std::string file = *install / "manager.rc";
-    WriteText(file, configuration.empty() ? kTwmConfiguration : configuration);
-    const char* option = twm ? "-f" : name == "openbox" ? "--config-file" : "-c";
-    argv.insert(argv.end(), {option, file});
-  }
   manager_name = name;
-  manager_argv = argv;
-  RestartWindowManager();
-  // It is there when it redirects the root window's substructure, and ready when it brings a window
-  // up: a request to map one that arrives in the middle of its start-up may be overlooked.
-  Display* display = player->display();
-  ASSERT_TRUE(WaitFor([&] {
-    XWindowAttributes attributes{};
-    XGetWindowAttributes(display, player->root(), &attributes);
-    return (attributes.all_event_masks & SubstructureRedirectMask) != 0;
-  })) << name
-      << " did not start";
-  const auto brings_up = [&] {
-    const Window trial = XCreateSimpleWindow(display, player->root(), 0, 0, 50, 50, 0, 0, 0);
-    XSizeHints place{};
-    place.flags = USPosition | USSize;  // twm asks the user for the place of any other window
-    XSetWMNormalHints(display, trial, &place);
-    XMapWindow(display, trial);
-    const bool up = WaitFor(
-        [&] {
-          XWindowAttributes attributes{};
-          XGetWindowAttributes(display, trial, &attributes);
-          return attributes.map_state == IsViewable;
-        },
-        std::chrono::milliseconds(300));
-    XDestroyWindow(display, trial);
-    XSync(display, False);
-    return up;
-  };
-  EXPECT_TRUE(WaitFor(brings_up, std::chrono::seconds(20))) << name << " manages nothing";
+  manager_configuration = configuration;
+  manager = StartManager(player->display(), name, install->path(), configuration);
+  ASSERT_NE(manager, nullptr) << name << " does not manage the screen: "
+                              << ReadText(*install / "manager.log");
 }
 
 void GromlitRun::RestartWindowManager() {
   manager = nullptr;  // ends it, if it has not ended
-  manager = std::make_unique<Process>(manager_argv, *install / "manager.log");
+  manager = std::make_unique<Process>(
+      ManagerCommand(manager_name, install->path(), manager_configuration),
+      *install / "manager.log");
 }
 
 void GromlitRun::StartGromlit(bool ready, std::vector<std::string> arguments) {
@@ -329,7 +272,7 @@ std::vector<Window> GromlitRun::MappedOverlays() {
 }
 
 Window GromlitRun::MainWindow() {
-  return FindByClass(player->display(), player->root(), "Application");
+  return FindClient(player->display(), "Gromlit.Application", false);
 }
 
 Command GromlitRun::Touch(const std::string& name) const {

@@ -148,7 +148,7 @@ class GromlitRun : public ::testing::Test {
   std::unique_ptr<Player> player;
   std::unique_ptr<Process> manager;
   std::string manager_name;  // empty when there is none
-  std::vector<std::string> manager_argv;
+  std::string manager_configuration;
   std::unique_ptr<Process> gromlit;
 };
 

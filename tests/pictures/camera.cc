@@ -1,32 +1,12 @@
 #include "tests/pictures/camera.h"
 
-#include <X11/Xutil.h>
-
 #include <algorithm>
 #include <fstream>
 
 namespace gromlit::testing {
 
 Picture Take(Display* display, const Box& area) {
-  const int number = DefaultScreen(display);
-  const int left = std::max(area.x, 0);
-  const int top = std::max(area.y, 0);
-  const int right = std::min(area.x + area.width, DisplayWidth(display, number));
-  const int bottom = std::min(area.y + area.height, DisplayHeight(display, number));
-  Picture picture;
-  if (right <= left || bottom <= top) return picture;
-  picture.width = right - left;
-  picture.height = bottom - top;
-  XImage* image = XGetImage(display, DefaultRootWindow(display), left, top,
-                            static_cast<unsigned>(picture.width),
-                            static_cast<unsigned>(picture.height), AllPlanes, ZPixmap);
-  if (image == nullptr) return {};
-  picture.pixels.reserve(static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height));
-  for (int y = 0; y < picture.height; y++)
-    for (int x = 0; x < picture.width; x++)
-      picture.pixels.push_back(static_cast<uint32_t>(XGetPixel(image, x, y) & 0xffffff));
-  XDestroyImage(image);
-  return picture;
+  return Take(display, area.x, area.y, area.width, area.height);
 }
 
 Picture Sheet(const std::vector<Picture>& pictures, int columns, int gap) {

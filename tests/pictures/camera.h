@@ -3,21 +3,12 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
 #include "tests/e2e/front_end.h"
 
 namespace gromlit::testing {
-
-struct Picture {
-  int width = 0;
-  int height = 0;
-  std::vector<uint32_t> pixels;  // 0xrrggbb, row by row
-
-  bool operator==(const Picture&) const = default;
-};
 
 // What is on the screen there now; the part of `area` that lies on the screen.
 Picture Take(Display* display, const Box& area);

@@ -168,13 +168,8 @@ void Studio::CloseMenu(Window menu) {
 Box Studio::Framed(Window window, int margin) {
   Window top = window;
   for (;;) {
-    Window rootwin;
-    Window parent = 0;
-    Window* list = nullptr;
-    unsigned count = 0;
-    if (XQueryTree(player->display(), top, &rootwin, &parent, &list, &count) == 0) break;
-    if (list != nullptr) XFree(list);
-    if (parent == 0 || parent == rootwin) break;
+    const Window parent = ParentOf(player->display(), top);
+    if (parent == 0 || parent == player->root()) break;
     top = parent;
   }
   const Box bare = Bare(top);

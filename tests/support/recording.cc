@@ -1,14 +1,12 @@
 #include "tests/support/recording.h"
 
-#include <fcntl.h>
-#include <unistd.h>
+#include <gtest/gtest.h>
 
-#include <chrono>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <sstream>
-#include <thread>
+
+#include "tests/support/process.h"
 
 namespace gromlit::testing {
 
@@ -39,35 +37,12 @@ std::vector<std::string> Recording::Lines() const {
 }
 
 std::vector<std::string> Recording::Wait(size_t n) const {
-  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-  for (;;) {
-    std::vector<std::string> lines = Lines();
-    if (lines.size() >= n) return lines;
-    if (std::chrono::steady_clock::now() >= end) {
-      ADD_FAILURE() << lines.size() << " records instead of " << n;
-      lines.resize(n);
-      return lines;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(2));
-  }
-}
-
-StandardError::StandardError()
-    : file_(directory_ / "stderr"), former_(fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 3)) {
-  std::fflush(stderr);
-  const int fd = open(file_.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
-  dup2(fd, STDERR_FILENO);
-  close(fd);
-}
-
-StandardError::~StandardError() {
-  std::fflush(stderr);
-  dup2(former_, STDERR_FILENO);
-  close(former_);
-}
-
-std::string StandardError::Text() const {
-  return ReadText(file_);
+  std::vector<std::string> lines;
+  const bool enough =
+      WaitFor([&] { return (lines = Lines()).size() >= n; }, std::chrono::seconds(20));
+  EXPECT_TRUE(enough) << lines.size() << " records instead of " << n;
+  if (!enough) lines.resize(n);
+  return lines;
 }
 
 std::string RecordOf(const std::vector<std::string>& argv) {

@@ -1,12 +1,10 @@
 // What the recorder program (recorder.cc) wrote down, seen from a test.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
 
-#include "tests/support/temp_install.h"
+#include "tests/support/files.h"
 
 namespace gromlit::testing {
 
@@ -25,25 +23,9 @@ class Recording {
   std::vector<std::string> Wait(size_t n) const;
 
  private:
-  TempInstall directory_;
+  TempDir directory_;
   std::string file_;
   std::string formerpath_;
-};
-
-// Catches what this process and its children write to standard error while the object lives.
-class StandardError {
- public:
-  StandardError();
-  ~StandardError();
-  StandardError(const StandardError&) = delete;
-  StandardError& operator=(const StandardError&) = delete;
-
-  std::string Text() const;
-
- private:
-  TempInstall directory_;
-  std::string file_;
-  int former_;
 };
 
 // The line that the recorder writes, without state, for these words (printable ASCII).

@@ -1,60 +1,19 @@
 #include "tests/support/temp_install.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
 #include "core/gromlit.h"
 
 namespace gromlit::testing {
-namespace fs = std::filesystem;
 
 TempInstall::TempInstall() : former_(GromlitPath) {
-  std::string pattern = (fs::temp_directory_path() / "gromlit-test-XXXXXX").string();
-  if (mkdtemp(pattern.data()) == nullptr) {
-    ADD_FAILURE() << "cannot make " << pattern;
-    return;
-  }
-  path_ = pattern;
   for (const char* name : {"symbols", "plugins", "options"})
-    fs::create_directory(path_ + "/" + name);
-  GromlitPath = path_.c_str();
+    std::filesystem::create_directory(directory_ / name);
+  GromlitPath = directory_.path().c_str();
 }
 
 TempInstall::~TempInstall() {
   GromlitPath = former_;
-  std::error_code ignored;
-  if (!path_.empty()) fs::remove_all(path_, ignored);
-}
-
-std::string ReadText(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
-
-std::vector<std::byte> ReadBytes(const std::string& path) {
-  const std::string text = ReadText(path);
-  std::vector<std::byte> bytes(text.size());
-  for (size_t i = 0; i < text.size(); i++) bytes[i] = static_cast<std::byte>(text[i]);
-  return bytes;
-}
-
-void WriteText(const std::string& path, const std::string& text) {
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out.write(text.data(), static_cast<std::streamsize>(text.size()));
-  out.close();
-  if (!out) ADD_FAILURE() << "cannot write " << path;
-}
-
-void WriteBytes(const std::string& path, std::span<const std::byte> bytes) {
-  WriteText(path, std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
-}
-
-bool Exists(const std::string& path) {
-  return fs::exists(path);
 }
 
 }  // namespace gromlit::testing

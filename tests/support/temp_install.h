@@ -1,10 +1,9 @@
-// A temporary installation directory, and small file helpers for tests.
+// A temporary installation directory.
 #pragma once
 
-#include <cstddef>
-#include <span>
 #include <string>
-#include <vector>
+
+#include "tests/support/files.h"
 
 namespace gromlit::testing {
 
@@ -17,19 +16,13 @@ class TempInstall {
   TempInstall(const TempInstall&) = delete;
   TempInstall& operator=(const TempInstall&) = delete;
 
-  const std::string& path() const { return path_; }
+  const std::string& path() const { return directory_.path(); }
   // Path of a file below the directory.
-  std::string operator/(const std::string& name) const { return path_ + "/" + name; }
+  std::string operator/(const std::string& name) const { return directory_ / name; }
 
  private:
-  std::string path_;
+  TempDir directory_;
   const char* former_;
 };
-
-std::vector<std::byte> ReadBytes(const std::string& path);
-void WriteBytes(const std::string& path, std::span<const std::byte> bytes);
-std::string ReadText(const std::string& path);
-void WriteText(const std::string& path, const std::string& text);
-bool Exists(const std::string& path);
 
 }  // namespace gromlit::testing

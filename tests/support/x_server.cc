@@ -2,26 +2,19 @@
 
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
-#include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <chrono>
 #include <cstdlib>
-#include <fstream>
-#include <thread>
+#include <stdexcept>
+
+#include "tests/support/files.h"
 
 namespace gromlit::testing {
 namespace {
-
-std::vector<char*> Pointers(std::vector<std::string>& words) {
-  std::vector<char*> argv;
-  for (std::string& word : words) argv.push_back(word.data());
-  argv.push_back(nullptr);
-  return argv;
-}
 
 // Reads one line from a pipe; empty at the deadline.
 std::string ReadLine(int fd, std::chrono::milliseconds deadline) {
@@ -42,107 +35,29 @@ std::string ReadLine(int fd, std::chrono::milliseconds deadline) {
 }  // namespace
 
 XServer::XServer(const std::string& screen, std::vector<std::string> more) {
-  int pipefd[2];
-  if (pipe(pipefd) != 0) {
-    ADD_FAILURE() << "no pipe";
-    return;
-  }
-  std::vector<std::string> words = {"Xvfb",      "-displayfd", std::to_string(pipefd[1]),
-                                    "-screen",   "0",          screen,
-                                    "-nolisten", "tcp",        "-noreset"};
-  words.insert(words.end(), more.begin(), more.end());
-  std::vector<char*> argv = Pointers(words);
-  const pid_t parent = getpid();
-  pid_ = fork();
-  if (pid_ == 0) {
-    // The server must not outlive a test that is killed.
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (getppid() != parent) _exit(127);
-    close(pipefd[0]);
-    const int null = open("/dev/null", O_RDWR);
-    dup2(null, 1);
-    dup2(null, 2);
-    execvp(argv[0], argv.data());
-    _exit(127);
-  }
-  close(pipefd[1]);
-  const std::string number = ReadLine(pipefd[0], std::chrono::seconds(30));
-  close(pipefd[0]);
-  if (number.empty()) {
-    ADD_FAILURE() << "Xvfb did not start";
-    return;
-  }
+  int ends[2];
+  if (pipe(ends) != 0) throw std::runtime_error("no pipe");
+  std::vector<std::string> argv = {"Xvfb",      "-displayfd", std::to_string(ends[1]),
+                                   "-screen",   "0",          screen,
+                                   "-nolisten", "tcp",        "-noreset"};
+  argv.insert(argv.end(), more.begin(), more.end());
+  process_ = std::make_unique<Process>(argv, "/dev/null");
+  close(ends[1]);
+  const std::string number = ReadLine(ends[0], std::chrono::seconds(30));
+  close(ends[0]);
+  if (number.empty()) throw std::runtime_error("Xvfb did not start");
   name_ = ":" + number;
   setenv("DISPLAY", name_.c_str(), 1);
 }
 
 XServer::~XServer() {
   unsetenv("DISPLAY");
-  if (pid_ <= 0) return;
-  kill(pid_, SIGTERM);
-  const auto gone = [this] { return waitpid(pid_, nullptr, WNOHANG) == pid_; };
-  if (!WaitFor(gone, std::chrono::seconds(5))) {
-    kill(pid_, SIGKILL);
-    waitpid(pid_, nullptr, 0);
-  }
-}
-
-Process::Process(std::vector<std::string> argv, const std::string& output,
-                 const std::vector<std::string>& environment, const std::string& directory) {
-  std::vector<char*> words = Pointers(argv);
-  const pid_t parent = getpid();
-  pid_ = fork();
-  if (pid_ != 0) return;
-  prctl(PR_SET_PDEATHSIG, SIGKILL);
-  if (getppid() != parent) _exit(127);
-  if (!output.empty()) {
-    const int fd = open(output.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0666);
-    dup2(fd, 1);
-    dup2(fd, 2);
-  }
-  for (const std::string& entry : environment) putenv(strdup(entry.c_str()));
-  if (!directory.empty() && chdir(directory.c_str()) != 0) _exit(126);
-  execvp(words[0], words.data());
-  _exit(127);
-}
-
-Process::~Process() {
-  if (!Running()) return;
-  Kill(SIGKILL);
-  Wait();
-}
-
-bool Process::Running() {
-  if (pid_ <= 0 || status_ != -1) return false;
-  int status;
-  if (waitpid(pid_, &status, WNOHANG) != pid_) return true;
-  status_ = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-  return false;
-}
-
-int Process::Wait(std::chrono::milliseconds deadline) {
-  WaitFor([this] { return !Running(); }, deadline);
-  return status_;
-}
-
-void Process::Kill(int signal) {
-  kill(pid_, signal);
-}
-
-bool WaitFor(const std::function<bool()>& done, std::chrono::milliseconds deadline) {
-  const auto end = std::chrono::steady_clock::now() + deadline;
-  while (!done()) {
-    if (std::chrono::steady_clock::now() >= end) return false;
-    std::this_thread::sleep_for(std::chrono::milliseconds(2));
-  }
-  return true;
+  process_->Kill(SIGTERM);
+  process_->Wait(std::chrono::seconds(5));
 }
 
 Player::Player(const std::string& display) : display_(XOpenDisplay(display.c_str())) {
-  if (display_ == nullptr) {
-    ADD_FAILURE() << "cannot open " << display;
-    return;
-  }
+  if (display_ == nullptr) throw std::runtime_error("cannot open " + display);
   XTestGrabControl(display_, True);
 }
 
@@ -215,40 +130,30 @@ void SetClass(Display* display, Window window, std::string classpart, std::strin
   XSetClassHint(display, window, &hint);
 }
 
-std::vector<Window> ChildrenOf(Display* display, Window window) {
-  Window root;
-  Window parent;
-  Window* list = nullptr;
-  unsigned count = 0;
-  if (XQueryTree(display, window, &root, &parent, &list, &count) == 0) return {};
-  std::vector<Window> children(list, list + count);
-  if (list != nullptr) XFree(list);
-  return children;
+Picture Take(Display* display, int x, int y, int width, int height) {
+  const int screen = DefaultScreen(display);
+  const int left = std::max(x, 0);
+  const int top = std::max(y, 0);
+  Picture picture;
+  picture.width = std::min(x + width, DisplayWidth(display, screen)) - left;
+  picture.height = std::min(y + height, DisplayHeight(display, screen)) - top;
+  if (picture.width <= 0 || picture.height <= 0) return {};
+  XImage* image = XGetImage(display, DefaultRootWindow(display), left, top,
+                            static_cast<unsigned>(picture.width),
+                            static_cast<unsigned>(picture.height), AllPlanes, ZPixmap);
+  if (image == nullptr) return {};
+  picture.pixels.reserve(static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height));
+  for (int row = 0; row < picture.height; row++)
+    for (int column = 0; column < picture.width; column++)
+      picture.pixels.push_back(static_cast<uint32_t>(XGetPixel(image, column, row) & 0xffffff));
+  XDestroyImage(image);
+  return picture;
 }
 
 void SaveScreen(Display* display, const std::string& path) {
-  const Window root = DefaultRootWindow(display);
-  const int width = DisplayWidth(display, DefaultScreen(display));
-  const int height = DisplayHeight(display, DefaultScreen(display));
-  XImage* image = XGetImage(display, root, 0, 0, static_cast<unsigned>(width),
-                            static_cast<unsigned>(height), AllPlanes, ZPixmap);
-  if (image == nullptr) return;
-  const std::string pnm = path + ".ppm";
-  {
-    std::ofstream out(pnm, std::ios::binary);
-    out << "P6\n" << width << " " << height << "\n255\n";
-    for (int y = 0; y < height; y++) {
-      for (int x = 0; x < width; x++) {
-        const unsigned long p = XGetPixel(image, x, y);
-        out.put(static_cast<char>(p >> 16 & 0xff));
-        out.put(static_cast<char>(p >> 8 & 0xff));
-        out.put(static_cast<char>(p & 0xff));
-      }
-    }
-  }
-  XDestroyImage(image);
-  Process convert({"convert", pnm, path});
-  if (convert.Wait() == 0) std::remove(pnm.c_str());
+  const int screen = DefaultScreen(display);
+  WriteText(path, PngOf(Take(display, 0, 0, DisplayWidth(display, screen),
+                             DisplayHeight(display, screen))));
 }
 
 }  // namespace gromlit::testing

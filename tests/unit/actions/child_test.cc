@@ -15,15 +15,18 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/captured.h"
+#include "tests/support/process.h"
 #include "tests/support/recording.h"
 #include "tests/support/temp_install.h"
 
 namespace gromlit {
 namespace {
 
+using testing::Captured;
 using testing::Recording;
 using testing::RecordOf;
-using testing::StandardError;
+using testing::WaitFor;
 
 constexpr const char* kPrefix = "Error in System Command";
 
@@ -116,7 +119,7 @@ TEST_F(ChildTest, WordsOfAnyLengthAndNumber) {
 }
 
 TEST_F(ChildTest, ProgramThatIsMissingIsReportedByTheChild) {
-  const StandardError error;
+  const Captured error(STDERR_FILENO);
   const pid_t child = StartCommandLine("/nonexistent/program a b", kPrefix);
   ASSERT_GT(child, 0);
   EXPECT_EQ(ExitStatus(child), 255);
@@ -126,13 +129,13 @@ TEST_F(ChildTest, ProgramThatIsMissingIsReportedByTheChild) {
 TEST_F(ChildTest, FileThatIsNoProgramIsReportedByTheChild) {
   const testing::TempInstall directory;
   testing::WriteText(directory / "file", "text");
-  const StandardError error;
+  const Captured error(STDERR_FILENO);
   EXPECT_EQ(ExitStatus(StartCommandLine((directory / "file").c_str(), "Prefix")), 255);
   EXPECT_EQ(error.Text(), "Prefix: Permission denied\n");
 }
 
 TEST_F(ChildTest, LineTooLongForTheSystemIsReportedByTheChild) {
-  const StandardError error;
+  const Captured error(STDERR_FILENO);
   const std::string line = "true " + std::string(4'000'000, 'x');
   EXPECT_EQ(ExitStatus(StartCommandLine(line.c_str(), kPrefix)), 255);
   EXPECT_EQ(error.Text(), "Error in System Command: Argument list too long\n");
@@ -141,7 +144,7 @@ TEST_F(ChildTest, LineTooLongForTheSystemIsReportedByTheChild) {
 TEST_F(ChildTest, FailedExecLeavesTheParentsBuffersAlone) {
   // Text waiting in a buffer of the parent must not be written a second time by the child's end.
   const testing::TempInstall directory;
-  const StandardError error;
+  const Captured error(STDERR_FILENO);
   FILE* file = std::fopen((directory / "buffered").c_str(), "w");
   ASSERT_NE(file, nullptr);
   std::fputs("once", file);
@@ -152,7 +155,7 @@ TEST_F(ChildTest, FailedExecLeavesTheParentsBuffersAlone) {
 
 TEST_F(ChildTest, EmptyAndBlankLinesStartNothingAndSaySo) {
   for (const char* line : {"", " ", " \t\n "}) {
-    const StandardError error;
+    const Captured error(STDERR_FILENO);
     EXPECT_EQ(StartCommandLine(line, kPrefix), -1);
     EXPECT_EQ(error.Text(), "Error in System Command: No such file or directory\n");
     EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
@@ -221,10 +224,7 @@ TEST_F(ChildTest, FinishedChildrenLeaveNoZombies) {
   // A zombie would still be there for kill; a child that the system has reaped is not.
   for (const pid_t child : children) {
     ASSERT_GT(child, 0);
-    for (int tries = 0; kill(child, 0) == 0; tries++) {
-      ASSERT_LT(tries, 5000) << "child " << child << " does not go";
-      usleep(2000);
-    }
+    EXPECT_TRUE(WaitFor([child] { return kill(child, 0) != 0; })) << "child " << child << " stays";
   }
   EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
   EXPECT_EQ(errno, ECHILD);
@@ -250,7 +250,7 @@ TEST_F(ChildTest, ChildrenOfChildrenAreReapedAsUsual) {
   testing::WriteText(directory / "script", "sh -c 'exit 7'\necho $? > " + (directory / "status"));
   const pid_t child = StartCommandLine(("sh " + (directory / "script")).c_str(), kPrefix);
   ASSERT_GT(child, 0);
-  for (int tries = 0; kill(child, 0) == 0 && tries < 5000; tries++) usleep(2000);
+  EXPECT_TRUE(WaitFor([child] { return kill(child, 0) != 0; }));
   EXPECT_EQ(testing::ReadText(directory / "status"), "7\n");
 }
 

@@ -10,13 +10,14 @@
 
 #include "core/gromlit.h"
 #include "core/strings.h"
+#include "tests/support/captured.h"
 #include "tests/support/recording.h"
 
 namespace gromlit {
 namespace {
 
+using testing::Captured;
 using testing::RecordOf;
-using testing::StandardError;
 
 class LaunchTest : public ::testing::Test {
  protected:
@@ -90,14 +91,14 @@ TEST_F(LaunchTest, SoundCommandThatFillsItsFieldIsReadToItsEnd) {
 
 TEST_F(LaunchTest, SoundCommandThatIsMissingIsReportedByTheChild) {
   Sound("/nonexistent/player %s");
-  const StandardError error;
+  const Captured error(STDERR_FILENO);
   EXPECT_EQ(ExitStatus(PlaySoundFile("a.wav")), 255);
   EXPECT_EQ(error.Text(), "Error in Sound Command: No such file or directory\n");
 }
 
 TEST_F(LaunchTest, EmptySoundCommandStartsNothing) {
   Sound("");
-  const StandardError error;
+  const Captured error(STDERR_FILENO);
   EXPECT_EQ(PlaySoundFile("a.wav"), -1);
   EXPECT_EQ(error.Text(), "Error in Sound Command: No such file or directory\n");
 }
@@ -134,7 +135,7 @@ TEST_F(LaunchTest, UrlOfAnyLength) {
 
 TEST_F(LaunchTest, BrowserThatIsMissingIsReportedByTheChild) {
   Browser("/nonexistent/browser %s");
-  const StandardError error;
+  const Captured error(STDERR_FILENO);
   EXPECT_EQ(ExitStatus(LaunchBrowserURL("example.org")), 255);
   EXPECT_EQ(error.Text(), "Error in Website Command: No such file or directory\n");
 }

@@ -8,6 +8,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <exception>
 #include <functional>
 #include <string>
 
@@ -29,7 +30,12 @@ inline ChildResult RunInChild(const std::function<int()>& body) {
   if (child == 0) {
     dup2(out[1], STDOUT_FILENO);
     dup2(err[1], STDERR_FILENO);
-    const int status = body();
+    int status = -1;
+    try {
+      status = body();
+    } catch (const std::exception& problem) {  // would run the tests on in the child
+      std::fprintf(stderr, "%s\n", problem.what());
+    }
     std::fflush(nullptr);
     _exit(status);
   }

@@ -14,6 +14,7 @@
 
 #include "core/plugin_image.h"
 #include "core/strings.h"
+#include "tests/support/captured.h"
 #include "tests/support/temp_install.h"
 #include "tests/unit/core/child.h"
 #include "tests/unit/core/plugin_sample.h"
@@ -22,11 +23,11 @@ namespace gromlit {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::CaptureStderr;
+using testing::CaptureStdout;
 using ::testing::Each;
-using ::testing::internal::CaptureStderr;
-using ::testing::internal::CaptureStdout;
-using ::testing::internal::GetCapturedStderr;
-using ::testing::internal::GetCapturedStdout;
+using testing::GetCapturedStderr;
+using testing::GetCapturedStdout;
 using namespace gromlit::testing;
 
 constexpr const char* kActionError = "Error reading Plugin Actions\n";

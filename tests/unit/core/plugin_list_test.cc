@@ -14,6 +14,7 @@
 #include "core/plugin_pages.h"
 #include "core/retired.h"
 #include "core/strings.h"
+#include "tests/support/captured.h"
 #include "tests/support/temp_install.h"
 #include "tests/unit/core/child.h"
 #include "tests/unit/core/plugin_sample.h"
@@ -22,10 +23,10 @@ namespace gromlit {
 namespace {
 
 namespace fs = std::filesystem;
-using ::testing::internal::CaptureStderr;
-using ::testing::internal::CaptureStdout;
-using ::testing::internal::GetCapturedStderr;
-using ::testing::internal::GetCapturedStdout;
+using testing::CaptureStderr;
+using testing::CaptureStdout;
+using testing::GetCapturedStderr;
+using testing::GetCapturedStdout;
 using namespace gromlit::testing;
 
 using V = std::vector<std::string>;

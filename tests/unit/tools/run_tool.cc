@@ -1,41 +1,25 @@
 #include "tests/unit/tools/run_tool.h"
 
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <cstdlib>
-
-#include "tests/support/temp_install.h"
+#include "tests/support/files.h"
+#include "tests/support/process.h"
 #include "tests/unit/core/golden.h"
 
 namespace gromlit::testing {
 
 ToolResult RunTool(const std::vector<std::string>& arguments, const std::string& input,
                    const std::string& output, const std::function<void()>& prepare) {
-  const TempInstall scratch;
+  const TempDir scratch;
   WriteText(scratch / "in", input);
-  std::vector<char*> argv = {const_cast<char*>(GROMLIT_TOOL)};
-  for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
-  argv.push_back(nullptr);
-  const std::string in = scratch / "in";
+  std::vector<std::string> argv = {GROMLIT_TOOL};
+  argv.insert(argv.end(), arguments.begin(), arguments.end());
   const std::string out = output.empty() ? scratch / "out" : output;
-  const std::string err = scratch / "err";
-  const pid_t child = fork();
-  if (child == 0) {
-    unsetenv("DISPLAY");
-    dup2(open(in.c_str(), O_RDONLY), STDIN_FILENO);
-    dup2(open(out.c_str(), O_WRONLY | O_CREAT, 0600), STDOUT_FILENO);
-    dup2(open(err.c_str(), O_WRONLY | O_CREAT, 0600), STDERR_FILENO);
-    if (prepare) prepare();
-    execv(argv[0], argv.data());
-    _exit(127);
-  }
-  int status = 0;
-  EXPECT_EQ(waitpid(child, &status, 0), child);
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
-          output.empty() ? ReadText(out) : "", ReadText(err)};
+  Process tool({.argv = argv,
+                .input = scratch / "in",
+                .output = out,
+                .error = scratch / "err",
+                .environment = {"DISPLAY"}});
+  const int status = tool.Wait(std::chrono::seconds(100));
+  return {status, output.empty() ? ReadText(out) : "", ReadText(scratch / "err")};
 }
 
 namespace {

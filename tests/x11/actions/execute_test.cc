@@ -21,6 +21,7 @@
 #include "actions/keystrokes.h"
 #include "core/strings.h"
 #include "display/modes.h"
+#include "tests/support/captured.h"
 #include "tests/support/recording.h"
 #include "tests/x11/actions/key_probe.h"
 
@@ -29,11 +30,11 @@ namespace {
 
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
+using testing::Captured;
 using testing::KeyProbe;
 using testing::KeySeen;
 using testing::Recording;
 using testing::RecordOf;
-using testing::StandardError;
 using testing::Strokes;
 
 constexpr const char* kRedirect =
@@ -257,7 +258,7 @@ TEST_F(ExecuteTest, UncheckedTextThatNamesAFileIsTypedItself) {
 
 TEST_F(ExecuteTest, EmptyOrMissingTextFileSendsNothing) {
   testing::WriteText(*install / "empty", "");
-  const StandardError error;
+  const Captured error(STDERR_FILENO);
   for (const std::string& name : {*install / "empty", *install / "missing", std::string()}) {
     Run(Command(kText, name.c_str(), 1));
     EXPECT_EQ(Seen(), std::vector<KeySeen>{}) << name;
@@ -401,7 +402,7 @@ TEST_F(ExecuteTest, ProgramsGetNoConnectionToTheServer) {
 TEST_F(ExecuteTest, ProgramsThatCannotStartAreReportedAndTheRestRuns) {
   CopyText(user->sndcmd, "/nonexistent/player %s");
   CopyText(user->urlcmd, "/nonexistent/browser %s");
-  const StandardError error;
+  const Captured error(STDERR_FILENO);
   const Recording record;
   EXPECT_EQ(RunAction({Command(kRun, "/nonexistent/program"), Command(kSound, "a.wav"),
                        Command(kInternet, "example.org"), Command(kRun, "recorder after"),
@@ -428,7 +429,7 @@ TEST_F(ExecuteTest, ProgramsThatCannotStartAreReportedAndTheRestRuns) {
 
 TEST_F(ExecuteTest, RunWithoutWordsStartsNothingAndSaysSo) {
   for (const char* text : {static_cast<const char*>(nullptr), "", "  \t"}) {
-    const StandardError error;
+    const Captured error(STDERR_FILENO);
     Run(Command(kRun, text));
     EXPECT_EQ(error.Text(), "Error in System Command: No such file or directory\n");
     ExpectNoChild();
@@ -568,7 +569,7 @@ TEST_F(ExecuteTest, UnknownTypesDoNothing) {
   GromlitCmd* const cmd = Command(0, "recorder");
   cmd->nkeys = 1;
   cmd->keycode[0] = 38;
-  const StandardError error;
+  const Captured error(STDERR_FILENO);
   for (int type = 6; type < 256; type++) {
     cmd->type = static_cast<uint8_t>(type);
     EXPECT_EQ(RequestsOf(cmd), 1u) << type;  // the wait before every command

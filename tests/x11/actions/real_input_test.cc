@@ -27,6 +27,7 @@
 #include "actions/typing.h"
 #include "core/option_files.h"
 #include "display/lock_modifiers.h"
+#include "tests/support/captured.h"
 #include "tests/x11/actions/key_probe.h"
 
 namespace gromlit {
@@ -489,9 +490,9 @@ TEST_F(NoXtest, KeysAreSentAndOneLineSaysSo) {
   BuildCharToKeycode();
   KeyProbe probe(server->name(), 100, 100);
   probe.Focus();
-  ::testing::internal::CaptureStderr();
+  testing::CaptureStderr();
   for (int i = 0; i < 2; i++) TypeText({probe.window(), 1, 2, 101, 102}, "a", 1);
-  EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+  EXPECT_EQ(testing::GetCapturedStderr(),
             "The X server has no XTEST; keys and clicks are sent to windows.\n");
   EXPECT_FALSE(MakesClicks());
   XSync(dpy, False);

@@ -9,6 +9,7 @@
 
 #include "core/option_files.h"
 #include "display/x_errors.h"
+#include "tests/support/captured.h"
 
 namespace gromlit {
 namespace {
@@ -134,13 +135,12 @@ TEST_F(DrawButtonTest, PressCaughtJustBeforeTheGrabWasLiftedIsHandedOn) {
 
 TEST_F(DrawButtonTest, ButtonThatWasTakenWhileLiftedIsReported) {
   ASSERT_TRUE(GrabDrawButton(3));
-  ::testing::internal::CaptureStdout();
+  testing::CaptureStdout();
   {
     const DrawButtonLifted lifted;
     OtherGrabs(3);
   }
-  EXPECT_EQ(::testing::internal::GetCapturedStdout(),
-            "Drawing Button used by another application.\n");
+  EXPECT_EQ(testing::GetCapturedStdout(), "Drawing Button used by another application.\n");
   EXPECT_EQ(GrabbedDrawButton(), 0);
 }
 

@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "display/draw_button.h"
+#include "tests/support/captured.h"
 #include "toolkit/event_loop.h"
 
 namespace gromlit {
@@ -84,14 +85,14 @@ TEST_F(EventLoopTest, WhatIsLeftOfAnEarlierStrokeStaysBeforeThePress) {
 }
 
 TEST_F(EventLoopTest, ARefusedButtonIsAskedForWhileNothingHappens) {
-  ::testing::internal::CaptureStdout();
+  testing::CaptureStdout();
   {
     const DrawButtonLifted lifted;
     XGrabButton(player->display(), 3, 0, root, False, ButtonPressMask, GrabModeAsync, GrabModeAsync,
                 0, 0);
     XSync(player->display(), False);
   }
-  ::testing::internal::GetCapturedStdout();
+  testing::GetCapturedStdout();
   AskForDrawButton();
   ASSERT_EQ(GrabbedDrawButton(), 0);
   XUngrabButton(player->display(), 3, 0, root);

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 
+#include "tests/support/captured.h"
 #include "toolkit/button.h"
 #include "toolkit/dialog.h"
 #include "toolkit/menu_bar.h"
@@ -26,9 +27,9 @@ class MissingFontTest : public testing::MenuFixture {
     for (GC gc : {buttongc, logogc, txtgc}) XFreeGC(dpy, gc);
     for (XFontStruct* font : {txtFontinfo, labelFontinfo, logoFontinfo}) XFreeFont(dpy, font);
     txtFont = labelFont = logoFont = None;
-    ::testing::internal::CaptureStdout();
+    testing::CaptureStdout();
     LoadFonts();
-    messages = ::testing::internal::GetCapturedStdout();
+    messages = testing::GetCapturedStdout();
     MakeContexts();
     ih = RowHeight(labelFontinfo);
   }

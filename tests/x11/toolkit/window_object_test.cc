@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "display/display.h"
+#include "tests/support/captured.h"
 #include "tests/x11/toolkit/request_cost.h"
 #include "toolkit/child_window.h"
 
@@ -166,9 +167,9 @@ TEST_F(WindowObjectTest, AnUnsetSlotDoesNothing) {
   const Window window = Fresh();
   probe.wobj = AllocWindowObj(window, &probe);
   On<Expose, NoteEvent>(&probe);
-  ::testing::internal::CaptureStdout();
+  testing::CaptureStdout();
   Dispatch(window, MotionNotify);
-  EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
+  EXPECT_EQ(testing::GetCapturedStdout(), "");
   EXPECT_EQ(probe.calls, 0);
 }
 
@@ -198,11 +199,11 @@ TEST_F(WindowObjectTest, AnEventOfUnknownTypeGoesToTheHandlerOfTheOneBefore) {
   On<KeyPress, NoteOther>(&other);
   Dispatch(window, KeyPress);
   ASSERT_EQ(probe.calls, 1);
-  ::testing::internal::CaptureStdout();
+  testing::CaptureStdout();
   Dispatch(elsewhere, 35);  // the handler keeps its own owner, whatever the window is
   Dispatch(elsewhere, 99);
   Dispatch(elsewhere, 0);
-  EXPECT_EQ(::testing::internal::GetCapturedStdout(),
+  EXPECT_EQ(testing::GetCapturedStdout(),
             "Unknown event type 35\nUnknown event type 99\nUnknown event type 0\n");
   EXPECT_EQ(probe.calls, 4);
   EXPECT_EQ(probe.lasttype, 0);

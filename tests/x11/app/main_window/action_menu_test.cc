@@ -4,6 +4,7 @@
 #include <cstring>
 #include <random>
 
+#include "tests/support/captured.h"
 #include "tests/x11/toolkit/request_cost.h"
 
 namespace gromlit {
@@ -40,9 +41,9 @@ class ActionMenuTest : public testing::MainWindowFixture {
   // Runs something that fails, and swallows what it says on the error stream.
   template <typename Operation>
   static void Quietly(Operation op) {
-    ::testing::internal::CaptureStderr();
+    testing::CaptureStderr();
     op();
-    ::testing::internal::GetCapturedStderr();
+    testing::GetCapturedStderr();
   }
 };
 
@@ -219,9 +220,9 @@ TEST_F(ActionMenuTest, ADeleteThatCannotBeSavedLeavesTheActionAndTellsTheUser) {
   GromlitPlugin* plugin = ShowNew(4);
   ClickCell(1);
   BlockFile(plugin);
-  ::testing::internal::CaptureStderr();
+  testing::CaptureStderr();
   Run(popDeleteAction);
-  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "Save Plugin: Is a directory\n");
+  EXPECT_EQ(testing::GetCapturedStderr(), "Save Plugin: Is a directory\n");
   Pump();
   EXPECT_EQ(ShownFailure(), "The action was not deleted./Is a directory.");
   GiveFileBack(plugin);

@@ -8,6 +8,7 @@
 
 #include "actions/execute.h"
 #include "display/x_handles.h"
+#include "tests/support/captured.h"
 #include "tests/x11/toolkit/request_cost.h"
 #include "toolkit/logo.h"
 #include "toolkit/menu_bar.h"
@@ -661,10 +662,10 @@ TEST_F(GromlitAppTest, ADamagedPluginShowsWhatCouldBeRead) {
   testing::WriteBytes(FileOf(plugin), file);
   LoadPlugins();
   GetDefaultPlugin();
-  ::testing::internal::CaptureStdout();
+  testing::CaptureStdout();
   UpdateGromlitApp(app, "Edit.edit", nullptr);
   std::fflush(stdout);
-  EXPECT_EQ(::testing::internal::GetCapturedStdout(), "Error reading Plugin Actions\n");
+  EXPECT_EQ(testing::GetCapturedStdout(), "Error reading Plugin Actions\n");
   DrawGromlitApp(app);
   EXPECT_EQ(app->nicons, 6);
 }

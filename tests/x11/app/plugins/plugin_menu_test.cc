@@ -9,6 +9,7 @@
 #include <set>
 
 #include "display/x_handles.h"
+#include "tests/support/captured.h"
 
 namespace gromlit {
 namespace {
@@ -437,9 +438,9 @@ TEST_F(PluginMenuTest, AFileThatCannotBeDeletedLeavesEverythingAndTellsTheUser) 
   UpdatePluginsMenu();
   app->selected = 2;
   BlockFile(plugin);
-  ::testing::internal::CaptureStderr();
+  testing::CaptureStderr();
   EXPECT_EQ(DeletePlugin(plugin, plugin->classname), 0);
-  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "Delete Plugin: Is a directory\n");
+  EXPECT_EQ(testing::GetCapturedStderr(), "Delete Plugin: Is a directory\n");
   Pump();
   EXPECT_EQ(testing::ShownFailure(), "The plug-in was not deleted./Is a directory.");
   GiveFileBack(plugin);

@@ -20,6 +20,7 @@
 #include "core/strings.h"
 #include "display/draw_button.h"
 #include "display/x_handles.h"
+#include "tests/support/captured.h"
 #include "tests/x11/toolkit/request_cost.h"
 #include "toolkit/child_window.h"
 
@@ -27,12 +28,12 @@ namespace gromlit {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::CaptureStderr;
+using testing::CaptureStdout;
 using testing::Cost;
 using testing::CostOf;
-using ::testing::internal::CaptureStderr;
-using ::testing::internal::CaptureStdout;
-using ::testing::internal::GetCapturedStderr;
-using ::testing::internal::GetCapturedStdout;
+using testing::GetCapturedStderr;
+using testing::GetCapturedStdout;
 
 int changes;         // calls of drawButtonChanged
 int buttonatchange;  // user->button at the last one

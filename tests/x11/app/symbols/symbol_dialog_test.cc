@@ -1,6 +1,7 @@
 #include "tests/x11/app/symbol_fixture.h"
 
 #include "app/symbols/symbol_library.h"
+#include "tests/support/captured.h"
 #include "toolkit/image.h"
 
 namespace gromlit {
@@ -149,9 +150,9 @@ TEST_F(SymbolDialogTest, ADeletionThatFailsLeavesTheSymbolAndGivesTheReason) {
   std::filesystem::remove(*install / "symbols/Two.sls");
   const auto before = Names();
   AskToDelete("Two");
-  ::testing::internal::CaptureStderr();
+  testing::CaptureStderr();
   ClickOn(confirm->yes);
-  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "Remove Symbol: No such file or directory\n");
+  EXPECT_EQ(testing::GetCapturedStderr(), "Remove Symbol: No such file or directory\n");
   EXPECT_FALSE(Shown(confirm->window));
   EXPECT_EQ(Names(), before);
   EXPECT_EQ(sed->lst->nitems, 3);

@@ -6,6 +6,7 @@
 #include "app/symbols/symbol_editor_buttons.h"
 #include "app/symbols/symbol_library.h"
 #include "app/windows/dialogs.h"
+#include "tests/support/captured.h"
 
 namespace gromlit {
 namespace {
@@ -236,9 +237,9 @@ TEST_F(SymbolEditorNameTest, ASaveThatFailsKeepsTheEditorOpenAndGivesTheReason) 
   Reach(kSymName);
   MoveIn(sed->txt->window, 100, 12);
   TypeText("no/x");
-  ::testing::internal::CaptureStderr();
+  testing::CaptureStderr();
   ClickOn(sed->bsave);
-  const std::string error = ::testing::internal::GetCapturedStderr();
+  const std::string error = testing::GetCapturedStderr();
   EXPECT_EQ(error, "Save Symbol: No such file or directory\n");
   EXPECT_TRUE(Shown(sed->window));
   EXPECT_EQ(sed->state, kSymName);

@@ -3,6 +3,7 @@
 #include "tests/x11/app/command_fixture.h"
 
 #include "app/windows/dialogs.h"
+#include "tests/support/captured.h"
 
 #include <cerrno>
 #include <cstring>
@@ -10,10 +11,10 @@
 namespace gromlit::testing {
 namespace {
 
+using testing::CaptureStderr;
 using ::testing::ElementsAre;
+using testing::GetCapturedStderr;
 using ::testing::HasSubstr;
-using ::testing::internal::CaptureStderr;
-using ::testing::internal::GetCapturedStderr;
 
 class Dialogs : public CommandFixture {
  protected:
