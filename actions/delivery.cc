@@ -13,7 +13,7 @@ constexpr KeyWay kMadeKeys = {MakeStroke, MakeText};
 }  // namespace
 
 bool MakesClicks() {
-  return user != nullptr && DeliveryOf(user) == kRealInput && CanMakeInput();
+  return DeliveryOf(user) == kRealInput && CanMakeInput();
 }
 
 const KeyWay& ChosenKeyWay() {

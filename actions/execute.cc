@@ -8,12 +8,16 @@
 #include <iterator>
 #include <string>
 
+#include "actions/activate.h"
 #include "actions/child.h"
 #include "actions/keystrokes.h"
 #include "actions/launch.h"
 #include "actions/real_input.h"
+#include "actions/stroke.h"
 #include "actions/typing.h"
+#include "actions/window_actions.h"
 #include "core/command_types.h"
+#include "core/option_files.h"
 #include "core/strings.h"
 #include "display/display.h"
 #include "display/draw_button.h"
@@ -97,18 +101,20 @@ void Run(const Running& r) {
     keyword.run();
     return;
   }
+  if (RunWindowAction(text)) return;
   StartCommandLine(text, "Error in System Command");
 }
 
-// Every address goes through the web service, which redirects to the site. What the user typed is
-// not encoded; the class, which a window chose, is.
+// Every address goes through the web service, which redirects to the site, unless the options
+// choose otherwise; a forum is a page of that service. What the user typed is not encoded; the
+// class, which a window chose, is.
 void Browse(const Running& r) {
   std::string url;
   if (r.cmd->checked != 0) {
     url = GromlitForumURLprefix;
     url += EncodeForAddress(FieldText(r.pin->classname));
     url += "&uargs=";
-  } else {
+  } else if (!Chosen(user, kOpenDirectly)) {
     url = GromlitRedirectURLprefix;
   }
   url += r.text;
@@ -133,6 +139,8 @@ int ExecuteAction(GromlitPlugin* pin, GromlitAction* sa, Window mwin, Window kwi
   // until it is over.
   const DrawButtonLifted lifted;
   ExecutingPlugin = pin;
+  // The program's own windows are not for keys, and hear of their focus themselves.
+  if (Chosen(user, kActivateFirst) && !currentStroke.own) Activate(currentStroke.client);
   const uint32_t n = std::min<uint32_t>(sa->ncmds, kMaxCommands);
   for (uint32_t i = 0; i < n; i++) {
     if (sa->cmds[i] == nullptr) continue;

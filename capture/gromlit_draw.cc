@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "actions/delivery.h"
+#include "actions/stroke.h"
 #include "app/main_window/find_new_plugin.h"
 #include "app/main_window/shown_plugin.h"
 #include "app/symbols/drawn_symbol.h"
@@ -276,8 +277,10 @@ void Capture::Recognise(GromlitPlugin* plugin) {
   if (plugin == nullptr) return;
   // The trail stays until the action is over, which may take seconds.
   LetPointerThrough(trail_);
+  currentStroke = {target_.client, own_};
   PluginMatch(plugin, npoints_, xbuffer_.data(), ybuffer_.data(), target_.click, target_.key,
               target_.winx, target_.winy, press_.x_root, press_.y_root);
+  currentStroke = {};
 }
 
 long TrailMask() {

@@ -62,11 +62,11 @@ GromlitUserOptions* GetUserOptions() {
 }
 
 Delivery DeliveryOf(const GromlitUserOptions* usr) {
-  return usr->temp1 == kRealInput ? kRealInput : kSentEvents;
+  return usr != nullptr && usr->temp1 == kRealInput ? kRealInput : kSentEvents;
 }
 
 bool Chosen(const GromlitUserOptions* usr, Behaviour bit) {
-  return (usr->temp2 & bit) != 0;
+  return usr != nullptr && (usr->temp2 & bit) != 0;
 }
 
 MatchingWay MatchingWayOf(const GromlitUserOptions* usr) {

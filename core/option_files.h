@@ -28,7 +28,8 @@ GromlitUserOptions* GetUserOptions();
 
 // What a user may choose beyond the behaviour of a run without an options file, kept in reserved
 // fields. A value that is not listed acts as 0 and an unknown bit does nothing; both are saved as
-// they were read, so that a file of a later version survives an earlier one.
+// they were read, so that a file of a later version survives an earlier one. Without a record
+// nothing is chosen.
 
 // `temp1`: how keys and clicks reach an application.
 enum Delivery : int32_t {

@@ -101,8 +101,7 @@ unsigned DrawLocks() {
 }
 
 void RenewDrawLocks() {
-  const bool chosen = user != nullptr && Chosen(user, kDrawWithLocks);
-  const unsigned wanted = chosen ? ReadModifierMap().locks : 0;
+  const unsigned wanted = Chosen(user, kDrawWithLocks) ? ReadModifierMap().locks : 0;
   if (wanted == locks) return;
   // The button alone stays grabbed all the time.
   for (unsigned with = grabbed != 0 ? locks : 0; with != 0; with = NextCombination(with, locks)) {
