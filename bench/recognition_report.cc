@@ -8,7 +8,9 @@
 #include <map>
 #include <memory>
 #include <random>
+#include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "bench/protractor.h"
@@ -258,7 +260,7 @@ void PrintOwnHand(const RecordedSet& set) {
   Head("The person's own hand, medium speed, samples chosen at random, ten times",
        {"samples", "shape, Medium", "shape, Very high", "Protractor", "signatures"});
   std::mt19937 random(kSeed);
-  for (const size_t samples : {1, 3, 5, 9}) {
+  for (const size_t samples : {1U, 3U, 5U, 9U}) {
     Count medium;
     Count nearest;
     Count protractor;
