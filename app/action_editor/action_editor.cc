@@ -101,7 +101,7 @@ void DrawNotice(ActionEditor* editor, int x, int baseline) {
   const int room = kWidth - kMargin - x;
   const std::string name = "\"" + std::string(FieldText(editor->taker)) + "\"";
   for (const std::string& line : {std::string("This action will never run:"), name,
-                                  std::string("comes first and takes all its strokes.")}) {
+                                  std::string("before it takes all its strokes.")}) {
     DrawText(editor->window, editor->gc, x, baseline, FittingText(txtFontinfo, line, room));
     baseline += txtCharht;
   }

@@ -139,6 +139,17 @@ class JourneyTest : public testing::FrontEnd {
   void FindEverythingAfterARestart();
   void DeleteEverything();
 
+  // Goes as a hand does, over everything that lies on the way.
+  void Stroll(const std::vector<Point>& corners) {
+    constexpr int kStep = 20;
+    for (const Point& to : corners) {
+      const testing::Player::Pointer from = player->Where();
+      const int steps = 1 + std::max(std::abs(to.x - from.x), std::abs(to.y - from.y)) / kStep;
+      for (int i = 1; i <= steps; i++) {
+        player->MoveTo(from.x + (to.x - from.x) * i / steps, from.y + (to.y - from.y) * i / steps);
+      }
+    }
+  }
   // Gives the keyboard to the application, as a click into it does.
   void FocusProbe() {
     ClickIn(probe_->window(), 20, 250);
@@ -215,6 +226,10 @@ void JourneyTest::MakeThePlugIn() {
 }
 
 void JourneyTest::MakeAnActionOfAllTypes() {
+  // On its way back the pointer has crossed the desktop, whose plug-in is shown now.
+  Stroll({Point{1000, 200}, Point{1000, 990}, Point{300, 990}, Point{300, 600}});
+  ChoosePulldown(PluginButton(), 0);
+  EXPECT_TRUE(WaitFor([this] { return Reads(PluginButton(), kClass); }));
   Choose(Title::kAction, testing::kActionNew);
   const Window editor = ActionEditor();
   AddCommand(editor, kHotKey, "s");

@@ -371,5 +371,21 @@ TEST_F(AppTrackTest, WindowThatIsGoneBeforeItsCreationIsHandledDoesNoHarm) {
   EXPECT_EQ(app->plugin, edit);
 }
 
+TEST_F(AppTrackTest, TheScreensSizeIsReported) {
+  Follow();
+  XWindowAttributes attributes{};
+  XGetWindowAttributes(dpy, root, &attributes);
+  EXPECT_NE(attributes.your_event_mask & StructureNotifyMask, 0);
+  XEvent event{};
+  event.xconfigure.type = ConfigureNotify;
+  event.xconfigure.event = root;
+  event.xconfigure.window = root;
+  event.xconfigure.width = 800;
+  event.xconfigure.height = 600;
+  DispatchEvent(&event);
+  EXPECT_EQ(screenwidth, 800);
+  EXPECT_EQ(screenheight, 600);
+}
+
 }  // namespace
 }  // namespace gromlit

@@ -383,5 +383,34 @@ TEST_F(DialogTest, DrawingCostsNoRoundTrip) {
   EXPECT_EQ(CostOf([&] { MakeDialog("Confirm", kMsgs, NoteYes, 0, 0); }), (Cost{6, 0}));
 }
 
+// What the server says of the root window when the screen gets another size; of other windows it
+// says the same when they are moved.
+TEST_F(DialogTest, ItStaysOnAScreenThatHasBecomeSmaller) {
+  const char* lines[] = {"One line", nullptr};
+  XDialog* dlog = MakeMsgDialog("Small", lines, 0, 0);
+  XEvent event{};
+  event.xconfigure.type = ConfigureNotify;
+  event.xconfigure.event = root;
+  event.xconfigure.window = top;
+  event.xconfigure.width = 10;
+  event.xconfigure.height = 10;
+  FollowScreenSize(nullptr, &event);
+  EXPECT_EQ(screenwidth, 1280);
+  EXPECT_EQ(screenheight, 1024);
+  event.xconfigure.window = root;
+  event.xconfigure.width = 640;
+  event.xconfigure.height = 480;
+  event.xconfigure.send_event = True;
+  FollowScreenSize(nullptr, &event);
+  EXPECT_EQ(screenwidth, 1280) << "anybody can send that";
+  event.xconfigure.send_event = False;
+  FollowScreenSize(nullptr, &event);
+  PopUpDialog(dlog, "Small", 1270, 1020);
+  Pump();
+  const testing::Place small = PlaceOf(dlog->window);
+  EXPECT_EQ(small.x + small.width, 640);
+  EXPECT_EQ(small.y + small.height, 480);
+}
+
 }  // namespace
 }  // namespace gromlit

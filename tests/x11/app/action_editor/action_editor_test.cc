@@ -146,7 +146,9 @@ TEST_F(ActionEditorTest, DrawsItsTexts) {
   const auto shows = [](const char* text, int x, int baseline) {
     return ShowsText(act->window, text, x, baseline, TextWidth(txtFontinfo, text) + 12);
   };
-  EXPECT_TRUE(shows("Edit PlugIn Action:", 16, 96));
+  // A blank is as wide as the gap before the plug-in's name.
+  const std::string heading = "Edit PlugIn Action: " + std::string(plugin->appname);
+  EXPECT_TRUE(shows(heading.c_str(), 16, 96));
   EXPECT_TRUE(shows("Name: ", w + 32, 96));
   EXPECT_TRUE(shows("Symbol: ", w + 176, 96));
   EXPECT_TRUE(shows("Commands: ", 16, 300));

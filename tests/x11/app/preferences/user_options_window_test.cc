@@ -477,8 +477,8 @@ TEST_F(UserOptionsTest, DefaultsFollowedByCancelLeavesTheOptionsInForce) {
   XSync(player->display(), True);
   Click(opt->bdefaults->window);
   XEvent event;
-  EXPECT_TRUE(XCheckTypedEvent(player->display(), UnmapNotify, &event)) << "hidden ...";
-  EXPECT_TRUE(XCheckTypedEvent(player->display(), MapNotify, &event)) << "... and shown again";
+  EXPECT_FALSE(XCheckTypedEvent(player->display(), UnmapNotify, &event))
+      << "a window manager may not show it again";
   EXPECT_TRUE(Viewable(opt->window));
   EXPECT_STREQ(opt->button->label, "Right");
   EXPECT_STREQ(opt->tolerance->label, "Medium");
