@@ -268,13 +268,8 @@ TEST_P(GestureStormTest, EveryStrokeAndEveryClickIsActedOnAsWhatItWas) {
   MakeApps();
   if (HasFailure()) return;
   StartGromlit();
-  const Window main = MainWindow();
-  XWithdrawWindow(player->display(), main, 0);
-  ASSERT_TRUE(WaitFor([&] {
-    XWindowAttributes attributes{};
-    XGetWindowAttributes(player->display(), main, &attributes);
-    return attributes.map_state == IsUnmapped;
-  }));
+  HideMainWindow();
+  if (HasFailure()) return;
   for (int i = 0; i < 4; i++)
     busy_.push_back(
         std::make_unique<Process>(std::vector<std::string>{"sh", "-c", "while :; do :; done"}));
@@ -291,13 +286,16 @@ TEST_P(GestureStormTest, EveryStrokeAndEveryClickIsActedOnAsWhatItWas) {
     if (!wrong.empty()) {
       lost++;
       ADD_FAILURE() << "gesture " << i << " on application " << app << ", seed " << seed << ": "
-                    << wrong;
+                    << wrong << "\n"
+                    << WhereItStands();
+      if (const char* directory = std::getenv("GROMLIT_SCREENSHOTS"))
+        testing::SaveScreen(player->display(), std::string(directory) + "/gestures.png");
     }
     ASSERT_TRUE(WaitFor([this] { return Waits(); })) << WhereItStands();
     Got more;
     Collect(&more);
     EXPECT_EQ(more.keys.size() + static_cast<size_t>(more.presses), 0u) << "acted on twice";
-    ASSERT_LT(lost, 10);
+    ASSERT_EQ(lost, 0) << "what comes after it says little";
   }
   std::printf("%d strokes, %d clicks, %d not acted on as what they were\n", strokes, clicks, lost);
   EXPECT_TRUE(PointerBecomesFree());

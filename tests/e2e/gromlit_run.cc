@@ -275,6 +275,22 @@ Window GromlitRun::MainWindow() {
   return FindClient(player->display(), "Gromlit.Application", false);
 }
 
+Window GromlitRun::HideMainWindow() {
+  Window main = 0;
+  // A window manager that just puts it into its frame hides it from a search.
+  EXPECT_TRUE(WaitFor([&] { return (main = MainWindow()) != 0; }));
+  const auto in_state = [&](int state) {
+    XWindowAttributes attributes{};
+    XGetWindowAttributes(player->display(), main, &attributes);
+    return attributes.map_state == state;
+  };
+  // Not before it has come: a window manager takes its time.
+  EXPECT_TRUE(WaitFor([&] { return in_state(IsViewable); }));
+  XWithdrawWindow(player->display(), main, 0);
+  EXPECT_TRUE(WaitFor([&] { return in_state(IsUnmapped); }));
+  return main;
+}
+
 Command GromlitRun::Touch(const std::string& name) const {
   return {kRun, "touch " + MarkFile(name)};
 }

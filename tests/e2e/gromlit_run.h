@@ -137,6 +137,9 @@ class GromlitRun : public ::testing::Test {
   std::vector<Window> MappedOverlays();
   // The main window, found by its class hint.
   Window MainWindow();
+  // Takes the main window off the screen and returns it: a click there opens a menu, which keeps
+  // the pointer until something is chosen.
+  Window HideMainWindow();
 
   std::string MarkFile(const std::string& name) const { return *install / name; }
   // A Run command that makes the file NAME below the installation directory.

@@ -54,7 +54,7 @@ class StormTest : public testing::GromlitRun {
         install->path(),
         std::vector<std::string>{"--class", "Other", "other", "--geometry", "300x300+950+600"});
     StartGromlit();
-    HideMainWindow();
+    main_ = HideMainWindow();
   }
   // One thing that a hand does.
   void Hand() {
@@ -106,20 +106,6 @@ class StormTest : public testing::GromlitRun {
       player->Release(button);
       down_ &= ~(1U << button);
     }
-  }
-  // Takes the main window off the screen: a click there opens a menu, which keeps the pointer until
-  // something is chosen.
-  void HideMainWindow() {
-    const Window main = main_ = MainWindow();
-    ASSERT_NE(main, 0u);
-    const auto in_state = [&](int state) {
-      XWindowAttributes attributes{};
-      XGetWindowAttributes(player->display(), main, &attributes);
-      return attributes.map_state == state;
-    };
-    ASSERT_TRUE(WaitFor([&] { return in_state(IsViewable); }));
-    XWithdrawWindow(player->display(), main, 0);
-    ASSERT_TRUE(WaitFor([&] { return in_state(IsUnmapped); }));
   }
 
   unsigned seed_ = 0;
