@@ -17,6 +17,7 @@ using testing::kDown;
 using testing::kRight;
 using testing::Point;
 using testing::ProbeClient;
+using testing::Title;
 using testing::WaitFor;
 
 const std::vector<std::string> kNeeded = {"openbox", "twm", "icewm", "i3"};
@@ -151,6 +152,37 @@ TEST_P(WindowManagersTest, PickingTakesTheApplicationInTheFrame) {
   player->Click(1);
   EXPECT_TRUE(WaitFor([this] { return PickLabel() == 0; }));
   EXPECT_TRUE(WaitFor([this] { return fs::exists(*install / "plugins/Other.other.sla"); }));
+}
+
+// A window manager may take the unmapping of a window for its owner's withdrawing it, and act on
+// that after the window has been mapped again.
+TEST_P(WindowManagersTest, WindowsThatAreOpenStayWhenTheyAreShownAnew) {
+  if (std::string(GetParam()) == "metacity")
+    GTEST_SKIP() << "the test sees no button come up there";
+  const auto unmapped = [this](Window window) {
+    XSync(player->display(), False);
+    int times = 0;
+    XEvent event;
+    while (XCheckTypedWindowEvent(player->display(), window, UnmapNotify, &event)) times++;
+    return times;
+  };
+  Choose(Title::kOptions, testing::kPreferences);
+  const Window preferences = WaitShown("Preferences");
+  XSelectInput(player->display(), preferences, StructureNotifyMask);
+  ClickChild(preferences, 320, 324);  // Defaults
+  ClickChild(preferences, 480, 324);  // Cancel, which is read after it
+  EXPECT_TRUE(WaitHidden("Preferences"));
+  EXPECT_EQ(unmapped(preferences), 1);
+
+  Choose(Title::kSymbol, testing::kSymbolNew);
+  const Window editor = WaitShown("SymbolEditor");
+  XSelectInput(player->display(), editor, StructureNotifyMask);
+  XMoveWindow(player->display(), editor, 20, 500);  // away from the menu bar
+  ASSERT_TRUE(WaitFor([&] { return OriginOf(editor).y > 450; }));
+  Choose(Title::kSymbol, testing::kSymbolNew);
+  ClickChild(editor, 480, BoxOf(editor).height - 40);  // Cancel
+  EXPECT_TRUE(WaitHidden("SymbolEditor"));
+  EXPECT_EQ(unmapped(editor), 1);
 }
 
 INSTANTIATE_TEST_SUITE_P(Over, WindowManagersTest,
