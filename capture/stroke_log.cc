@@ -13,8 +13,8 @@
 #include <string>
 
 #include "core/strings.h"
-#include "core/stroke_log.h"
 #include "recognition/shape_match.h"
+#include "recognition/stroke_log.h"
 #include "recognition/stroke_signature.h"
 
 namespace gromlit {

@@ -80,6 +80,10 @@ void ShowTopLevel(Window window) {
   XMapRaised(dpy, window);
 }
 
+void MapTopLevel(Window window) {
+  XMapWindow(dpy, window);
+}
+
 void ShowTopLevelAnew(Window window) {
   XMapRaised(dpy, window);
   ExposeAll(window);

@@ -35,8 +35,9 @@ Window MakeEditorWindow(const WindowIdentity& identity);
 // manager closes it.
 WindowObj* AllocTopLevelObj(Window window, void* owner);
 
-// Shows a window above all others.
+// Shows a window above all others; MapTopLevel where it lies.
 void ShowTopLevel(Window window);
+void MapTopLevel(Window window);
 
 // Shows a window above all others with everything in it drawn anew. One that is on the screen stays
 // there: unmapped and mapped at once it would go where the window manager takes the first for its

@@ -22,7 +22,7 @@ struct ProcessStart {
   std::string error = {};         // for the standard error; the same
   // NAME=value, on top of the test's own; NAME alone takes a variable away.
   std::vector<std::string> environment = {};
-  std::string directory = {};  // working directory; the test's own when empty
+  std::string directory = {};          // working directory; the test's own when empty
   std::function<void()> prepare = {};  // called in the child right before it becomes the program
 };
 
