@@ -17,7 +17,8 @@ ToolResult RunTool(const std::vector<std::string>& arguments, const std::string&
                 .input = scratch / "in",
                 .output = out,
                 .error = scratch / "err",
-                .environment = {"DISPLAY"}});
+                .environment = {"DISPLAY"},
+                .prepare = prepare});
   const int status = tool.Wait(std::chrono::seconds(100));
   return {status, output.empty() ? ReadText(out) : "", ReadText(scratch / "err")};
 }
