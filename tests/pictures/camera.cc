@@ -6,7 +6,7 @@
 namespace gromlit::testing {
 
 Picture Take(Display* display, const Box& area) {
-  return Take(display, area.x, area.y, area.width, area.height);
+  return TakeScreen(display, area.x, area.y, area.width, area.height);
 }
 
 Picture Sheet(const std::vector<Picture>& pictures, int columns, int gap) {
@@ -25,7 +25,7 @@ Picture Sheet(const std::vector<Picture>& pictures, int columns, int gap) {
   for (const int height : heights) sheet.height += height + gap;
   sheet.width -= gap;
   sheet.height -= gap;
-  constexpr uint32_t kWhite = 0xffffff;
+  constexpr unsigned long kWhite = 0xffffff;
   sheet.pixels.assign(static_cast<size_t>(sheet.width) * static_cast<size_t>(sheet.height), kWhite);
   int top = 0;
   for (int i = 0; i < count; i++) {
@@ -48,7 +48,7 @@ void SavePicture(const Picture& picture, const std::string& path) {
   {
     std::ofstream out(pnm, std::ios::binary);
     out << "P6\n" << picture.width << " " << picture.height << "\n255\n";
-    for (const uint32_t pixel : picture.pixels) {
+    for (const unsigned long pixel : picture.pixels) {
       out.put(static_cast<char>(pixel >> 16 & 0xff));
       out.put(static_cast<char>(pixel >> 8 & 0xff));
       out.put(static_cast<char>(pixel & 0xff));

@@ -130,7 +130,7 @@ void SetClass(Display* display, Window window, std::string classpart, std::strin
   XSetClassHint(display, window, &hint);
 }
 
-Picture Take(Display* display, int x, int y, int width, int height) {
+Picture TakeScreen(Display* display, int x, int y, int width, int height) {
   const int screen = DefaultScreen(display);
   const int left = std::max(x, 0);
   const int top = std::max(y, 0);
@@ -145,15 +145,15 @@ Picture Take(Display* display, int x, int y, int width, int height) {
   picture.pixels.reserve(static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height));
   for (int row = 0; row < picture.height; row++)
     for (int column = 0; column < picture.width; column++)
-      picture.pixels.push_back(static_cast<uint32_t>(XGetPixel(image, column, row) & 0xffffff));
+      picture.pixels.push_back(XGetPixel(image, column, row) & 0xffffff);
   XDestroyImage(image);
   return picture;
 }
 
 void SaveScreen(Display* display, const std::string& path) {
   const int screen = DefaultScreen(display);
-  WriteText(path, PngOf(Take(display, 0, 0, DisplayWidth(display, screen),
-                             DisplayHeight(display, screen))));
+  WriteText(path, PngOf(TakeScreen(display, 0, 0, DisplayWidth(display, screen),
+                                   DisplayHeight(display, screen))));
 }
 
 }  // namespace gromlit::testing

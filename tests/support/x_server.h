@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "tests/support/clients.h"
-#include "tests/support/png.h"
+#include "tests/support/picture.h"
 #include "tests/support/process.h"
 
 namespace gromlit::testing {
@@ -73,7 +73,7 @@ class Player {
 void SetClass(Display* display, Window window, std::string classpart, std::string name);
 
 // The part of this rectangle that lies on the screen, as it is now.
-Picture Take(Display* display, int x, int y, int width, int height);
+Picture TakeScreen(Display* display, int x, int y, int width, int height);
 
 // Saves a picture of the whole screen as PNG, for a person to look at.
 void SaveScreen(Display* display, const std::string& path);

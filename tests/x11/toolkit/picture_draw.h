@@ -4,6 +4,8 @@
 // First: the test library's headers do not stand Xlib's macros.
 #include "tests/x11/toolkit/widget_fixture.h"
 
+#include <X11/Xutil.h>
+
 #include <cstring>
 #include <string>
 

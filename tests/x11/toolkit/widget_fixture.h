@@ -4,92 +4,15 @@
 
 #include "tests/support/x_fixture.h"
 
-#include <X11/Xutil.h>
-
-#include <string>
-#include <vector>
-
 #include "toolkit/child_window.h"
 
 namespace gromlit::testing {
 
-// A rectangle of pixels, 0xrrggbb each. Prints as one letter per pixel, for failure messages.
-struct Picture {
-  int width;
-  int height;
-  std::vector<unsigned long> pixels;
-
-  Picture(int w, int h, unsigned long fill)
-      : width(w), height(h), pixels(static_cast<size_t>(w * h), fill) {}
-  unsigned long& At(int x, int y) { return pixels[static_cast<size_t>(y * width + x)]; }
-  unsigned long At(int x, int y) const { return pixels[static_cast<size_t>(y * width + x)]; }
-  // Draws a horizontal or vertical line from one end to the other, cut at the borders.
-  void Line(unsigned long pixel, int x1, int y1, int x2, int y2) {
-    for (int y = std::min(y1, y2); y <= std::max(y1, y2); y++) {
-      for (int x = std::min(x1, x2); x <= std::max(x1, x2); x++) {
-        if (x >= 0 && x < width && y >= 0 && y < height) At(x, y) = pixel;
-      }
-    }
-  }
-  void Fill(unsigned long pixel, int x, int y, int w, int h) {
-    for (int row = y; row < y + h; row++) Line(pixel, x, row, x + w - 1, row);
-  }
-  // A bevel by its eight lines, one after the other.
-  void Bevel(unsigned long top, unsigned long bottom, int x, int y, int w, int h) {
-    const int r = x + w - 1;
-    const int b = y + h - 1;
-    Line(top, x, y, r, y);
-    Line(top, x, y, x, b);
-    Line(top, x + 1, y + 1, r, y + 1);
-    Line(top, x + 1, y, x + 1, b);
-    Line(bottom, x + 1, b, r, b);
-    Line(bottom, r, y + 1, r, b);
-    Line(bottom, x + 2, b - 1, r, b - 1);
-    Line(bottom, r - 1, y + 2, r - 1, b - 1);
-  }
-  // Number of pixels of this colour in a rectangle.
-  int Count(unsigned long pixel, int x, int y, int w, int h) const {
-    int n = 0;
-    for (int row = y; row < y + h; row++) {
-      for (int column = x; column < x + w; column++) n += At(column, row) == pixel ? 1 : 0;
-    }
-    return n;
-  }
-  bool operator==(const Picture&) const = default;
-};
-
-inline std::ostream& operator<<(std::ostream& out, const Picture& picture) {
-  for (int y = 0; y < picture.height; y++) {
-    out << "\n  ";
-    for (int x = 0; x < picture.width; x++) {
-      const unsigned long p = picture.At(x, y);
-      out << (p == 0xffffff   ? 'W'
-              : p == 0xc0c0c0 ? '.'
-              : p == 0xa8a8a8 ? 'g'
-              : p == 0x707070 ? 'D'
-              : p == 0x000079 ? 'B'
-              : p == 0        ? '#'
-                              : '?');
-    }
-  }
-  return out;
-}
-
-// What another client sees of a rectangle of the screen.
+// What another client sees of a rectangle of the screen, all of which is on it.
 inline Picture TakeScreen(const Player& player, int x, int y, int w, int h) {
-  Picture picture(w, h, 0);
-  XImage* image = XGetImage(player.display(), player.root(), x, y, static_cast<unsigned>(w),
-                            static_cast<unsigned>(h), AllPlanes, ZPixmap);
-  if (image == nullptr) {
-    ADD_FAILURE() << "cannot read the screen";
-    return picture;
-  }
-  for (int row = 0; row < h; row++) {
-    for (int column = 0; column < w; column++) {
-      picture.At(column, row) = XGetPixel(image, column, row) & 0xffffff;
-    }
-  }
-  XDestroyImage(image);
+  Picture picture = TakeScreen(player.display(), x, y, w, h);
+  EXPECT_EQ(picture.width, w) << "cannot read the screen";
+  EXPECT_EQ(picture.height, h);
   return picture;
 }
 

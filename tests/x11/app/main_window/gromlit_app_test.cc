@@ -329,38 +329,6 @@ TEST_F(GromlitAppTest, CrossingsAndMotionDrawNothing) {
             (Cost{0, 0}));
 }
 
-TEST_F(GromlitAppTest, PicturesForLookingAt) {
-  const char* directory = std::getenv("GROMLIT_PICTURES");
-  if (directory == nullptr) GTEST_SKIP() << "GROMLIT_PICTURES names no directory";
-  const char* words[] = {"Copy", "Close window", "Reload", "New tab", "Paste", "Search"};
-  for (int n : {0, 1, 18, 40}) {
-    const std::string number = std::to_string(n);
-    GromlitPlugin* plugin = Plugin("Plugin " + number, "P" + number, n);
-    for (int i = 0; i < n; i++) CopyText(plugin->actions[i]->name, words[i % 6]);
-    Show(plugin);
-    if (n > 0) ClickCell(0);
-    testing::SaveScreen(player->display(), std::string(directory) + "/main-" + number + ".png");
-  }
-  UpdatePluginsMenu();
-  app->sbar->pos = 1000;
-  UpdateScrollbar(app->sbar);
-  Pump();
-  testing::SaveScreen(player->display(), std::string(directory) + "/main-scrolled.png");
-  OpenPopup();
-  MoveToItem(app->popup, 2);
-  testing::SaveScreen(player->display(), std::string(directory) + "/main-popup.png");
-  MoveInApp(app->iconx, 1000);
-  player->Release(3);
-  Pump();
-  MoveInApp(100, app->icony - 14);
-  player->Press(1);
-  Pump();
-  MoveToItem(app->txt->menu, 1);
-  testing::SaveScreen(player->display(), std::string(directory) + "/main-plugins.png");
-  player->Release(1);
-  Pump();
-}
-
 // --- Clicks -----------------------------------------------------------------------------------
 
 TEST_F(GromlitAppTest, AClickSelectsAndAnotherClickMovesTheHighlight) {

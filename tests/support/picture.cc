@@ -1,7 +1,8 @@
-#include "tests/support/png.h"
+#include "tests/support/picture.h"
 
-#include <algorithm>
 #include <array>
+#include <cstdint>
+#include <ostream>
 
 namespace gromlit::testing {
 namespace {
@@ -126,7 +127,7 @@ std::string Rows(const Picture& picture) {
   rows.reserve(picture.pixels.size() * 3 + static_cast<size_t>(picture.height));
   for (size_t i = 0; i < picture.pixels.size(); i++) {
     if (i % width == 0) rows += kUp;
-    const uint32_t above = i < width ? 0 : picture.pixels[i - width];
+    const unsigned long above = i < width ? 0 : picture.pixels[i - width];
     for (int shift = 16; shift >= 0; shift -= 8)
       rows += static_cast<char>((picture.pixels[i] >> shift & 0xff) - (above >> shift & 0xff));
   }
@@ -134,6 +135,23 @@ std::string Rows(const Picture& picture) {
 }
 
 }  // namespace
+
+std::ostream& operator<<(std::ostream& out, const Picture& picture) {
+  for (int y = 0; y < picture.height; y++) {
+    out << "\n  ";
+    for (int x = 0; x < picture.width; x++) {
+      const unsigned long p = picture.At(x, y);
+      out << (p == 0xffffff   ? 'W'
+              : p == 0xc0c0c0 ? '.'
+              : p == 0xa8a8a8 ? 'g'
+              : p == 0x707070 ? 'D'
+              : p == 0x000079 ? 'B'
+              : p == 0        ? '#'
+                              : '?');
+    }
+  }
+  return out;
+}
 
 std::string PngOf(const Picture& picture) {
   if (picture.pixels.empty()) return "";

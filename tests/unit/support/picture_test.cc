@@ -1,4 +1,4 @@
-#include "tests/support/png.h"
+#include "tests/support/picture.h"
 
 #include <gtest/gtest.h>
 
@@ -23,21 +23,16 @@ std::string Decoded(const Picture& picture) {
 
 std::string BytesOf(const Picture& picture) {
   std::string bytes;
-  for (const uint32_t pixel : picture.pixels)
+  for (const unsigned long pixel : picture.pixels)
     for (int shift = 16; shift >= 0; shift -= 8) bytes += static_cast<char>(pixel >> shift & 0xff);
   return bytes;
-}
-
-Picture PictureOf(int width, int height) {
-  return {width, height,
-          std::vector<uint32_t>(static_cast<size_t>(width) * static_cast<size_t>(height))};
 }
 
 TEST(PngTest, AnotherProgramReadsEveryPixel) {
   std::mt19937 random(1);
   for (const auto& [width, height] : {std::pair{1, 1}, {1, 40}, {40, 1}, {53, 31}}) {
-    Picture picture = PictureOf(width, height);
-    for (uint32_t& pixel : picture.pixels) pixel = random() & 0xffffff;
+    Picture picture(width, height, 0);
+    for (unsigned long& pixel : picture.pixels) pixel = random() & 0xffffff;
     EXPECT_EQ(Decoded(picture), BytesOf(picture)) << width << " x " << height;
   }
 }
@@ -45,10 +40,10 @@ TEST(PngTest, AnotherProgramReadsEveryPixel) {
 TEST(PngTest, RunsOfEveryLengthAreRead) {
   // Pixels of one grey are a run of three bytes each; between them, one byte more and two more.
   constexpr int kLongest = 260;
-  Picture picture = PictureOf(3 * kLongest, kLongest);
+  Picture picture(3 * kLongest, kLongest, 0);
   for (int row = 0; row < kLongest; row++) {
-    uint32_t* const pixels = &picture.pixels[static_cast<size_t>(row * picture.width)];
-    const uint32_t grey = row % 2 == 0 ? 0x202020 : 0x909090;
+    unsigned long* const pixels = &picture.pixels[static_cast<size_t>(row * picture.width)];
+    const unsigned long grey = row % 2 == 0 ? 0x202020 : 0x909090;
     for (int column = 0; column <= row; column++) {
       pixels[column] = grey;
       pixels[column + kLongest] = grey;
@@ -61,8 +56,7 @@ TEST(PngTest, RunsOfEveryLengthAreRead) {
 }
 
 TEST(PngTest, PlainPicturesAreSmall) {
-  Picture picture = PictureOf(1280, 1024);
-  std::fill(picture.pixels.begin(), picture.pixels.end(), 0x39506bu);
+  const Picture picture(1280, 1024, 0x39506b);
   EXPECT_LT(PngOf(picture).size(), 40000u);
   EXPECT_EQ(Decoded(picture), BytesOf(picture));
 }
