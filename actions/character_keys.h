@@ -1,6 +1,6 @@
 // Which key gives which character of Unicode on the keyboard in force, and which of its modifiers.
 //
-// The tables of keystrokes.h hold what the stated 7-bit characters are sent with; these know every
+// The tables of keystrokes.h hold what 7-bit characters are sent with; these know every
 // level of every key, so that what stands on the user's keyboard is typed with its own key.
 #pragma once
 

@@ -19,6 +19,7 @@
 #include "actions/child.h"
 #include "actions/execute.h"
 #include "actions/keystrokes.h"
+#include "core/option_files.h"
 #include "core/strings.h"
 #include "display/modes.h"
 #include "tests/support/captured.h"
@@ -345,6 +346,19 @@ TEST_F(ExecuteTest, RunStartsTheCommandLineWithoutAnyQuoting) {
   Run(Command(kRun, "recorder  -x 'a b' \"$HOME\" *.c %s\t~"));
   EXPECT_EQ(record.Wait(1)[0],
             RecordOf({"recorder", "-x", "'a", "b'", "\"$HOME\"", "*.c", "%s", "~"}));
+}
+
+TEST_F(ExecuteTest, InternetOpensThePageItselfWhereThatIsChosen) {
+  Recording record;
+  user->temp2 = kOpenDirectly;
+  Run(Command(kInternet, "example.org/a?b=c"));
+  EXPECT_EQ(record.Wait(1)[0], RecordOf({"recorder", "http://example.org/a?b=c"}));
+  Run(Command(kInternet, "https://example.org"));
+  EXPECT_EQ(record.Wait(2)[1], RecordOf({"recorder", "https://example.org"}));
+  // A forum is a page of the service.
+  Run(Command(kInternet, "topic=7", 1));
+  EXPECT_EQ(record.Wait(3)[2],
+            RecordOf({"recorder", std::string(kForum) + "Navigator&uargs=topic=7"}));
 }
 
 TEST_F(ExecuteTest, InternetOpensTheRedirectPageForTheAddress) {
