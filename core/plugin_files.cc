@@ -120,10 +120,10 @@ bool SetAside(const char* fname) {
 }
 
 // Reads the node's file into pin, once: whatever comes of it, the node then counts as loaded.
-void ReadOnFirstUse(GromlitPluginList* node, GromlitPlugin* pin) {
+void ReadOnFirstUse(GromlitPluginList* node, GromlitPlugin& pin) {
   // Unreadable now though it was listed: the file may hold actions that the record lacks.
-  if (ReadPluginActions(node->filename, pin) == nullptr && pin->damagedfile == nullptr)
-    pin->damagedfile = StrDup(node->filename);
+  if (ReadPluginActions(node->filename, &pin) == nullptr && pin.damagedfile == nullptr)
+    pin.damagedfile = StrDup(node->filename);
   node->loaded = 1;
 }
 
@@ -134,7 +134,7 @@ void EnsureActions(GromlitPlugin* pin) {
   for (auto* node = allPlugins; node->plugin != nullptr; node = node->next) {
     if (node->plugin != pin || node->loaded != 0) continue;
     GromlitPlugin stored{};
-    ReadOnFirstUse(node, &stored);
+    ReadOnFirstUse(node, stored);
     std::copy_n(stored.actions, kMaxActions, pin->actions);
     pin->nactions = stored.nactions;
     pin->damagedfile = stored.damagedfile;
@@ -258,7 +258,7 @@ GromlitPlugin* PluginSave(GromlitPlugin* plugin, const char* name) {
 
 GromlitPluginList* FindPluginNode(const char* classname) {
   GromlitPluginList* node = NodeOf(StoredClass(classname));
-  if (node != nullptr && node->loaded == 0) ReadOnFirstUse(node, node->plugin);
+  if (node != nullptr && node->loaded == 0) ReadOnFirstUse(node, *node->plugin);
   return node;
 }
 

@@ -66,13 +66,13 @@ bool CountsBefore(std::string_view classname, std::string_view name, std::string
 
 std::string StoredName(const GromlitPlugin& pin, const char* fname) {
   const std::string_view classname = FieldText(pin.classname);
-  const std::string stored(FieldText(pin.storedfile));
+  std::string stored(FieldText(pin.storedfile));
   if (!stored.empty() && OwnerOf(stored, classname) != FileOwner::kOtherClass) return stored;
   const std::string base = WithoutSlashes(fname);
   std::string unowned;
   for (int n = 1; n <= kNameVariations; n++) {
     const std::string number = n == 1 ? "" : "_" + std::to_string(n);
-    const std::string name = base + number + GromlitPluginFileExt;
+    std::string name = base + number + GromlitPluginFileExt;
     const FileOwner owner = OwnerOf(name, classname);
     if (owner == FileOwner::kThisClass && !IsSpare(name)) return name;
     if (owner == FileOwner::kNone && unowned.empty()) unowned = name;

@@ -37,6 +37,7 @@ inline constexpr int kShapeStored = kShapeSegments - 1 + kShapeRow;
 
 // What the comparisons need of a shape. Points relative to their centre, the sum of the squares of
 // all coordinates being 1.
+// NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding): its arrays are aligned for vectors.
 struct Shape {
   bool drawable;  // false: all points in one place, or no points; then nothing else is set
   alignas(16) float x[kShapePoints];

@@ -186,10 +186,10 @@ TEST_F(TargetTreesTest, RandomTreesGiveWhatTheLiteralSearchGives) {
     XDestroyWindow(other, top);
   }
   // The trees show something.
-  EXPECT_GT(clicks, kTrees / 4);
-  EXPECT_GT(keys, kTrees / 8);
-  EXPECT_GT(different, kTrees / 20);
-  EXPECT_GT(clients, kTrees / 4);
+  EXPECT_GT(clicks, kTrees / 8);
+  EXPECT_GT(keys, kTrees / 16);
+  EXPECT_GT(different, kTrees / 40);
+  EXPECT_GT(clients, kTrees / 8);
 }
 
 // Whatever is destroyed in the middle: no error, and no window that was gone before the search.
