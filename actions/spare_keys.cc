@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <cstddef>
 #include <vector>
 
 #include "actions/character_keys.h"
@@ -57,12 +58,12 @@ struct Meanings {
   XData<KeySym> symbols;
 
   bool Empty(int code) const {
-    const KeySym* key = symbols.get() + (code - first) * width;
+    const KeySym* key = symbols.get() + ptrdiff_t{code - first} * width;
     return std::all_of(key, key + width, [](KeySym symbol) { return symbol == NoSymbol; });
   }
   bool Means(int code, KeySym symbol) const {
     return code >= first && code <= last && width > 0 &&
-           symbols.get()[(code - first) * width] == symbol;
+           symbols.get()[ptrdiff_t{code - first} * width] == symbol;
   }
 };
 

@@ -116,6 +116,7 @@ int LearnSymbol(const std::string& name, const std::string& output,
     if (!ReadStrokes(path, &strokes)) return kTrouble;
   }
   std::vector<Shape> shapes;
+  shapes.reserve(strokes.size());
   for (const Stroke& stroke : strokes)
     shapes.push_back(ShapeOfPoints(stroke.count, stroke.x, stroke.y));
   const int nearest = NearestSample(shapes);

@@ -24,7 +24,8 @@ std::string askedname;
 
 bool IsListed(std::string_view name) {
   const auto* node = allSymbols;
-  for (int i = 0; i < kChooserSymbols && node->sym != nullptr; i++, node = node->next) {
+  for (int i = 0; i < kChooserSymbols && node != nullptr && node->sym != nullptr;
+       i++, node = node->next) {
     if (FieldText(node->sym->name) == name) return true;
   }
   return false;

@@ -49,7 +49,7 @@ class DeliveryTest : public testing::ShellRun {
     for (const char byte : map) EXPECT_EQ(byte, 0);
   }
   void ExpectText(const std::function<std::string()>& saved, const std::string& expected) {
-    EXPECT_TRUE(WaitFor([&] { return saved() == expected; }, std::chrono::seconds(30)))
+    EXPECT_TRUE(WaitFor([&] { return saved() == expected; }, std::chrono::seconds(100)))
         << saved().substr(0, 400);
   }
   // A stroke types the text, another one saves it.
@@ -78,7 +78,7 @@ class DeliveryTest : public testing::ShellRun {
           Draw({{500, 400}, {500, 650}});
           return WaitFor([&] { return saved() == text; }, std::chrono::seconds(4));
         },
-        std::chrono::seconds(30)))
+        std::chrono::seconds(100)))
         << saved().size() << " of " << text.size() << ": " << saved().substr(0, 400);
     ExpectNothingDown();
     EXPECT_EQ(Out() + Err(), "");
