@@ -79,12 +79,18 @@ class WindowActionsTest : public testing::ShellRun {
   void Launch() {
     gromlit = Start({"-path", install->path()});
     ASSERT_TRUE(WaitFor([this] { return Shown(main_ = MainWindow()); }, std::chrono::seconds(60)));
-    // Each manager puts it where it likes, over the probe, say.
-    XWithdrawWindow(display(), main_, 0);
-    // Its frame is gone when it is back on the root window.
+    // Each manager puts it where it likes, over the probe, say. A manager that is still framing it
+    // may miss that it goes, so it is asked until the frame is gone: the window is back on the
+    // root.
     ASSERT_TRUE(WaitFor([this] {
-      const auto children = testing::ChildrenOf(display(), player->root());
-      return !Shown(main_) && std::find(children.begin(), children.end(), main_) != children.end();
+      XWithdrawWindow(display(), main_, 0);
+      return WaitFor(
+          [this] {
+            const auto children = testing::ChildrenOf(display(), player->root());
+            return !Shown(main_) &&
+                   std::find(children.begin(), children.end(), main_) != children.end();
+          },
+          std::chrono::seconds(1));
     }));
   }
   void Stop() {
