@@ -59,4 +59,8 @@ void GromlitAppTrackCreate(void*, XEvent* event) {
   if (!IsOwnWindow(window)) XSelectInput(dpy, window, EnterWindowMask);
 }
 
+void GromlitAppTrackUnmap(void*, XEvent* event) {
+  if (app != nullptr) NoteFrameGone(event->xunmap);
+}
+
 }  // namespace gromlit

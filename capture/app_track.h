@@ -24,4 +24,8 @@ void GromlitAppTrackEnter(void* obj, XEvent* event);
 // client sent it.
 void GromlitAppTrackCreate(void* obj, XEvent* event);
 
+// UnmapNotify, of any window: the frame of one of the program's windows may go later than the
+// window. Nothing when another client sent it.
+void GromlitAppTrackUnmap(void* obj, XEvent* event);
+
 }  // namespace gromlit

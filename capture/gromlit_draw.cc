@@ -283,6 +283,11 @@ void Capture::Recognise(GromlitPlugin* plugin) {
   currentStroke = {};
 }
 
+void NoteUnmapped(void* obj, XEvent* event) {
+  ReleaseHidden(obj, event);
+  GromlitAppTrackUnmap(obj, event);
+}
+
 long TrailMask() {
   return ButtonToMotionMask(EffectiveButton(user)) | ButtonReleaseMask;
 }
@@ -296,7 +301,7 @@ GromlitDraw* MakeGromlitDraw() {
   On<ButtonPress, GromlitDrawButtonPress>(draw);
   SetHandler(draw->wobj, EnterNotify, GromlitAppTrackEnter);
   SetHandler(draw->wobj, CreateNotify, GromlitAppTrackCreate);
-  SetHandler(draw->wobj, UnmapNotify, ReleaseHidden);
+  SetHandler(draw->wobj, UnmapNotify, NoteUnmapped);
   SetHandler(draw->wobj, ConfigureNotify, FollowScreenSize);
   return draw;
 }

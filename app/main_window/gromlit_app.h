@@ -63,6 +63,7 @@ struct GromlitApp {
   int resting;            // non-zero from then on until the pointer moves; it was at
   int restx;              // (restx, resty) of the root window
   int resty;
+  Window leftframe;  // top-level window that it was in and has not left since; None for none
 };
 
 extern GromlitApp* app;

@@ -37,19 +37,25 @@ GromlitPluginList* UpdateGromlitApp(GromlitApp* gromlit, const char* classname, 
 
 void KeepShownPlugin() {
   if (app == nullptr) return;
-  Window rootwin;
-  Window child;
   int winx;
   int winy;
   unsigned state;
-  app->resting =
-      XQueryPointer(dpy, root, &rootwin, &child, &app->restx, &app->resty, &winx, &winy, &state);
+  Window rootwin;
+  app->leftframe = None;
+  app->resting = XQueryPointer(dpy, root, &rootwin, &app->leftframe, &app->restx, &app->resty,
+                               &winx, &winy, &state);
   app->lifted = NextRequest(dpy);
 }
 
 bool IsUncovering(const XCrossingEvent& crossing) {
   constexpr int kHand = 4;  // pixels that a hand at rest may move
   if (app->lifted != 0 && crossing.serial == app->lifted) return true;
+  // From the window manager's title or edge into the middle of its frame.
+  if (app->leftframe != None && crossing.window == app->leftframe &&
+      crossing.detail == NotifyInferior) {
+    return true;
+  }
+  app->leftframe = None;
   if (app->resting == 0) return false;
   if (std::abs(crossing.x_root - app->restx) <= kHand &&
       std::abs(crossing.y_root - app->resty) <= kHand) {
@@ -57,6 +63,32 @@ bool IsUncovering(const XCrossingEvent& crossing) {
   }
   app->resting = 0;
   return false;
+}
+
+void NoteFrameGone(const XUnmapEvent& gone) {
+  if (gone.send_event != False || app->leftframe == None || gone.window != app->leftframe) return;
+  app->leftframe = None;
+  // The hand may have moved within the frame. The server reports the crossing right behind the
+  // unmapping, before it takes in anything else: with an answer it has arrived, too.
+  XSync(dpy, False);
+  struct Next {
+    bool found;
+    XCrossingEvent crossing;
+  } next{};
+  const auto look = [](Display*, XEvent* event, XPointer arg) -> Bool {
+    auto* first = reinterpret_cast<Next*>(arg);
+    if (event->type == EnterNotify && event->xcrossing.send_event == False && !first->found) {
+      first->found = true;
+      first->crossing = event->xcrossing;
+    }
+    return False;  // every event stays where it is
+  };
+  XEvent event;
+  XCheckIfEvent(dpy, &event, look, reinterpret_cast<XPointer>(&next));
+  if (!next.found) return;
+  app->resting = 1;
+  app->restx = next.crossing.x_root;
+  app->resty = next.crossing.y_root;
 }
 
 PluginView MakePluginView(XButton* button) {

@@ -19,8 +19,14 @@ void KeepShownPlugin();
 
 // Whether the pointer has come into a window because one of the program's went from above it, and
 // not by moving: the same request did both; or, where a window manager takes its frame away later,
-// the pointer is still where it was. REQUIRES: app is not null.
+// the pointer is still where it was, or was within that frame until it went. REQUIRES: app is not
+// null.
 bool IsUncovering(const XCrossingEvent& crossing);
+
+// UnmapNotify of a top-level window: when it is the frame that the pointer is still in, though the
+// window inside it went before, what is below is not followed either. One round trip for that
+// frame, none for others. REQUIRES: app is not null.
+void NoteFrameGone(const XUnmapEvent& gone);
 
 // How the rooms below show plug-ins in `app`; its button is the one given. They do nothing while
 // there is no `app`.

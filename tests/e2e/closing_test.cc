@@ -3,6 +3,7 @@
 #include "tests/e2e/front_end.h"
 
 #include <X11/Xutil.h>
+#include <signal.h>
 
 namespace gromlit {
 namespace {
@@ -171,6 +172,46 @@ TEST_P(ClosingTest, ClosingAnEditorSwitchesNothing) {
   })) << "the pointer is not followed any more";
 }
 
+// The manager stands still for a while.
+class SlowManagerTest : public ClosingTest {};
+
+TEST_P(SlowManagerTest, AFrameThatGoesLateSwitchesNothingAlthoughTheHandMoves) {
+  const Window action = Open("ActionEditor", Title::kAction, testing::kActionNew);
+  const Window cancel = WaitChild(action, 560 - 80, BoxOf(action).height - 40);
+  ASSERT_TRUE(Over(cancel, 30, 12));
+  const std::string raised = Look(cancel);
+  player->Press(1);
+  ASSERT_TRUE(WaitFor([&] { return Look(cancel) != raised; }));
+  const Window frame = player->Where().child;
+  manager->Kill(SIGSTOP);
+  player->Release(1);
+  ASSERT_TRUE(WaitFor([&] { return !Viewable(action); }));
+  // Up and down within the empty frame, whose title is a window of its own, and back into it.
+  const testing::Player::Pointer at = player->Where();
+  const Point top = OriginOf(frame);
+  Trace({{at.x, at.y}, {at.x - 60, top.y + 6}, {at.x - 90, at.y - 60}});
+  ASSERT_EQ(player->Where().child, frame);
+  EXPECT_TRUE(MenuBarAnswers());
+  EXPECT_TRUE(Reads(PluginButton(), "The wanted one")) << "switched by the empty frame";
+  manager->Kill(SIGCONT);
+  ExpectTheWantedOne("the frame has gone");
+
+  // Out of a frame that is still there the hand comes into the application by itself.
+  Open("ActionEditor", Title::kAction, testing::kActionNew);
+  ASSERT_TRUE(Over(cancel, 30, 12));
+  player->Press(1);
+  ASSERT_TRUE(WaitFor([&] { return Look(cancel) != raised; }));
+  manager->Kill(SIGSTOP);
+  player->Release(1);
+  ASSERT_TRUE(WaitFor([&] { return !Viewable(action); }));
+  const Point bottom = {player->Where().x, OriginOf(probe_->window()).y + 890};
+  Trace({{bottom.x, player->Where().y}, bottom});
+  ASSERT_EQ(UnderPointer(), probe_->window());
+  // A manager that composes the screen's picture shows nothing new until it goes on.
+  manager->Kill(SIGCONT);
+  EXPECT_TRUE(WaitFor([this] { return Reads(PluginButton(), "Below the windows"); }));
+}
+
 TEST_P(ClosingTest, TheActionEditorNamesThePlugInAndAnEarlierActionThatTakesEverything) {
   Choose(Title::kAction, testing::kActionNew);
   const Window editor = WaitShown("ActionEditor");
@@ -202,6 +243,8 @@ TEST_P(ClosingTest, TheActionEditorNamesThePlugInAndAnEarlierActionThatTakesEver
 }
 
 INSTANTIATE_TEST_SUITE_P(Managers, ClosingTest, ::testing::Values("", "openbox", "twm"));
+INSTANTIATE_TEST_SUITE_P(Managers, SlowManagerTest,
+                         ::testing::Values("openbox", "twm", "icewm", "xfwm4"));
 
 }  // namespace
 }  // namespace gromlit

@@ -59,7 +59,45 @@ class EndSignalsTest : public testing::FrontEnd, public ::testing::WithParamInte
       EXPECT_TRUE(Appears("started"));
     } else if (standing == "Pick") {
       StartPicking();
+    } else if (standing == "Pulldown") {
+      PressPulldown(WaitChild(preferences_, 16, 100));
+    } else if (standing == "Popup") {
+      OpenPopup(0);
+    } else if (standing == "Button") {
+      const Window ok = WaitChild(preferences_, 560 - 160, BoxOf(preferences_).height - 40);
+      EXPECT_TRUE(PressesAndSees(ok, {30, 12}));
+    } else if (standing == "Thumb") {
+      EXPECT_TRUE(PressesAndSees(Scrollbar(), {7, 20}, 10));
+      EXPECT_TRUE(PressesAndSees(Scrollbar(), {7, 30}, 10));
+    } else if (standing == "Arrow") {
+      HoldBottom(7);
+    } else if (standing == "Trough") {
+      HoldBottom(20);
     }
+  }
+  // Of the main window.
+  Window Scrollbar() {
+    const Window main = MainWindow();
+    return WaitChild(main, BoxOf(main).width - 15 - 4, Cell(0).y - 24);
+  }
+  // Presses where a widget is, unless button 1 is down there, goes so far down, and sees the widget
+  // change.
+  bool PressesAndSees(Window widget, Point at, int down = 0) {
+    const std::string before = Look(widget);
+    if ((player->Where().state & Button1Mask) == 0) {
+      if (!Over(widget, at.x, at.y)) return false;
+      player->Press(1);
+    }
+    const Point origin = OriginOf(widget);
+    player->MoveTo(origin.x + at.x, origin.y + at.y + down);
+    return WaitFor([&] { return Look(widget) != before; });
+  }
+  // Holds the scrollbar so far above its lower end, until it has begun to repeat.
+  void HoldBottom(int above) {
+    const Window bar = Scrollbar();
+    EXPECT_TRUE(PressesAndSees(bar, {7, BoxOf(bar).height - above}));
+    const std::string first = Look(bar);
+    EXPECT_TRUE(WaitFor([&] { return Look(bar) != first; })) << "it does not repeat";
   }
 
   Window preferences_ = 0;
@@ -69,7 +107,10 @@ class EndSignalsTest : public testing::FrontEnd, public ::testing::WithParamInte
 TEST_P(EndSignalsTest, GivesKeyboardAndPointerBack) {
   std::vector<testing::Command> commands = {Touch("started")};
   commands.insert(commands.end(), 40, {kRun, "system:wait"});
-  WritePlugin("Desktop", {{"right", kRight, commands}});
+  // So many that the scrollbar has a way to go.
+  std::vector<testing::Action> actions(60, {"up", testing::kUp, {}});
+  actions[0] = {"right", kRight, commands};
+  for (const char* name : {"Default", "Desktop"}) WritePlugin(name, actions);
   ProbeClient probe(install->path(),
                     {"--class", "Probe", "probe", "--geometry", "300x150+950+700"});
   LaunchInstalled();
@@ -94,7 +135,11 @@ INSTANTIATE_TEST_SUITE_P(Everywhere, EndSignalsTest,
                          ::testing::Values(Standing{"Idle", SIGTERM}, Standing{"Idle", SIGINT},
                                            Standing{"Idle", SIGHUP}, Standing{"Menu", SIGTERM},
                                            Standing{"Stroke", SIGTERM}, Standing{"Action", SIGTERM},
-                                           Standing{"Pick", SIGTERM}),
+                                           Standing{"Pick", SIGTERM}, Standing{"Pulldown", SIGTERM},
+                                           Standing{"Popup", SIGTERM}, Standing{"Button", SIGTERM},
+                                           Standing{"Thumb", SIGTERM}, Standing{"Thumb", SIGINT},
+                                           Standing{"Thumb", SIGHUP}, Standing{"Arrow", SIGTERM},
+                                           Standing{"Trough", SIGTERM}),
                          [](const ::testing::TestParamInfo<Standing>& standing) {
                            return std::string(standing.param.name) +
                                   std::to_string(standing.param.signal);

@@ -212,7 +212,7 @@ std::string GromlitRun::WhereItStands() {
 }
 
 void GromlitRun::Go(Point to) {
-  player->MoveTo(to.x, to.y);
+  hand(to);
   EXPECT_TRUE(WaitFor([&] {
     const Player::Pointer at = player->Where();
     return at.x == to.x && at.y == to.y;

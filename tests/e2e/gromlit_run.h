@@ -11,6 +11,7 @@
 
 #include <X11/keysym.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -121,6 +122,9 @@ class GromlitRun : public ::testing::Test {
   std::string WhereItStands();
   std::string GromlitOutput() const { return ReadText(*install / "gromlit.log"); }
 
+  // How the hand comes to a point of the screen: with one jump, unless a test has it go as a person
+  // does, over all that lies on the way.
+  std::function<void(Point to)> hand = [this](Point to) { player->MoveTo(to.x, to.y); };
   // Moves the pointer and waits until it is there.
   void Go(Point to);
   // Draws with the draw button through these screen points, in steps of `step` pixels; returns when

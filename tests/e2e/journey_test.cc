@@ -28,6 +28,13 @@ constexpr const char* kClass = "Probe.probe";
 const std::vector<Point> kDrawEll = {{940, 150}, {940, 300}, {1090, 300}};
 const std::vector<Point> kDrawRight = {{920, 200}, {1120, 200}};
 
+// What lies on the way from window to window: another application, and the desktop.
+constexpr Point kInOther = {1100, 800};
+constexpr Point kOnDesktop = {640, 1000};
+// The program's windows are narrower than the ways between them, pixels.
+constexpr int kFar = 250;
+constexpr int kStride = 20;
+
 // The types of the six commands after their order was changed.
 constexpr const char* kNewOrder = "Menu HotKey Sound Run Text Internet";
 
@@ -69,6 +76,10 @@ class JourneyTest : public testing::FrontEnd {
     probe_ = std::make_unique<ProbeClient>(
         install->path(), std::vector<std::string>{"--class", "Probe", "probe", "--geometry",
                                                   "340x300+880+80", "--title", "Probe"});
+    other_ = std::make_unique<ProbeClient>(
+        install->path(), std::vector<std::string>{"--class", "Other", "other", "--geometry",
+                                                  "260x160+980+720", "--title", "Other"});
+    hand = [this](Point to) { Wander(to); };
     Open();
   }
   void TearDown() override {
@@ -140,15 +151,25 @@ class JourneyTest : public testing::FrontEnd {
   void DeleteEverything();
 
   // Goes as a hand does, over everything that lies on the way.
-  void Stroll(const std::vector<Point>& corners) {
-    constexpr int kStep = 20;
-    for (const Point& to : corners) {
-      const testing::Player::Pointer from = player->Where();
-      const int steps = 1 + std::max(std::abs(to.x - from.x), std::abs(to.y - from.y)) / kStep;
-      for (int i = 1; i <= steps; i++) {
-        player->MoveTo(from.x + (to.x - from.x) * i / steps, from.y + (to.y - from.y) * i / steps);
-      }
+  void Stroll(Point to) {
+    const testing::Player::Pointer from = player->Where();
+    const int steps = 1 + std::max(std::abs(to.x - from.x), std::abs(to.y - from.y)) / kStride;
+    for (int i = 1; i <= steps; i++) {
+      player->MoveTo(from.x + (to.x - from.x) * i / steps, from.y + (to.y - from.y) * i / steps);
     }
+  }
+  // Nobody goes straight from one window to the next. A short way, or one with a button held, is
+  // one within a window.
+  void Wander(Point to) {
+    constexpr unsigned kHeld = Button1Mask | Button2Mask | Button3Mask;
+    const testing::Player::Pointer from = player->Where();
+    const bool is_far = std::max(std::abs(to.x - from.x), std::abs(to.y - from.y)) > kFar;
+    if (is_far && (from.state & kHeld) == 0) {
+      Stroll(kInOther);
+      if (UnderPointer() == other_->window()) detours_++;
+      Stroll(kOnDesktop);
+    }
+    Stroll(to);
   }
   // Gives the keyboard to the application, as a click into it does.
   void FocusProbe() {
@@ -160,17 +181,31 @@ class JourneyTest : public testing::FrontEnd {
       return focus == probe_->window();
     }));
   }
-  // Shows the application's actions in the main window, by passing over the application, and
-  // selects the first one.
+  // Shows the application's actions in the main window, which shows those of what the pointer has
+  // come across since.
+  void ShowThePlugIn() {
+    Over(PluginButton(), 12, 12);
+    EXPECT_TRUE(WaitFor([this] { return !Reads(PluginButton(), kClass); }))
+        << "the pointer has come across nothing";
+    // One row is the application's, the other one that of the default.
+    for (int row = 0; row < 2 && !Reads(PluginButton(), kClass); row++) {
+      ChoosePulldown(PluginButton(), row);
+      WaitFor([this] { return Reads(PluginButton(), kClass); }, std::chrono::seconds(1));
+    }
+    EXPECT_TRUE(Reads(PluginButton(), kClass));
+  }
+  // Selects the application's first action.
   void SelectAction() {
-    EXPECT_TRUE(PassOver(probe_->window(), [this] { return HasIcon(0); }))
-        << "the main window shows no action";
+    ShowThePlugIn();
+    EXPECT_TRUE(WaitFor([this] { return HasIcon(0); })) << "the main window shows no action";
     SelectCell(0);
   }
   Window ActionEditor() { return WaitShown("ActionEditor"); }
   void Ok(Window editor) { ClickChild(editor, 560 - 160, BoxOf(editor).height - 40); }
 
   std::unique_ptr<ProbeClient> probe_;
+  std::unique_ptr<ProbeClient> other_;
+  int detours_ = 0;  // on which the pointer came across the other application
 };
 
 void JourneyTest::SetSoundAndBrowserCommands() {
@@ -226,10 +261,7 @@ void JourneyTest::MakeThePlugIn() {
 }
 
 void JourneyTest::MakeAnActionOfAllTypes() {
-  // On its way back the pointer has crossed the desktop, whose plug-in is shown now.
-  Stroll({Point{1000, 200}, Point{1000, 990}, Point{300, 990}, Point{300, 600}});
-  ChoosePulldown(PluginButton(), 0);
-  EXPECT_TRUE(WaitFor([this] { return Reads(PluginButton(), kClass); }));
+  ShowThePlugIn();
   Choose(Title::kAction, testing::kActionNew);
   const Window editor = ActionEditor();
   AddCommand(editor, kHotKey, "s");
@@ -414,7 +446,9 @@ TEST_F(JourneyTest, FromAnEmptyInstallationToStrokesThatActAndBack) {
   };
   for (const auto& [name, step] : steps) {
     SCOPED_TRACE(name);
+    const int before = detours_;
     (this->*step)();
+    EXPECT_GT(detours_, before) << "the pointer stayed in the program's windows";
     Picture(std::string("after ") + name);
     ASSERT_FALSE(HasFailure());
   }
