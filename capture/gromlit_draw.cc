@@ -65,7 +65,8 @@ class Capture {
   Capture& operator=(const Capture&) = delete;
 
   void Thaw();
-  void Search();
+  // With the application at the press where it is known already.
+  void Search(const Target* application);
   void Run();
 
  private:
@@ -108,8 +109,9 @@ void Capture::AddPoint(int x, int y) {
   npoints_++;
 }
 
-void Capture::Search() {
-  target_ = FindTargets(press_.subwindow, press_.x_root, press_.y_root);
+void Capture::Search(const Target* application) {
+  target_ = application != nullptr ? FindTargetsIn(*application, press_.x_root, press_.y_root)
+                                   : FindTargets(press_.subwindow, press_.x_root, press_.y_root);
   // A window manager's frame is not ours, but the window in it may be.
   own_ = IsOwnTarget(target_);
 }
@@ -283,6 +285,18 @@ void Capture::Recognise(GromlitPlugin* plugin) {
   currentStroke = {};
 }
 
+// Leaves the press to whatever it is over.
+void Replay(const XButtonEvent& press) {
+  XAllowEvents(dpy, ReplayPointer, press.time);
+  XFlush(dpy);
+}
+
+// Whether gestures are off over an application. Those over the program's own windows are part of
+// what these windows do.
+bool IsHandsOff(const Target& application) {
+  return IsHandsOffClass(application.cname.data()) && !IsOwnTarget(application);
+}
+
 long TrailMask() {
   return ButtonToMotionMask(EffectiveButton(user)) | ButtonReleaseMask;
 }
@@ -311,13 +325,24 @@ void GromlitDrawButtonPress(GromlitDraw* draw, XEvent* event) {
   // waits behind it, whose capture would then never end.
   if (press.send_event) return;
   if ((press.state & ~DrawLocks()) != 0 || editingPlugin != 0) {
-    XAllowEvents(dpy, ReplayPointer, press.time);
-    XFlush(dpy);
+    Replay(press);
     return;
+  }
+  // A press that is thawed can be replayed no more, so whose it is must be known before; but while
+  // the pointer is frozen the hand's way is lost, so only its class is asked for, and only when
+  // there is a plug-in that makes a difference.
+  Target application;
+  const bool known = AnyHandsOff();
+  if (known) {
+    application = FindApplication(press.subwindow, press.x_root, press.y_root);
+    if (IsHandsOff(application)) {
+      Replay(press);
+      return;
+    }
   }
   Capture capture(draw, press);
   capture.Thaw();
-  capture.Search();
+  capture.Search(known ? &application : nullptr);
   capture.Run();
 }
 

@@ -10,6 +10,8 @@
 //              is no lock chosen to be drawn
 //              with, or another button, or
 //              while an action is being edited
+//   idle       press over an application     idle       replayed, once its class is known
+//              that is hands off
 //   idle       press                         pressed    Thaw (widened grab), then Search
 //   pressed    motion                        drawing    BeginDrawing, then as in drawing
 //   drawing    motion                        drawing    AddPoint, MoveTrail
