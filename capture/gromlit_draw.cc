@@ -17,6 +17,7 @@
 #include "capture/app_track.h"
 #include "capture/plugin_match.h"
 #include "capture/stroke_log.h"
+#include "core/offer_memory.h"
 #include "core/option_files.h"
 #include "core/plugin_files.h"
 #include "display/display.h"
@@ -58,6 +59,7 @@ class Capture {
     AddPoint(press.x_root, press.y_root);
   }
   ~Capture() {
+    HideStrokeLabel(&draw_->label);
     HideTrail(&trail_);
     XFlush(dpy);
   }
@@ -83,6 +85,7 @@ class Capture {
   void Motion(const XMotionEvent& motion);
   void Release(const XButtonEvent& release);
   bool IsStroke() const;
+  GromlitPlugin* PluginInForce() const;
   void Click();
   bool MakeClick();
   bool SendClick(Window window, int x, int y);
@@ -215,6 +218,20 @@ void Capture::Motion(const XMotionEvent& motion) {
   MoveTrail(&trail_, motion.x_root, motion.y_root);
   frompress_ = std::max({frompress_, std::abs(motion.x_root - press_.x_root),
                          std::abs(motion.y_root - press_.y_root)});
+  if (!Chosen(user, kNameWhileDrawing) || !IsStroke()) return;
+  if (GromlitPlugin* plugin = PluginInForce()) {
+    NameStroke(&draw_->label, plugin, MakeStroke(npoints_, xbuffer_.data(), ybuffer_.data()),
+               &trail_);
+  }
+}
+
+// The plug-in that the release would look in; null where it would look in none: on the program's
+// own windows, and where a plug-in is to be offered first.
+GromlitPlugin* Capture::PluginInForce() const {
+  if (headplugin_ != nullptr) return headplugin_->plugin;
+  const char* classname = target_.cname.data();
+  if (own_ || classname == kOwnClass || !IsRememberedClass(classname)) return nullptr;
+  return DefaultPlugin;
 }
 
 // A quick hand is far away when the first motion arrives, with which the trail's measure begins;
@@ -224,6 +241,7 @@ bool Capture::IsStroke() const {
 }
 
 void Capture::Release(const XButtonEvent& release) {
+  HideStrokeLabel(&draw_->label);
   if (!IsStroke()) {
     Click();
     return;
