@@ -21,10 +21,11 @@ class StrokeLabelTest : public GromlitRun {
     WritePlugin("Default", {{"Back", kLeft, {Touch("back")}}});
     WritePlugin("Probe.probe",
                 {{"Forward", kRight, {Touch("started"), {kRun, "system:wait"}, Touch("ended")}}});
+    StartGromlit();
+    // Above the main window.
     probe_ = std::make_unique<ProbeClient>(
         install->path(),
         std::vector<std::string>{"--class", "Probe", "probe", "--geometry", "600x400+300+200"});
-    StartGromlit();
     Go({400, 300});
   }
   // The label's window; 0 while there is none.
@@ -65,7 +66,7 @@ TEST_F(StrokeLabelTest, NamesWhatTheStrokeWouldDoAndIsGoneAtTheRelease) {
   Window label = 0;
   ASSERT_TRUE(WaitFor([&] { return (label = Label()) != 0; }));
   const auto forward = Look(label);
-  // There and back again is nothing.
+  // With a corner it is nothing that anybody knows.
   Trace({{600, 300}, {600, 500}});
   EXPECT_TRUE(WaitFor([&] { return Look(label) != forward; }));
   player->Release(3);
