@@ -7,6 +7,7 @@
 #include "core/option_files.h"
 #include "core/strings.h"
 #include "display/display.h"
+#include "display/monitors.h"
 #include "recognition/find_action.h"
 #include "toolkit/child_window.h"
 #include "toolkit/text.h"
@@ -15,7 +16,7 @@
 namespace gromlit {
 namespace {
 
-constexpr int kTop = 8;     // pixels below the top of the screen
+constexpr int kTop = 8;     // pixels below the top of the monitor
 constexpr int kSide = 12;   // from the label's edge to the longest name
 constexpr int kAbove = 6;   // from the label's edge to the letters, and below them
 constexpr int kLeast = 96;  // width, so that it is one label and not a dance of them
@@ -31,12 +32,14 @@ void MakeLabel(StrokeLabel* label, bool shaped) {
   ClaimWindow(label->window);
 }
 
-// Gives the label room for a name. Returns whether that changed it.
-bool MakeRoom(StrokeLabel* label, int textwidth) {
-  const int needed = std::clamp(textwidth + 2 * kSide, kLeast, screenwidth);
-  if (label->mapped && needed <= label->area.width) return false;
+// Gives the label room for a name, on its monitor. Returns whether that changed it.
+bool MakeRoom(StrokeLabel* label, int textwidth, bool moved) {
+  const XRectangle& monitor = label->monitor;
+  const int needed = std::min<int>(std::max(textwidth + 2 * kSide, kLeast), monitor.width);
+  if (!moved && needed <= label->area.width) return false;
   label->area = {
-      static_cast<short>((screenwidth - needed) / 2), kTop, static_cast<unsigned short>(needed),
+      static_cast<short>(monitor.x + (monitor.width - needed) / 2),
+      static_cast<short>(monitor.y + kTop), static_cast<unsigned short>(needed),
       static_cast<unsigned short>(labelFontinfo->ascent + labelFontinfo->descent + 2 * kAbove)};
   XMoveResizeWindow(dpy, label->window, label->area.x, label->area.y, label->area.width,
                     label->area.height);
@@ -72,14 +75,18 @@ std::string NameOf(const FoundAction& found) {
 
 void NameStroke(StrokeLabel* label, GromlitPlugin* plugin, const Stroke& stroke, Trail* trail) {
   const std::string name = NameOf(FindActionToRun(plugin, stroke, *user));
-  if (label->mapped && name == label->shown) {
+  const int x = trail->lastx + (trail->mapfull ? 0 : trail->originx);
+  const int y = trail->lasty + (trail->mapfull ? 0 : trail->originy);
+  const bool moved = !label->mapped || !Contains(label->monitor, x, y);
+  if (!moved && name == label->shown) {
     if (label->over != trail->w) XRaiseWindow(dpy, label->window);
     label->over = trail->w;
     return;
   }
   if (label->window == None) MakeLabel(label, trail->windows->shaped);
+  if (moved) label->monitor = MonitorAt(x, y);
   // The trail's windows have no background: what the label leaves behind would stay on them.
-  if (MakeRoom(label, TextWidth(labelFontinfo, name))) KeepTrailOff(trail, label->area);
+  if (MakeRoom(label, TextWidth(labelFontinfo, name), moved)) KeepTrailOff(trail, label->area);
   Paint(*label, name);
   XMapRaised(dpy, label->window);
   label->over = trail->w;

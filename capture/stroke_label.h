@@ -1,5 +1,6 @@
 // The label that names the action which a stroke would run if it ended now, where the options
-// choose it: at the top of the screen, above the trail.
+// choose it: at the top of the monitor that the pointer is on, above the
+// trail.
 //
 // It takes no input, and is no window of an application to anybody who looks for one: it is claimed
 // as one of the program's own, and gone before a click is made or an action runs. Without that
@@ -23,15 +24,17 @@ struct StrokeLabel {
   Window window = None;  // None until the first stroke that needs it
   GC gc = nullptr;
   bool mapped = false;
-  Window over = None;  // the trail's window that it was raised above
-  XRectangle area{};   // on the screen; only grows while it is shown
-  std::string shown;   // while it is mapped
+  Window over = None;    // the trail's window that it was raised above
+  XRectangle monitor{};  // that it is shown on
+  XRectangle area{};     // on the screen; only grows while it is on one monitor
+  std::string shown;     // while it is mapped
 };
 
 // Shows what the stroke so far, over an application with the plug-in `plugin`, would run
 // (FindActionToRun). One matching; requests only when that is another name than the one that is
-// shown, or the trail has just got its other window, which lies above the label. No round trips but
-// for the first name that is not plain ASCII.
+// shown, the pointer has come to another monitor, or the trail has just got its other window, which
+// lies above the label. A round trip for a monitor (MonitorAt), and for the first name that is not
+// plain ASCII.
 void NameStroke(StrokeLabel* label, GromlitPlugin* plugin, const Stroke& stroke, Trail* trail);
 
 // Takes the label off the screen. Nothing when it is not there.

@@ -23,7 +23,7 @@ constexpr Choice kChoices[] = {
      "The browser goes to the page itself, and asks no web service for the way.",
      &GromlitUserOptions::temp2, kOpenDirectly, true, true},
     {"Name the Action while Drawing",
-     "A label at the top of the screen tells what the stroke so far would do.",
+     "A label at the top of the monitor tells what the stroke so far would do.",
      &GromlitUserOptions::temp2, kNameWhileDrawing, true, false},
 };
 

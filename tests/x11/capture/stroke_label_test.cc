@@ -11,6 +11,7 @@
 #include "core/strings.h"
 #include "display/target.h"
 #include "recognition/signature_match.h"
+#include "tests/support/process.h"
 #include "tests/x11/toolkit/request_cost.h"
 
 namespace gromlit {
@@ -105,16 +106,39 @@ TEST_F(StrokeLabelTest, NamesWhatTheStrokeWouldRunAndThatItWouldRunNothing) {
   EXPECT_FALSE(Viewable());
 }
 
-TEST_F(StrokeLabelTest, LiesAtTheTopOfTheScreenInTheMiddle) {
+TEST_F(StrokeLabelTest, LiesAtTheTopOfTheOnlyMonitorInTheMiddle) {
   Name(Line(5, 0));
   EXPECT_LT(label.area.y, 20);
   EXPECT_NEAR(label.area.x + label.area.width / 2, screenwidth / 2, 1);
 }
 
+TEST_F(StrokeLabelTest, GoesWithThePointerToAnotherMonitor) {
+  const std::string half = std::to_string(screenwidth / 2);
+  const std::string size = half + "/300x" + std::to_string(screenheight) + "/200";
+  const auto monitor = [&](const char* name, const std::string& left, const char* output) {
+    testing::Process set({"xrandr", "--setmonitor", name, size + "+" + left + "+0", output});
+    ASSERT_EQ(set.Wait(), 0);
+  };
+  monitor("left", "0", "screen");
+  monitor("right", half, "none");
+  MoveTrail(&trail, screenwidth / 2 - 40, 300);
+  Name(Line(5, 0));
+  EXPECT_NEAR(label.area.x + label.area.width / 2, screenwidth / 4, 1);
+  MoveTrail(&trail, screenwidth / 2 + 40, 300);
+  Name(Line(5, 0));
+  EXPECT_NEAR(label.area.x + label.area.width / 2, screenwidth * 3 / 4, 1);
+  XWindowAttributes at{};
+  XGetWindowAttributes(dpy, label.window, &at);
+  EXPECT_EQ(at.x, label.area.x);
+  EXPECT_GT(Ink(), 20);
+  for (const char* name : {"left", "right"})
+    testing::Process({"xrandr", "--delmonitor", name}).Wait();
+}
+
 TEST_F(StrokeLabelTest, TheSameNameCostsNothing) {
   Name(Line(5, 0));
   EXPECT_EQ(CostOf([&] { Name(Line(6, 0)); }), (Cost{0, 0}));
-  EXPECT_EQ(CostOf([&] { Name(Line(0, 6)); }).roundtrips, 0u);
+  EXPECT_EQ(CostOf([&] { Name(Line(0, 6)); }).roundtrips, 0u) << "another name on the monitor";
 }
 
 TEST_F(StrokeLabelTest, TakesNoInputAndIsNoApplication) {
