@@ -17,6 +17,7 @@
 #include "capture/app_track.h"
 #include "capture/plugin_match.h"
 #include "capture/stroke_log.h"
+#include "core/offer_memory.h"
 #include "core/option_files.h"
 #include "core/plugin_files.h"
 #include "display/display.h"
@@ -58,6 +59,7 @@ class Capture {
     AddPoint(press.x_root, press.y_root);
   }
   ~Capture() {
+    HideStrokeLabel(&draw_->label);
     HideTrail(&trail_);
     XFlush(dpy);
   }
@@ -65,7 +67,8 @@ class Capture {
   Capture& operator=(const Capture&) = delete;
 
   void Thaw();
-  void Search();
+  // With the application at the press where it is known already.
+  void Search(const Target* application);
   void Run();
 
  private:
@@ -82,6 +85,7 @@ class Capture {
   void Motion(const XMotionEvent& motion);
   void Release(const XButtonEvent& release);
   bool IsStroke() const;
+  GromlitPlugin* PluginInForce() const;
   void Click();
   bool MakeClick();
   bool SendClick(Window window, int x, int y);
@@ -108,8 +112,9 @@ void Capture::AddPoint(int x, int y) {
   npoints_++;
 }
 
-void Capture::Search() {
-  target_ = FindTargets(press_.subwindow, press_.x_root, press_.y_root);
+void Capture::Search(const Target* application) {
+  target_ = application != nullptr ? FindTargetsIn(*application, press_.x_root, press_.y_root)
+                                   : FindTargets(press_.subwindow, press_.x_root, press_.y_root);
   // A window manager's frame is not ours, but the window in it may be.
   own_ = IsOwnTarget(target_);
 }
@@ -213,6 +218,20 @@ void Capture::Motion(const XMotionEvent& motion) {
   MoveTrail(&trail_, motion.x_root, motion.y_root);
   frompress_ = std::max({frompress_, std::abs(motion.x_root - press_.x_root),
                          std::abs(motion.y_root - press_.y_root)});
+  if (!Chosen(user, kNameWhileDrawing) || !IsStroke()) return;
+  if (GromlitPlugin* plugin = PluginInForce()) {
+    NameStroke(&draw_->label, plugin, MakeStroke(npoints_, xbuffer_.data(), ybuffer_.data()),
+               &trail_);
+  }
+}
+
+// The plug-in that the release would look in; null where it would look in none: on the program's
+// own windows, and where a plug-in is to be offered first.
+GromlitPlugin* Capture::PluginInForce() const {
+  if (headplugin_ != nullptr) return headplugin_->plugin;
+  const char* classname = target_.cname.data();
+  if (own_ || classname == kOwnClass || !IsRememberedClass(classname)) return nullptr;
+  return DefaultPlugin;
 }
 
 // A quick hand is far away when the first motion arrives, with which the trail's measure begins;
@@ -222,6 +241,7 @@ bool Capture::IsStroke() const {
 }
 
 void Capture::Release(const XButtonEvent& release) {
+  HideStrokeLabel(&draw_->label);
   if (!IsStroke()) {
     Click();
     return;
@@ -288,6 +308,18 @@ void NoteUnmapped(void* obj, XEvent* event) {
   GromlitAppTrackUnmap(obj, event);
 }
 
+// Leaves the press to whatever it is over.
+void Replay(const XButtonEvent& press) {
+  XAllowEvents(dpy, ReplayPointer, press.time);
+  XFlush(dpy);
+}
+
+// Whether gestures are off over an application. Those over the program's own windows are part of
+// what these windows do.
+bool IsHandsOff(const Target& application) {
+  return IsHandsOffClass(application.cname.data()) && !IsOwnTarget(application);
+}
+
 long TrailMask() {
   return ButtonToMotionMask(EffectiveButton(user)) | ButtonReleaseMask;
 }
@@ -316,13 +348,24 @@ void GromlitDrawButtonPress(GromlitDraw* draw, XEvent* event) {
   // waits behind it, whose capture would then never end.
   if (press.send_event) return;
   if ((press.state & ~DrawLocks()) != 0 || editingPlugin != 0) {
-    XAllowEvents(dpy, ReplayPointer, press.time);
-    XFlush(dpy);
+    Replay(press);
     return;
+  }
+  // A press that is thawed can be replayed no more, so whose it is must be known before; but while
+  // the pointer is frozen the hand's way is lost, so only its class is asked for, and only when
+  // there is a plug-in that makes a difference.
+  Target application;
+  const bool known = AnyHandsOff();
+  if (known) {
+    application = FindApplication(press.subwindow, press.x_root, press.y_root);
+    if (IsHandsOff(application)) {
+      Replay(press);
+      return;
+    }
   }
   Capture capture(draw, press);
   capture.Thaw();
-  capture.Search();
+  capture.Search(known ? &application : nullptr);
   capture.Run();
 }
 

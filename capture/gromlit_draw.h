@@ -10,6 +10,8 @@
 //              is no lock chosen to be drawn
 //              with, or another button, or
 //              while an action is being edited
+//   idle       press over an application     idle       replayed, once its class is known
+//              that is hands off
 //   idle       press                         pressed    Thaw (widened grab), then Search
 //   pressed    motion                        drawing    BeginDrawing, then as in drawing
 //   drawing    motion                        drawing    AddPoint, MoveTrail
@@ -22,13 +24,14 @@
 //
 // INV-CAPTURE-1: the pointer is never left frozen: Capture::Run thaws it with the press or release
 // that ends the stroke, or gives up the grab; the actions run after that.
-// INV-CAPTURE-2: no trail window stays mapped in the idle state (~Capture).
+// INV-CAPTURE-2: no trail window, and no label, stays mapped in the idle state (~Capture).
 // INV-CAPTURE-3: at most kMaxStrokePoints points are kept, the press point included.
 #pragma once
 
 #include <X11/Xlib.h>
 
 #include "app/main_window/gromlit_app.h"
+#include "capture/stroke_label.h"
 #include "capture/trail.h"
 #include "toolkit/window_object.h"
 
@@ -37,6 +40,7 @@ namespace gromlit {
 struct GromlitDraw {
   WindowObj* wobj;     // the root window's entry
   TrailWindows trail;  // not mapped between strokes
+  StrokeLabel label;   // neither
   int drawmapped;      // kept in the record, never read
   GromlitApp* app;     // whose shown plug-in follows the strokes; set once it exists
 };

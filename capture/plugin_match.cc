@@ -9,11 +9,11 @@ namespace gromlit {
 int PluginMatch(GromlitPlugin* pin, int npts, const int16_t* xbuf, const int16_t* ybuf, Window mwin,
                 Window kwin, int winx, int winy, int rootx, int rooty) {
   const Stroke stroke = MakeStroke(npts, xbuf, ybuf);
-  const Matching how = MatchingOf(*user);
-  const int found = FindAction(pin, stroke, how);
-  LogStroke(pin, stroke, how, found);
-  if (found < 0) return 0;
-  return ExecuteAction(pin, pin->actions[found], mwin, kwin, winx, winy, rootx, rooty);
+  const FoundAction found = FindActionToRun(pin, stroke, *user);
+  LogStroke(found.plugin, stroke, MatchingOf(*user), found.index);
+  if (found.index < 0) return 0;
+  return ExecuteAction(found.plugin, found.plugin->actions[found.index], mwin, kwin, winx, winy,
+                       rootx, rooty);
 }
 
 }  // namespace gromlit

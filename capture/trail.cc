@@ -12,6 +12,7 @@ namespace gromlit {
 namespace {
 
 constexpr int kInitialSize = 500;
+constexpr int kMaxExtent = 32767;  // pixels, of a window
 
 unsigned Extent(int pixels) {
   return static_cast<unsigned>(pixels);
@@ -144,11 +145,31 @@ void LetPointerThrough(const Trail& trail) {
   }
 }
 
+void KeepTrailOff(Trail* trail, const XRectangle& area) {
+  if (!trail->windows->shaped) return;
+  // Larger than the windows ever grow.
+  XRectangle whole = {-kMaxExtent / 2, -kMaxExtent / 2, kMaxExtent, kMaxExtent};
+  const auto part = [&](Window window, int originx, int originy) {
+    if (!trail->parted)
+      XShapeCombineRectangles(dpy, window, ShapeBounding, 0, 0, &whole, 1, ShapeSet, Unsorted);
+    XRectangle hole = area;
+    XShapeCombineRectangles(dpy, window, ShapeBounding, -originx, -originy, &hole, 1, ShapeSubtract,
+                            Unsorted);
+  };
+  part(trail->windows->window, trail->originx, trail->originy);
+  part(trail->windows->fullwindow, 0, 0);
+  trail->parted = true;
+}
+
 void HideTrail(Trail* trail) {
   if (!trail->drawmapped) return;
   if (trail->mapfull) XUnmapWindow(dpy, trail->windows->fullwindow);
   XUnmapWindow(dpy, trail->windows->window);
   trail->drawmapped = false;
+  if (!trail->parted) return;
+  for (const Window window : {trail->windows->window, trail->windows->fullwindow})
+    XShapeCombineMask(dpy, window, ShapeBounding, 0, 0, None, ShapeSet);
+  trail->parted = false;
 }
 
 }  // namespace gromlit

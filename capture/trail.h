@@ -43,6 +43,7 @@ struct Trail {
   int originy;
   int lastx;  // end of the last segment, in w
   int lasty;
+  bool parted;    // parts of the screen are kept free of it
   int drawmoved;  // farthest the pointer got from the start along either axis, pixels
 };
 
@@ -64,6 +65,11 @@ void MoveTrail(Trail* trail, int x, int y);
 
 // Lets the pointer through to the windows below; the trail stays in sight.
 void LetPointerThrough(const Trail& trail);
+
+// Keeps the trail off a part of the screen until it is hidden, so that what lies there by itself
+// can go while the trail stays: with no background the trail's windows would go on showing it.
+// REQUIRES: ShowTrail was called.
+void KeepTrailOff(Trail* trail, const XRectangle& area);
 
 // Unmaps what is mapped.
 void HideTrail(Trail* trail);

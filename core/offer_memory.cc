@@ -6,9 +6,14 @@ namespace gromlit {
 
 RememberFindNew* RememberFindNewList = nullptr;
 
-int RememberClass(const char* classname) {
+bool IsRememberedClass(const char* classname) {
   for (const auto* node = RememberFindNewList; node != nullptr; node = node->next)
-    if (StrCmp(node->classname, classname) == 0) return 1;
+    if (StrCmp(node->classname, classname) == 0) return true;
+  return false;
+}
+
+int RememberClass(const char* classname) {
+  if (IsRememberedClass(classname)) return 1;
   RememberFindNewList = new RememberFindNew{StrDup(classname), 0, RememberFindNewList};
   return 0;
 }

@@ -14,4 +14,7 @@ extern RememberFindNew* RememberFindNewList;
 // 1 when the class was already remembered in this run; else remembers it and returns 0.
 int RememberClass(const char* classname);
 
+// Whether it was.
+bool IsRememberedClass(const char* classname);
+
 }  // namespace gromlit

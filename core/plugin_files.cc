@@ -267,6 +267,22 @@ GromlitPlugin* FindPlugin(const char* classname) {
   return node == nullptr ? nullptr : node->plugin;
 }
 
+bool HandsOff(const GromlitPlugin* plugin) {
+  return plugin != nullptr && (plugin->spare1 & kHandsOff) != 0;
+}
+
+bool AnyHandsOff() {
+  EnsureList();
+  for (const auto* node = allPlugins; node->plugin != nullptr; node = node->next)
+    if (HandsOff(node->plugin)) return true;
+  return false;
+}
+
+bool IsHandsOffClass(const char* classname) {
+  const GromlitPluginList* node = NodeOf(StoredClass(classname));
+  return HandsOff(node != nullptr ? node->plugin : DefaultPlugin);
+}
+
 bool IsListed(const GromlitPlugin* plugin) {
   if (plugin == nullptr) return false;
   EnsureList();

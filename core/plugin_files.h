@@ -55,6 +55,21 @@ GromlitPluginList* FindPluginNode(const char* classname);
 // The plug-in of that node, or null.
 GromlitPlugin* FindPlugin(const char* classname);
 
+// `spare1` of a plug-in: bits. An unknown one does nothing and is kept.
+enum PluginManners : uint8_t {
+  kHandsOff = 1,  // over its application every press of the draw button goes to the application;
+                  // of DefaultPlugin: over every application that has no plug-in
+};
+bool HandsOff(const GromlitPlugin* plugin);  // false for null
+
+// Whether any plug-in in the list is hands off: while none is nobody needs to know where a press
+// is.
+bool AnyHandsOff();
+
+// Whether gestures are off over applications of this class: by its plug-in, where it has one, else
+// by DefaultPlugin. Reads no file.
+bool IsHandsOffClass(const char* classname);
+
 // Whether this very record is in allPlugins: a question about it or an editor may still be open
 // when it is deleted. False for null.
 bool IsListed(const GromlitPlugin* plugin);

@@ -314,7 +314,10 @@ Target FindApplication(Window rootchild, int rootx, int rooty) {
 }
 
 Target FindTargets(Window rootchild, int rootx, int rooty) {
-  Target target = FindApplication(rootchild, rootx, rooty);
+  return FindTargetsIn(FindApplication(rootchild, rootx, rooty), rootx, rooty);
+}
+
+Target FindTargetsIn(Target target, int rootx, int rooty) {
   if (target.app == root) {
     target.click = target.key = root;
     target.winx = rootx;

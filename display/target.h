@@ -41,6 +41,10 @@ Target FindApplication(Window rootchild, int rootx, int rooty);
 // none.
 Target FindTargets(Window rootchild, int rootx, int rooty);
 
+// The same where the application at the position has been found already: the result of
+// FindApplication there.
+Target FindTargetsIn(Target target, int rootx, int rooty);
+
 // The application of a window, found from the window downward: the first with a class hint or a
 // name. Writes its class text into cname: class and name part of its class hint joined by ".", else
 // its name when that is plain STRING text; "Desktop" for the root or 0. The text is cut to the

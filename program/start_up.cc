@@ -124,7 +124,7 @@ void ShowMainWindow() {
   MapTopLevel(app->window);
   UpdateGromlitApp(app, defaultPluginClassname, nullptr);
   DrawGromlitApp(app);
-  UpdatePulldownButton(app->txt, defaultPluginClassname);
+  if (!HandsOff(DefaultPlugin)) UpdatePulldownButton(app->txt, defaultPluginClassname);
   TellOfSparePlugins();
 }
 

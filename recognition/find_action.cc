@@ -48,6 +48,18 @@ int FindAction(const GromlitPlugin* pin, const Stroke& stroke, const Matching& h
   }
 }
 
+FoundAction FindActionToRun(GromlitPlugin* pin, const Stroke& stroke,
+                            const GromlitUserOptions& options) {
+  const Matching how = MatchingOf(options);
+  FoundAction found{pin, pin != nullptr ? FindAction(pin, stroke, how) : -1};
+  if (found.index >= 0 || pin == nullptr || pin == DefaultPlugin || DefaultPlugin == nullptr ||
+      !Chosen(&options, kFallBack)) {
+    return found;
+  }
+  const int index = FindAction(DefaultPlugin, stroke, how);
+  return index >= 0 ? FoundAction{DefaultPlugin, index} : found;
+}
+
 int FindTaker(const GromlitPlugin* pin, int n, GromlitSymbol* sym, const Matching& how) {
   switch (how.way) {
     case kByShape:

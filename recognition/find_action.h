@@ -24,6 +24,18 @@ Matching MatchingOf(const GromlitUserOptions& options);
 // looks most like, if it looks enough like it for the tolerance.
 int FindAction(const GromlitPlugin* pin, const Stroke& stroke, const Matching& how);
 
+// An action and the plug-in that it belongs to.
+struct FoundAction {
+  GromlitPlugin* plugin = nullptr;
+  int index = -1;  // in the plug-in; -1: there is none
+};
+
+// The action that a stroke over an application with the plug-in pin runs: pin's own; where it has
+// none for the stroke, and the options choose to fall back, that of DefaultPlugin. Without an
+// action the result names pin, which may be null: nothing is found in it.
+FoundAction FindActionToRun(GromlitPlugin* pin, const Stroke& stroke,
+                            const GromlitUserOptions& options);
+
 // Index of the first of pin's first `n` actions that takes every stroke that a symbol could stand
 // for, so that an action with it behind them never runs; -1 when there is none. Any other is found
 // by some stroke, as far as can be told. REQUIRES: 0 <= n <= pin->nactions.

@@ -101,6 +101,11 @@ class Checker {
     DataFile file;
     if (!Read(name, Kind::kPlugin, &file)) return;
     const GromlitPlugin& plugin = file.plugin;
+    if (HandsOff(&plugin)) {
+      Report(name, FieldText(plugin.classname) == defaultPluginClassname
+                       ? "hands off: no gestures over applications without a plug-in"
+                       : "hands off: no gestures over " + Quote(FieldText(plugin.classname)));
+    }
     std::vector<std::string> titles;
     for (int i = 0; i < plugin.nactions; i++) {
       GromlitAction* action = plugin.actions[i];

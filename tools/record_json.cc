@@ -11,6 +11,7 @@
 #include "core/command_types.h"
 #include "core/option_fields.h"
 #include "core/strings.h"
+#include "core/value_names.h"
 #include "recognition/symbol_icon.h"
 
 namespace gromlit {
@@ -124,6 +125,27 @@ class ObjectReader {
     if (const Json* value = Find(key)) *out = ToNumber<Int>(*value, Where(key));
   }
 
+  // The same for a field whose values may have names: a number or a name; or, where it is made of
+  // bits, a list of both.
+  template <typename Int>
+  void Named(const char* key, Int* out) {
+    const Json* value = Find(key);
+    if (value == nullptr) return;
+    const Naming naming = NamingOf(key);
+    if (naming == Naming::kBits && value->is_array()) {
+      Int bits = 0;
+      for (size_t i = 0; i < value->size(); i++) {
+        const std::string where = Where(key) + "[" + std::to_string(i) + "]";
+        bits = static_cast<Int>(bits | ToValue<Int>(key, (*value)[i], where));
+      }
+      *out = bits;
+    } else if (naming != Naming::kNone) {
+      *out = ToValue<Int>(key, *value, Where(key));
+    } else {
+      *out = ToNumber<Int>(*value, Where(key));
+    }
+  }
+
   // Text of a NUL-terminated field: ends at its first NUL, must leave room for one.
   void Name(const char* key, std::span<char> field) {
     std::string bytes = Bytes(key);
@@ -198,6 +220,17 @@ class ObjectReader {
   }
 
  private:
+  template <typename Int>
+  static Int ToValue(const char* key, const Json& value, const std::string& where) {
+    if (!value.is_string()) return ToNumber<Int>(value, where);
+    const ValueName* known = FindValueName(key, value.get_ref<const std::string&>());
+    if (known != nullptr) return static_cast<Int>(known->value);
+    std::string names;
+    for (const ValueName& row : kValueNames)
+      if (row.field == key) names += (names.empty() ? "" : ", ") + std::string(row.name);
+    Fail(where, Shown(value) + " is no number and none of " + names);
+  }
+
   void CheckLength(const char* key, const std::string& bytes, size_t limit) const {
     if (bytes.size() <= limit) return;
     Fail(Where(key),
@@ -368,7 +401,7 @@ void ReadPluginDocument(const Json& document, GromlitPlugin* plugin) {
   in.Find("kind");
   in.Name("appname", plugin->appname);
   in.Name("classname", plugin->classname);
-  in.Number("spare1", &plugin->spare1);
+  in.Named("spare1", &plugin->spare1);
   in.Number("spare2", &plugin->spare2);
   in.Number("spare3", &plugin->spare3);
   in.Number("spare4", &plugin->spare4);
@@ -393,7 +426,7 @@ void ReadOptionsDocument(const Json& document, GromlitUserOptions* options) {
   for (const OptionField& field : kOptionFields) {
     switch (field.kind) {
       case OptionKind::kNumber:
-        in.Number(field.name, &OptionNumber(options, field));
+        in.Named(field.name, &OptionNumber(options, field));
         break;
       case OptionKind::kText:
         in.Name(field.name, OptionBytes(options, field));

@@ -37,7 +37,9 @@ constexpr const char* kTextMsgs[] = {"Enter the text to insert or ",
                                      "check the box to specify a filename",
                                      "that contains the text.", nullptr};
 constexpr const char* kSoundMsgs[] = {"Enter a sound file to play.", nullptr};
-constexpr const char* kRunMsgs[] = {"Enter the command to execute.", nullptr};
+constexpr const char* kRunMsgs[] = {
+    "Enter the command to execute.", "Or system:minimize, maximize, fullscreen,",
+    "above, close, desktop-next, -previous,", "window-to-desktop-next, -previous (Help).", nullptr};
 constexpr const char* kWebsiteMsgs[] = {"Enter the website, such as example.org",
                                         "or any URL.  Check Gromlit Forum for",
                                         "drawn-on application-specific forum.", nullptr};

@@ -1,6 +1,8 @@
 #include "app/main_window/shown_plugin.h"
 
+#include <array>
 #include <cstdlib>
+#include <string>
 
 #include "core/plugin_files.h"
 #include "core/strings.h"
@@ -12,12 +14,27 @@
 namespace gromlit {
 namespace {
 
+constexpr const char* kHandsOffMark = "Hands off: ";
+
+using ButtonLabel = std::array<char, sizeof(XButton::label)>;
+
+// What the pulldown button says of a plug-in. Without the mark nobody would know why there are no
+// gestures, and it comes first: the name may be longer than the button.
+ButtonLabel PluginCaption(const GromlitPlugin* plugin) {
+  ButtonLabel caption{};
+  if (plugin == nullptr) return caption;
+  const std::string name(FieldText(plugin->appname));
+  CopyText(caption, HandsOff(plugin) ? kHandsOffMark + name : name);
+  return caption;
+}
+
 // Makes a plug-in, or none, the shown one.
 void ShowPlugin(GromlitApp* gromlit, GromlitPlugin* plugin, int* updated) {
   // Caption and range are compared even if the plug-in stays: it may have got another name, and
   // start-up makes the default plug-in the shown one by itself.
-  const char* caption = plugin != nullptr ? plugin->appname : "";
-  if (StrCmp(gromlit->txt->label, caption) != 0) UpdatePulldownButton(gromlit->txt, caption);
+  const ButtonLabel caption = PluginCaption(plugin);
+  if (StrCmp(gromlit->txt->label, caption.data()) != 0)
+    UpdatePulldownButton(gromlit->txt, caption.data());
   if (gromlit->plugin != plugin) {
     gromlit->plugin = plugin;
     gromlit->selected = -1;

@@ -9,6 +9,22 @@ constexpr Choice kChoices[] = {
     {"Match by Shape",
      "A stroke runs the action whose symbol it looks most like, if it is like enough.",
      &GromlitUserOptions::temp3, kByShape, false, true},
+    {"Real Input", "Keys and clicks arrive as if you had made them yourself, in every application.",
+     &GromlitUserOptions::temp1, kRealInput, false, true},
+    {"Draw with Locks On", "Gestures work while Caps Lock, Num Lock or Scroll Lock is on, too.",
+     &GromlitUserOptions::temp2, kDrawWithLocks, true, true},
+    {"Fall Back to Default",
+     "A stroke that an application's plug-in does not know is tried in Default.",
+     &GromlitUserOptions::temp2, kFallBack, true, true},
+    {"Activate the Window First",
+     "The window below the stroke gets the keyboard before the action runs.",
+     &GromlitUserOptions::temp2, kActivateFirst, true, true},
+    {"Open Web Pages Directly",
+     "The browser goes to the page itself, and asks no web service for the way.",
+     &GromlitUserOptions::temp2, kOpenDirectly, true, true},
+    {"Name the Action while Drawing",
+     "A label at the top of the monitor tells what the stroke so far would do.",
+     &GromlitUserOptions::temp2, kNameWhileDrawing, true, false},
 };
 
 }  // namespace

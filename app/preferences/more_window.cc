@@ -8,6 +8,7 @@
 #include "app/windows/top_level.h"
 #include "core/option_files.h"
 #include "display/display.h"
+#include "display/draw_button.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/text.h"
@@ -95,6 +96,7 @@ void moreClickRecommended(void*) {
 void moreClickSave(void*) {
   TakeOver(more, user);
   TakeOver(more, more->working);
+  RenewDrawLocks();
   if (more->changed != nullptr) more->changed();
   if (SaveUserOptions(user, defaultOptionFile) == 0) {
     ShowSaveFailure(kNotSaved, errno);

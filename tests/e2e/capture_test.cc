@@ -7,6 +7,8 @@
 
 #include <algorithm>
 
+#include "core/plugin_files.h"
+
 namespace gromlit {
 namespace {
 
@@ -188,6 +190,51 @@ TEST_P(CaptureTest, PressWithShiftOrNumLockIsLeftAlone) {
   lines = probe->Wait(4, "Button");
   ASSERT_EQ(lines.size(), 4u);
   EXPECT_EQ(lines[2], ButtonLine("ButtonPress", kInProbe, probe->window(), Mod2Mask, false));
+}
+
+TEST_P(CaptureTest, OverAnApplicationThatIsHandsOffEveryPressIsTheApplications) {
+  WritePlugin("Probe.probe", {{"right", kRight, {Touch("right")}}}, "Probe", kHandsOff);
+  const auto probe = StartProbe();
+  StartGromlit();
+  Go(kInProbe);
+  std::vector<std::string> lines;
+  for (size_t i = 1; i <= 3; i++) {
+    player->Press(3);
+    player->Release(3);
+    lines = probe->Wait(2 * i, "Button");
+  }
+  ASSERT_EQ(lines.size(), 6u);
+  for (size_t i = 0; i < lines.size(); i += 2) {
+    EXPECT_EQ(lines[i], ButtonLine("ButtonPress", kInProbe, probe->window(), 0, false));
+    EXPECT_EQ(lines[i + 1],
+              ButtonLine("ButtonRelease", kInProbe, probe->window(), Button3Mask, false));
+  }
+  // What would be a stroke is the application's dragging.
+  player->Press(3);
+  probe->Wait(7, "Button");
+  for (int x = kInProbe.x; x <= kInProbe.x + 200; x += 8) player->MoveTo(x, kInProbe.y);
+  player->Release(3);
+  probe->Wait(8, "Button");
+  EXPECT_TRUE(MappedOverlays().empty());
+  EXPECT_TRUE(PointerBecomesFree());
+  EXPECT_FALSE(testing::Exists(MarkFile("right")));
+}
+
+TEST_P(CaptureTest, DefaultHandsOffLeavesGesturesWhereThereIsAPlugin) {
+  WritePlugin("Default", {{"right", kRight, {Touch("default")}}}, "Default", kHandsOff);
+  WritePlugin("Probe.probe", {{"right", kRight, {Touch("right")}}});
+  const auto probe = StartProbe();
+  const ProbeClient other(install->path(), {"--class", "Other", "other", "--override-redirect",
+                                            "--geometry", "80x80+920+600"});
+  StartGromlit();
+  Go({960, 640});
+  player->Press(3);
+  player->Release(3);
+  for (const std::string& line : other.Wait(2, "Button"))
+    EXPECT_NE(line.find("send_event=0"), std::string::npos) << line;
+  Draw(kDrawRight);
+  EXPECT_TRUE(Appears("right"));
+  EXPECT_FALSE(testing::Exists(MarkFile("default")));
 }
 
 TEST_P(CaptureTest, PressWhileAnotherButtonIsHeldIsReplayed) {

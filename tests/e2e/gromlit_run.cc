@@ -100,8 +100,9 @@ void GromlitRun::TearDown() {
 }
 
 void GromlitRun::WritePlugin(const std::string& classname, const std::vector<Action>& actions,
-                             const std::string& appname) {
+                             const std::string& appname, uint8_t manners) {
   GromlitPlugin plugin{};
+  plugin.spare1 = manners;
   CopyText(plugin.appname, appname.empty() ? classname : appname);
   CopyText(plugin.classname, classname);
   for (const Action& from : actions) {

@@ -99,9 +99,9 @@ class GromlitRun : public ::testing::Test {
   void TearDown() override;
 
   // Writes a plug-in of this class into the installation directory; its name is the class unless
-  // another one is given.
+  // another one is given. `manners` is its field spare1.
   void WritePlugin(const std::string& classname, const std::vector<Action>& actions,
-                   const std::string& appname = "");
+                   const std::string& appname = "", uint8_t manners = 0);
   // Options for a run without a splash; `change` may alter them.
   void WriteOptions(int button = 3, int sensitivity = 4);
 

@@ -2,6 +2,7 @@
 #include "tests/e2e/gromlit_run.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -9,6 +10,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "core/option_files.h"
 #include "recognition/stroke_log.h"
 
 namespace gromlit::testing {
@@ -109,6 +111,26 @@ TEST_F(StrokeLogTest, ALogIsContinued) {
   Go({400, 300});
   Draw({{400, 300}, {400, 500}});
   EXPECT_EQ(Logged().size(), 2u);
+}
+
+TEST_F(StrokeLogTest, AStrokeThatDefaultAnswersIsLoggedWithItsAction) {
+  GromlitUserOptions options{};
+  DefaultUserOptions(&options);
+  options.splash = 0;
+  options.temp2 = kFallBack;
+  ASSERT_EQ(SaveUserOptions(&options, defaultOptionFile), 1);
+  WritePlugin("Default", {{"Never", kRight, {Touch("never")}}, {"Down", kDown, {Touch("down")}}});
+  Start();
+  Draw({{400, 300}, {400, 500}});
+  ASSERT_TRUE(Appears("down"));
+  Draw({{400, 300}, {600, 300}});
+  ASSERT_TRUE(Appears("mark"));
+  const auto logged = Logged();
+  ASSERT_EQ(logged.size(), 2u);
+  EXPECT_EQ(logged[0][1], "Probe.probe");
+  EXPECT_EQ(logged[0][4], "Down");
+  EXPECT_EQ(logged[1][4], "Mark");
+  EXPECT_NE(access(MarkFile("never").c_str(), F_OK), 0) << "the own plug-in's action ran alone";
 }
 
 TEST_F(StrokeLogTest, AClickIsNoLine) {

@@ -92,6 +92,7 @@ TEST_F(Check, ReportsDamagedFilesOfEveryKind) {
   EXPECT_THAT(Problems(),
               ElementsAre("symbols/many.sls: 65 points, cut to the possible 64",
                           "plugins/cut.sla: ends within a command, 0 of 2 actions read",
+                          "plugins/cut.sla: hands off: no gestures over \"XTerm.xterm\"",
                           "options/default.user: ends after 304 of 305 bytes, the missing ones are "
                           "shown as zeros"));
 }
@@ -105,6 +106,16 @@ TEST_F(Check, ReportsFilesThatAreNoDataOrInTheWrongPlace) {
               ElementsAre(HasSubstr("symbols/notes: no symbol, plug-in or options file"),
                           "symbols/pipe: no regular file",
                           HasSubstr("plugins/L.sls: belongs into another directory")));
+}
+
+TEST_F(Check, NamesPluginsThatTurnGesturesOff) {
+  Pack("plugins/Game.sla", R"({"kind":"plugin","classname":"Game.game","spare1":3})");
+  Pack("plugins/Default.sla", R"({"kind":"plugin","classname":"Default","spare1":1})");
+  Pack("plugins/Other.sla", R"({"kind":"plugin","classname":"Other.other","spare1":2})");
+  EXPECT_THAT(Problems(),
+              ElementsAre("plugins/Default.sla: hands off: no gestures over applications without a "
+                          "plug-in",
+                          "plugins/Game.sla: hands off: no gestures over \"Game.game\""));
 }
 
 TEST_F(Check, ReportsValuesThatTheProgramReplaces) {

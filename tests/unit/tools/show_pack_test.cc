@@ -230,6 +230,22 @@ TEST_F(ShowPack, KnowsTheSixTypesByNameAndAllByNumber) {
     EXPECT_EQ(std::to_integer<int>(plugin.at(1177 + 1012 + 56 * j)), expected[j]) << j;
 }
 
+TEST_F(ShowPack, KnowsTheValuesOfReservedFieldsByNameAndAllByNumber) {
+  const auto packs = [this](const std::string& named, const std::string& numbers) {
+    EXPECT_EQ(Pack(named), Pack(numbers)) << named;
+  };
+  packs(
+      R"({"kind":"options","temp1":"real-input","temp2":"fall-back","temp3":"shape","temp4":"modern"})",
+      R"({"kind":"options","temp1":1,"temp2":2,"temp3":1,"temp4":1})");
+  packs(R"({"kind":"options","temp1":"events","temp2":[],"temp3":"signature","temp4":"plain"})",
+        R"({"kind":"options"})");
+  packs(R"({"kind":"options","temp2":["draw-with-locks","fall-back","activate-first",)"
+        R"("open-directly","name-while-drawing",64]})",
+        R"({"kind":"options","temp2":95})");
+  packs(R"({"kind":"plugin","spare1":["hands-off",2]})", R"({"kind":"plugin","spare1":3})");
+  packs(R"({"kind":"plugin","spare1":"hands-off"})", R"({"kind":"plugin","spare1":1})");
+}
+
 TEST_F(ShowPack, EndsNamesAtTheirFirstNul) {
   const Bytes symbol = Pack(R"({"kind":"symbol","name":"ab\u0000cd"})");
   EXPECT_EQ(symbol, Golden(441).Put(0, "GromlitSymbol").Put(13, "ab").bytes());
@@ -409,6 +425,14 @@ TEST_F(ShowPack, SaysWhereADocumentIsWrong) {
       {R"({"kind":"options","button":2147483648})", "button: 2147483648 lies outside"},
       {R"({"kind":"options","button":-2147483649})", "button: -2147483649 lies outside"},
       {R"({"kind":"options","button":null})", "button: a whole number is expected"},
+      {R"({"kind":"options","button":"left"})", "button: a whole number is expected"},
+      {R"({"kind":"options","temp1":"magic"})",
+       "temp1: \"magic\" is no number and none of events, real-input"},
+      {R"({"kind":"options","temp1":["events"]})", "temp1: a whole number is expected"},
+      {R"({"kind":"options","temp2":["fall-back",null]})", "temp2[1]: a whole number is expected"},
+      {R"({"kind":"plugin","spare1":["shape"]})",
+       "spare1[0]: \"shape\" is no number and none of hands-off"},
+      {R"({"kind":"plugin","spare2":"hands-off"})", "spare2: a whole number is expected"},
       {R"({"kind":"plugin","chars":["","","","","","","","",""]})",
        "chars: has 9 items, at most 8"},
       {R"({"kind":"plugin","chars":"x"})", "chars: a list is expected"},

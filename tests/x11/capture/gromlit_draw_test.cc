@@ -13,6 +13,7 @@
 #include "display/draw_button.h"
 #include "display/modes.h"
 #include "display/x_errors.h"
+#include "tests/support/round_trips.h"
 #include "toolkit/dialog.h"
 
 namespace gromlit {
@@ -226,6 +227,85 @@ TEST_F(GromlitDrawTest, PressWhileAnActionIsEditedIsLeftToTheApplication) {
   got = OthersNext();
   EXPECT_EQ(got.type, ButtonRelease);
   EXPECT_FALSE(got.send_event);
+}
+
+// The press of the draw button as the program reads it, and what answering it costs.
+class HandsOffTest : public GromlitDrawTest {
+ protected:
+  void SetUp() override {
+    GromlitDrawTest::SetUp();
+    if (HasFatalFailure()) return;
+    XInternAtom(dpy, "WM_STATE", False);  // which the first look-up asks for
+    Make("Game", "game");
+    player->MoveTo(750, 150);
+    Pump();
+  }
+  void TearDown() override {
+    if (DefaultPlugin != nullptr) DefaultPlugin->spare1 = 0;
+    GromlitDrawTest::TearDown();
+  }
+  testing::Trips Press() {
+    player->Press(3);
+    XEvent press;
+    EXPECT_TRUE(testing::WaitFor(
+        [&] { return XCheckWindowEvent(dpy, root, ButtonPressMask, &press) != 0; }));
+    return testing::CountTrips([&] { GromlitDrawButtonPress(overlay, &press); });
+  }
+  void ExpectPressAndRelease() {
+    XButtonEvent got = OthersNext();
+    EXPECT_EQ(got.type, ButtonPress);
+    EXPECT_FALSE(got.send_event);
+    player->Release(3);
+    Pump();
+    got = OthersNext();
+    EXPECT_EQ(got.type, ButtonRelease);
+    EXPECT_FALSE(got.send_event);
+  }
+};
+
+TEST_F(HandsOffTest, PressOverTheApplicationIsReplayedAfterALookUpOfItsClass) {
+  Plugin("Game", "Game.game", 1)->spare1 = kHandsOff | 2;
+  const testing::Trips trips = Press();
+  EXPECT_EQ(trips.waits, 2u) << "the client of the frame, and its name";
+  EXPECT_LE(trips.requests, 20u);
+  ExpectPressAndRelease();
+}
+
+TEST_F(HandsOffTest, PressThatIsReplayedAnywayIsNotLookedUp) {
+  Plugin("Game", "Game.game", 1)->spare1 = kHandsOff;
+  editingPlugin = 1;
+  const testing::Trips trips = Press();
+  EXPECT_EQ(trips.waits, 0u);
+  EXPECT_EQ(trips.requests, 1u);
+  ExpectPressAndRelease();
+}
+
+TEST_F(HandsOffTest, OtherApplicationsKeepTheirGestures) {
+  Plugin("Game", "Another.another", 1)->spare1 = kHandsOff;
+  const GromlitPlugin* game = Showing("Game.game");
+  HideMain();
+  DrawRight();
+  EXPECT_EQ(app->plugin, game);
+  EXPECT_TRUE(Acted());
+  EXPECT_EQ(OthersNext().type, 0);
+}
+
+TEST_F(HandsOffTest, OfDefaultItCountsWhereThereIsNoPluginAndNotOnOwnWindows) {
+  DefaultPlugin->spare1 = kHandsOff;
+  Press();
+  ExpectPressAndRelease();
+  Showing("Game.game");
+  HideMain();
+  DrawRight();
+  EXPECT_TRUE(Acted());
+  // A popup in the main window, as ever: its press is taken and comes back as a click.
+  MoveInApp(CellX(0) + 32, CellY(0) + 20);
+  Pump();
+  player->Press(3);
+  player->Release(3);
+  EXPECT_TRUE(PumpUntil([&] { return Viewable(app->popup->window); }));
+  CloseGrabbedMenu();
+  Pump();
 }
 
 TEST_F(GromlitDrawTest, PressThatAnotherClientSentIsIgnored) {

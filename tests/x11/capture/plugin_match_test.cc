@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "capture/plugin_match.h"
+#include "core/option_files.h"
 #include "core/strings.h"
 #include "recognition/signature_match.h"
 #include "tests/x11/actions/key_probe.h"
@@ -42,10 +43,12 @@ class PluginMatchTest : public testing::XFixture {
     probe.reset();
     XFixture::TearDown();
     user = nullptr;
+    DefaultPlugin = nullptr;
   }
 
   // Adds an action for the symbol that sends one key.
-  void Action(const Points& points, uint16_t keycode) {
+  void Action(const Points& points, uint16_t keycode) { ActionOf(&plugin, points, keycode); }
+  void ActionOf(GromlitPlugin* owner, const Points& points, uint16_t keycode) {
     GromlitCmd& cmd = commands_.emplace_back();
     cmd.type = kHotKey;
     cmd.nkeys = 1;
@@ -58,7 +61,7 @@ class PluginMatchTest : public testing::XFixture {
     }
     action.ncmds = 1;
     action.cmds[0] = &cmd;
-    plugin.actions[plugin.nactions++] = &action;
+    owner->actions[owner->nactions++] = &action;
   }
 
   // A stroke with `between` points on each side of the polyline.
@@ -88,11 +91,19 @@ class PluginMatchTest : public testing::XFixture {
         {.type = 0, .keycode = 0, .state = 0, .x = 12, .y = 34, .x_root = 312, .y_root = 234});
   }
 
+  // The program's plug-in for everything else, with a stroke down and one to the right.
+  void MakeDefault() {
+    ActionOf(&default_, kDown, 41);
+    ActionOf(&default_, kRight, 42);
+    DefaultPlugin = &default_;
+  }
+
   GromlitPlugin plugin{};
   std::unique_ptr<KeyProbe> probe;
+  GromlitUserOptions options_{};
 
  private:
-  GromlitUserOptions options_{};
+  GromlitPlugin default_{};
   std::deque<GromlitCmd> commands_;
   std::deque<GromlitAction> actions_;
 };
@@ -124,6 +135,29 @@ TEST_F(PluginMatchTest, NoMatchHasNoEffect) {
   EXPECT_EQ(Draw(kL), 0);
   EXPECT_EQ(NextRequest(dpy), before);
   EXPECT_EQ(Seen(), std::vector<KeySeen>{});
+}
+
+TEST_F(PluginMatchTest, WhatAPluginDoesNotKnowIsLeftToDefaultOnlyWhereThatIsChosen) {
+  MakeDefault();
+  Action(kRight, 38);
+  EXPECT_EQ(Draw(kDown), 0);
+  EXPECT_EQ(Seen(), std::vector<KeySeen>{});
+  for (const int32_t way : {kBySignature, kByShape}) {
+    options_.temp2 = kFallBack;
+    options_.temp3 = way;
+    options_.tolerance = 3;
+    EXPECT_EQ(Draw(kDown), 1);
+    EXPECT_EQ(Seen(), Sent(41));
+    EXPECT_EQ(Draw(kRight), 1);
+    EXPECT_EQ(Seen(), Sent(38)) << "a plug-in's own action comes first";
+    EXPECT_EQ(Draw(kL), 0) << "nobody knows it";
+  }
+}
+
+TEST_F(PluginMatchTest, WithoutADefaultPluginNothingIsFallenBackTo) {
+  options_.temp2 = kFallBack;
+  Action(kRight, 38);
+  EXPECT_EQ(Draw(kDown), 0);
 }
 
 TEST_F(PluginMatchTest, PluginWithoutActionsMatchesNothing) {

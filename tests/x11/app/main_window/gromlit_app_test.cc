@@ -617,6 +617,20 @@ TEST_F(GromlitAppTest, TheButtonFollowsTheNewNameOfTheShownPlugin) {
   EXPECT_EQ(updated, 0);
 }
 
+TEST_F(GromlitAppTest, TheButtonTellsThatAPluginIsHandsOff) {
+  GromlitPlugin* plugin = Plugin("Game", "Game.game", 1);
+  plugin->spare1 = kHandsOff;
+  Show(plugin);
+  EXPECT_STREQ(app->txt->label, "Hands off: Game");
+  plugin->spare1 = 2;
+  UpdateGromlitApp(app, plugin->classname, nullptr);
+  EXPECT_STREQ(app->txt->label, "Game");
+  CopyText(plugin->appname, std::string(63, 'n'));
+  plugin->spare1 = kHandsOff;
+  UpdateGromlitApp(app, plugin->classname, nullptr);
+  EXPECT_EQ(std::string(app->txt->label).rfind("Hands off: nnn", 0), 0u) << "no name hides it";
+}
+
 TEST_F(GromlitAppTest, TheLongestNameFitsTheButton) {
   const std::string name(63, 'n');
   Show(Plugin(name, "Long.long", 0));

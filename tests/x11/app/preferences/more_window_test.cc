@@ -3,12 +3,16 @@
 
 #include "app/preferences/more_window.h"
 
+#include <iterator>
 #include <memory>
 
 #include "app/preferences/choices.h"
 #include "app/preferences/user_options_window.h"
 #include "app/windows/dialogs.h"
 #include "core/option_files.h"
+#include "display/display.h"
+#include "display/draw_button.h"
+#include "toolkit/text.h"
 
 namespace gromlit {
 namespace {
@@ -82,6 +86,71 @@ TEST_F(MoreWindowTest, RecommendedTurnsTheBoxesAndNothingElse) {
   for (size_t i = 0; i < Choices().size(); i++)
     EXPECT_EQ(more->boxes[i]->state, Choices()[i].recommended ? 1 : 0);
   EXPECT_EQ(user->temp3, 0);
+}
+
+TEST_F(MoreWindowTest, EveryBoxIsAnOptionOfItsOwn) {
+  struct Expected {
+    const char* caption;
+    int32_t temp1, temp2, temp3;
+  };
+  constexpr Expected kExpected[] = {
+      {"Match by Shape", 0, 0, kByShape},
+      {"Real Input", kRealInput, 0, 0},
+      {"Draw with Locks On", 0, kDrawWithLocks, 0},
+      {"Fall Back to Default", 0, kFallBack, 0},
+      {"Activate the Window First", 0, kActivateFirst, 0},
+      {"Open Web Pages Directly", 0, kOpenDirectly, 0},
+      {"Name the Action while Drawing", 0, kNameWhileDrawing, 0},
+  };
+  ASSERT_EQ(Choices().size(), std::size(kExpected));
+  for (size_t i = 0; i < std::size(kExpected); i++) {
+    SCOPED_TRACE(kExpected[i].caption);
+    EXPECT_STREQ(Choices()[i].caption, kExpected[i].caption);
+    Open();
+    Click(more->boxes[i]->window);
+    Click(more->bsave->window);
+    EXPECT_EQ(user->temp1, kExpected[i].temp1);
+    EXPECT_EQ(user->temp2, kExpected[i].temp2);
+    EXPECT_EQ(user->temp3, kExpected[i].temp3);
+    Open();
+    EXPECT_EQ(more->boxes[i]->state, 1);
+    Click(more->boxes[i]->window);
+    Click(more->bsave->window);
+    EXPECT_EQ(user->temp1, 0);
+    EXPECT_EQ(user->temp2, 0);
+    EXPECT_EQ(user->temp3, 0);
+  }
+}
+
+TEST_F(MoreWindowTest, EveryTextFitsTheWindow) {
+  for (const Choice& choice : Choices()) {
+    EXPECT_LE(TextWidth(txtFontinfo, choice.caption), more->width - 50) << choice.caption;
+    EXPECT_LE(TextWidth(txtFontinfo, choice.sentence), more->width - 50) << choice.sentence;
+  }
+}
+
+TEST_F(MoreWindowTest, LocksCountAsSoonAsOKIsPressed) {
+  ASSERT_TRUE(GrabDrawButton(3));
+  ASSERT_EQ(DrawLocks(), 0u);
+  Open();
+  Click(more->boxes[2]->window);
+  EXPECT_EQ(DrawLocks(), 0u) << "before OK";
+  Click(more->bsave->window);
+  EXPECT_NE(DrawLocks() & LockMask, 0u);
+  Open();
+  Click(more->boxes[2]->window);
+  Click(more->bsave->window);
+  EXPECT_EQ(DrawLocks(), 0u);
+}
+
+TEST_F(MoreWindowTest, RecommendedIsWhatMakesItWorkWithEverything) {
+  Open();
+  Click(more->brecommended->window);
+  Click(more->bsave->window);
+  EXPECT_EQ(user->temp1, kRealInput);
+  EXPECT_EQ(user->temp2, kDrawWithLocks | kFallBack | kActivateFirst | kOpenDirectly);
+  EXPECT_EQ(user->temp3, kByShape);
+  EXPECT_EQ(user->temp4, 0);
 }
 
 TEST_F(MoreWindowTest, AValueOfALaterVersionStaysUnlessTheBoxIsTurned) {
