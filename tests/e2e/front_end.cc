@@ -389,7 +389,7 @@ bool FrontEnd::Over(Window window, int x, int y) {
   // A window manager may still be moving the window to its place.
   const bool over = WaitFor([&] {
     const Point origin = OriginOf(window);
-    hand({origin.x + x, origin.y + y});
+    move_hand({origin.x + x, origin.y + y});
     seen = UnderPointer();
     const Player::Pointer at = player->Where();
     // While a press is held back for somebody, the pointer does not move.
@@ -502,7 +502,7 @@ void FrontEnd::GoToRow(Window menu, int row, int above) {
   EXPECT_TRUE(WaitFor([&] {
     // The menu's grab may come later than its window; only then does it see the pointer move.
     x = 2 * far - 1 - x;
-    hand({origin.x + x, origin.y + above + 4 + top + ItemHeight() / 2});
+    move_hand({origin.x + x, origin.y + above + 4 + top + ItemHeight() / 2});
     return WaitFor(
         [&] { return player->Pixel(origin.x + std::min(5, far), origin.y + top + 2) == kWhite; },
         std::chrono::milliseconds(200));

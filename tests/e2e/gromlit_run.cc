@@ -213,7 +213,7 @@ std::string GromlitRun::WhereItStands() {
 }
 
 void GromlitRun::Go(Point to) {
-  hand(to);
+  move_hand(to);
   EXPECT_TRUE(WaitFor([&] {
     const Player::Pointer at = player->Where();
     return at.x == to.x && at.y == to.y;

@@ -124,7 +124,7 @@ class GromlitRun : public ::testing::Test {
 
   // How the hand comes to a point of the screen: with one jump, unless a test has it go as a person
   // does, over all that lies on the way.
-  std::function<void(Point to)> hand = [this](Point to) { player->MoveTo(to.x, to.y); };
+  std::function<void(Point to)> move_hand = [this](Point to) { player->MoveTo(to.x, to.y); };
   // Moves the pointer and waits until it is there.
   void Go(Point to);
   // Draws with the draw button through these screen points, in steps of `step` pixels; returns when

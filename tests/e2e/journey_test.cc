@@ -79,7 +79,7 @@ class JourneyTest : public testing::FrontEnd {
     other_ = std::make_unique<ProbeClient>(
         install->path(), std::vector<std::string>{"--class", "Other", "other", "--geometry",
                                                   "260x160+980+720", "--title", "Other"});
-    hand = [this](Point to) { Wander(to); };
+    move_hand = [this](Point to) { Wander(to); };
     Open();
   }
   void TearDown() override {

@@ -6,6 +6,7 @@ namespace {
 
 using testing::Box;
 using testing::Picture;
+using testing::Point;
 using testing::Take;
 using testing::Title;
 using testing::WaitFor;
@@ -79,7 +80,32 @@ TEST_F(EditorPictures, ThePreferences) {
   // The box is checked unless somebody does not want the splash, as these pictures do not.
   ClickIn(WaitChild(window, 16, TextHeight() + 180), 6, 6);
   ForBoth("preferences", Still(Framed(window)));
+  ClickChild(window, BoxOf(window).width - 80, 100);  // More...
+  const Window more = Editor("MorePreferences");
+  ClickChild(more, BoxOf(more).width - 272, BoxOf(more).height - 40);  // Recommended
+  ForBoth("more-preferences", Still(Framed(more)));
+  Cancel("MorePreferences");
   Cancel("Preferences");
+}
+
+// The tick again, as a stroke of the draw button: in its middle, and what it becomes.
+TEST_F(EditorPictures, ASymbolDrawnWithOneStroke) {
+  Open();
+  Choose(Title::kSymbol, testing::kSymbolNew);
+  const Window window = Editor("SymbolEditor");
+  const Window area = WaitChild(window, 16, 100);
+  const Point origin = OriginOf(area);
+  std::vector<Point> stroke = {{40, 150},  {60, 168},  {80, 190},  {104, 222},
+                               {120, 196}, {150, 150}, {184, 104}, {226, 62}};
+  for (Point& point : stroke) point = {origin.x + point.x, origin.y + point.y};
+  Go(stroke[0]);
+  player->Press(3);
+  Trace(stroke);
+  const Picture drawing = Still(Bare(area));
+  player->Release(3);
+  EXPECT_TRUE(WaitFor([&] { return Take(player->display(), Bare(area)) != drawing; }));
+  ForBoth("symbol-editor-stroke", testing::Sheet({drawing, Still(Bare(area))}, 2, 12));
+  Cancel("SymbolEditor");
 }
 
 }  // namespace
