@@ -162,11 +162,17 @@ std::vector<HotKey> LoggedKeys() {
           {"Super", {{XK_x, Mod4Mask}}, Effect::kLogs, "Super-x"}};
 }
 
+// Those of a browser, whose own menu opens by a key.
+std::vector<HotKey> BrowserKeys() {
+  std::vector<HotKey> keys = LoggedKeys();
+  keys[1] = {"Alt", {{XK_f, Mod1Mask}}, Effect::kOpensMenu};
+  return keys;
+}
+
 // Keys of an editor with a menu bar.
 std::vector<HotKey> EditorKeys() {
-  std::vector<HotKey> keys = LoggedKeys();
+  std::vector<HotKey> keys = BrowserKeys();
   keys.pop_back();
-  keys[1] = {"Alt", {{XK_f, Mod1Mask}}, Effect::kOpensMenu};
   return keys;
 }
 
@@ -241,7 +247,7 @@ Client ClientOf(Toolkit toolkit) {
                         .classname = "Chromium.chromium",
                         .file = "page.html",
                         .text = kPage},
-              .keys = LoggedKeys(),
+              .keys = BrowserKeys(),
               .save = {}};
   }
   return {};
