@@ -44,6 +44,7 @@ struct Row {
   const char* name;
   Outcome sent;
   Outcome real;
+  bool deafinxfwm4 = false;  // takes no key there that is sent, though it has the focus
 };
 
 constexpr const char* kEvery = "Control Alt Shift Super";
@@ -55,7 +56,7 @@ constexpr const char* kDead = "ASCII but dead keys";
 // The expectation.
 const std::array<Row, 6> kRows = {{
     {Toolkit::kXterm, "xterm", {"no", "no", "yes"}, {"all", kEvery, "yes"}},
-    {Toolkit::kGtk3, "mousepad", {kDead, kThree, "yes"}, {"all", kThree, "yes"}},
+    {Toolkit::kGtk3, "mousepad", {kDead, kThree, "yes"}, {"all", kThree, "yes"}, true},
     {Toolkit::kGtk4, "gtk4", {"no", "no", "yes"}, {"all", kEvery, "yes"}},
     {Toolkit::kQt, "featherpad", {kDead, kThree, "yes"}, {"all", kThree, "yes"}},
     {Toolkit::kXaw,
@@ -262,6 +263,8 @@ class ApplicationsTest : public testing::ShellRun,
   void SetUp() override {
     ShellRun::SetUp();
     row_ = std::get<Row>(GetParam());
+    if (row_.deafinxfwm4 && std::string(std::get<const char*>(GetParam())) == "xfwm4")
+      row_.sent = {"no", "no", row_.sent.click};
     client_ = ClientOf(row_.toolkit);
     setenv("HOME", install->path().c_str(), 1);  // the window manager's configuration is its own
     if (row_.toolkit == Toolkit::kChromium && !std::filesystem::exists("/usr/bin/chromium"))
