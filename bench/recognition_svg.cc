@@ -54,7 +54,7 @@ std::string Picture(const Stroke& stroke, double left, double top, double size,
 
 std::string PlotSvg(const std::vector<Curve>& curves, CurvePoint mark) {
   constexpr double kLeft = 60;
-  constexpr double kTop = 20;
+  constexpr double kTop = 40;
   constexpr double kWide = 520;
   constexpr double kHigh = 360;
   constexpr double kMostWrong = 6;
@@ -65,7 +65,7 @@ std::string PlotSvg(const std::vector<Curve>& curves, CurvePoint mark) {
   const auto y = [=](double right) {
     return kTop + (100 - std::max(right, kLeastRight)) / (100 - kLeastRight) * kHigh;
   };
-  std::string svg = Open(620, 430);
+  std::string svg = Open(620, 450);
   for (int wrong = 0; wrong <= kMostWrong; wrong++) {
     svg += Line(
         Number(x(wrong)) + "," + Number(kTop) + " " + Number(x(wrong)) + "," + Number(kTop + kHigh),
@@ -79,7 +79,8 @@ std::string PlotSvg(const std::vector<Curve>& curves, CurvePoint mark) {
     svg += Text(kLeft - 6, y(right) + 4, std::to_string(right) + " %", "end");
   }
   svg += Text(kLeft + kWide, kTop + kHigh + 38, "wrong", "end");
-  svg += Text(kLeft + 6, kTop + 14, "right");
+  // Above the axis: at its upper end within the frame is where a good curve runs.
+  svg += Text(kLeft - 6, kTop - 16, "right", "end");
   double legend = kTop + kHigh - 60;
   for (const Curve& curve : curves) {
     std::string points;
