@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <string_view>
 
 #include "core/strings.h"
 
@@ -20,6 +21,33 @@ constexpr const char* kOptionText[] = {
     "",
 };
 
+// What else the help says. The usage, which answers a wrong call, stays short.
+constexpr const char* kFurtherText[] = {
+    "    -help, -h, --help      Print this text",
+    "    --version              Print the version",
+};
+
+void PrintHelp() {
+  std::printf("usage:  %s [-options ...]\n", ProgramName);
+  std::printf("where options include:\n");
+  for (const char* line : kOptionText) {
+    if (*line != '\0') std::printf("%s\n", line);
+  }
+  for (const char* line : kFurtherText) std::printf("%s\n", line);
+}
+
+// Words that count as a whole, before an option's letter does: these print and end the program.
+void ObeyWholeWord(std::string_view word) {
+  if (word == "-h" || word == "-help" || word == "--help") {
+    PrintHelp();
+    std::exit(0);
+  }
+  if (word == "--version") {
+    std::printf("gromlit %s\n", GROMLIT_VERSION);
+    std::exit(0);
+  }
+}
+
 }  // namespace
 
 void usage() {
@@ -34,6 +62,7 @@ CommandLine ParseCommandLine(int argc, char** argv) {
   if (argc > 0) ProgramName = argv[0];
   for (int i = 1; i < argc; i++) {
     const char* option = argv[i];
+    ObeyWholeWord(option);
     if (option[0] != '-') usage();
     const char* ignored;
     const char** value;

@@ -17,8 +17,10 @@ struct CommandLine {
 // Prints how to call the program on standard error and exits with status 1.
 [[noreturn]] void usage();
 
-// Reads the arguments. Only the second character of an option counts: d (display) and p (path) take
-// the next argument, n takes it and ignores it. Anything else ends in usage().
+// Reads the arguments. Taken as whole words first: -h, -help, --help and --version, which print on
+// standard output and exit with status 0. Of other options only the second character counts: d
+// (display) and p (path) take the next argument, n takes it and ignores it. Anything else ends in
+// usage().
 CommandLine ParseCommandLine(int argc, char** argv);
 
 // The installation directory: the -path value, else the environment's GROMLIT, else "."; exactly

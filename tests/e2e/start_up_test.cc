@@ -94,10 +94,39 @@ TEST_F(StartUpTest, BareWordPrintsTheUsage) {
 
 TEST_F(StartUpTest, UnknownLetterPrintsTheUsage) {
   ExpectUsage({"-x"});
-  ExpectUsage({"-help"});
+  // Near to the words that are taken as a whole, and none of them.
+  for (const char* word : {"-helpme", "--h", "-H", "-version", "--versions", "--remote", "-r"}) {
+    ExpectUsage({word});
+  }
   ExpectUsage({"--display", server->name()});
   ExpectUsage({"-D", server->name()});
   ExpectUsage({"-path", install->path(), "-q"});
+}
+
+TEST_F(StartUpTest, HelpIsPrintedWhereItCanBeRead) {
+  for (const char* word : {"-h", "-help", "--help"}) {
+    SCOPED_TRACE(word);
+    for (const char* before : {"", "unset DISPLAY;"}) {
+      // Also behind other options, but for what is the value of one.
+      const Ending ending = RunToEnd({"-n", "-x", "-path", "/nowhere", word}, {.before = before});
+      EXPECT_EQ(ending.status, 0);
+      EXPECT_EQ(ending.err, "");
+      for (const char* part :
+           {" [-options ...]\n", "-display displayname", "-path path", "--version"})
+        EXPECT_NE(ending.out.find(part), std::string::npos) << part << " in\n" << ending.out;
+      EXPECT_LT(std::count(ending.out.begin(), ending.out.end(), '\n'), 15);
+    }
+  }
+  ExpectNoDisplay({"-display", "-help"}, "-help");
+  EXPECT_TRUE(NamesIn(*install / "plugins").empty());
+}
+
+TEST_F(StartUpTest, VersionIsPrinted) {
+  const Ending ending = RunToEnd({"--version"}, {.before = "unset DISPLAY;"});
+  EXPECT_EQ(ending.status, 0);
+  EXPECT_TRUE(ending.out.starts_with("gromlit 1.")) << ending.out;
+  EXPECT_EQ(std::count(ending.out.begin(), ending.out.end(), '\n'), 1);
+  EXPECT_EQ(ending.err, "");
 }
 
 TEST_F(StartUpTest, LoneDashPrintsTheUsage) {
