@@ -37,6 +37,9 @@ class StrokeLabelTest : public testing::WidgetFixture {
     HideStrokeLabel(&label);
     HideTrail(&trail);
     user = nullptr;
+    // The program's live as long as it does; these windows lie in the fixture.
+    if (label.gc != nullptr) XFreeGC(dpy, label.gc);
+    if (windows_.gc != nullptr) XFreeGC(dpy, windows_.gc);
     WidgetFixture::TearDown();
   }
 
