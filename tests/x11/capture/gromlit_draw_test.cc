@@ -61,6 +61,17 @@ class GromlitDrawTest : public testing::MainWindowFixture {
     }
     return event.xbutton;
   }
+  // The press got through to the other client as the server made it, and so does its release.
+  void ExpectPressAndRelease() {
+    XButtonEvent got = OthersNext();
+    EXPECT_EQ(got.type, ButtonPress);
+    EXPECT_FALSE(got.send_event);
+    player->Release(3);
+    Pump();
+    got = OthersNext();
+    EXPECT_EQ(got.type, ButtonRelease);
+    EXPECT_FALSE(got.send_event);
+  }
   // The user draws to the right, from (750, 150) to (850, 150), while the program captures: each
   // step waits until the pointer is thawed up to there.
   void DrawRight() {
@@ -219,14 +230,7 @@ TEST_F(GromlitDrawTest, PressWhileAnActionIsEditedIsLeftToTheApplication) {
   player->MoveTo(750, 150);
   player->Press(3);
   Pump();
-  XButtonEvent got = OthersNext();
-  EXPECT_EQ(got.type, ButtonPress);
-  EXPECT_FALSE(got.send_event);
-  player->Release(3);
-  Pump();
-  got = OthersNext();
-  EXPECT_EQ(got.type, ButtonRelease);
-  EXPECT_FALSE(got.send_event);
+  ExpectPressAndRelease();
 }
 
 // The press of the draw button as the program reads it, and what answering it costs.
@@ -250,16 +254,6 @@ class HandsOffTest : public GromlitDrawTest {
     EXPECT_TRUE(testing::WaitFor(
         [&] { return XCheckWindowEvent(dpy, root, ButtonPressMask, &press) != 0; }));
     return testing::CountTrips([&] { GromlitDrawButtonPress(overlay, &press); });
-  }
-  void ExpectPressAndRelease() {
-    XButtonEvent got = OthersNext();
-    EXPECT_EQ(got.type, ButtonPress);
-    EXPECT_FALSE(got.send_event);
-    player->Release(3);
-    Pump();
-    got = OthersNext();
-    EXPECT_EQ(got.type, ButtonRelease);
-    EXPECT_FALSE(got.send_event);
   }
 };
 
