@@ -30,4 +30,13 @@ bool IsOn(const GromlitUserOptions& options, const Choice& choice);
 // choice's stays as it is when the choice is turned off.
 void TurnChoice(GromlitUserOptions* options, const Choice& choice, bool on);
 
+// Turns every choice to what is recommended: the first start of a new user.
+void ChooseRecommended(GromlitUserOptions* options);
+
+// Whether a recommended choice is off.
+bool LacksRecommended(const GromlitUserOptions& options);
+
+// How many choices are recommended.
+int RecommendedChoices();
+
 }  // namespace gromlit
