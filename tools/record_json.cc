@@ -301,7 +301,8 @@ void ResolveKeys(const std::string& text, const std::string& where, GromlitCmd* 
 
 void ReadCommand(const Json& object, const std::string& where, GromlitCmd* cmd) {
   ObjectReader in(object, where);
-  if (const Json* type = in.Find("type")) cmd->type = ReadType(*type, in.Where("type"));
+  const Json* type = in.Find("type");
+  if (type != nullptr) cmd->type = ReadType(*type, in.Where("type"));
   if (const Json* keys = in.List("keys", kMaxKeys)) {
     for (size_t i = 0; i < keys->size(); i++) {
       ObjectReader::ToPair((*keys)[i], Item(in.Where("keys"), i), &cmd->keycode[i],
@@ -310,7 +311,9 @@ void ReadCommand(const Json& object, const std::string& where, GromlitCmd* cmd) 
     cmd->nkeys = static_cast<uint8_t>(keys->size());
   }
   const std::string text = in.Bytes("text");
-  if (cmd->type == kHotKey && in.Find("keys") == nullptr && !text.empty())
+  // A number is what a record holds, whatever it is; the name is what an author means.
+  const bool named = type != nullptr && type->is_string() && cmd->type == kHotKey;
+  if (named && in.Find("keys") == nullptr && !text.empty())
     ResolveKeys(text, in.Where("text"), cmd);
   in.Number("nkeys", &cmd->nkeys);
   if (!text.empty()) {
