@@ -11,6 +11,10 @@
 
 namespace gromlit {
 
+// A file in the installation directory that has the program tell, once, of recommended choices that
+// are off.
+inline constexpr const char* kNewsFile = "notice";
+
 struct Choice {
   const char* caption;
   const char* sentence;  // what it does, in a line of its own
