@@ -144,6 +144,19 @@ bool Report(const std::string& directory, const Preparation& done) {
   return done.usable;
 }
 
+// A server that resets itself when its last client leaves refuses connections for a moment: one
+// refusal is not believed.
+Running AskRunning(const std::string& program, const char* display) {
+  constexpr int kTries = 3;
+  constexpr useconds_t kPause = 300'000;
+  Running answer = ShowRunning(program, display);
+  for (int i = 1; i < kTries && answer == Running::kNoDisplay; i++) {
+    usleep(kPause);
+    answer = ShowRunning(program, display);
+  }
+  return answer;
+}
+
 int Start(const Call& call) {
   std::string directory;
   std::string error;
@@ -152,7 +165,7 @@ int Start(const Call& call) {
   if (!call.prepare) {
     if (program.empty()) return Complain(kTrouble, "gromlit is neither beside me nor in PATH");
     // First of all: what runs has its files open.
-    switch (ShowRunning(program, call.display)) {
+    switch (AskRunning(program, call.display)) {
       case Running::kShown:
         return kSuccess;
       case Running::kNoDisplay:
