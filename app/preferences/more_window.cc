@@ -3,9 +3,9 @@
 #include <cerrno>
 
 #include "actions/launch.h"
-#include "app/preferences/choices.h"
 #include "app/windows/dialogs.h"
 #include "app/windows/top_level.h"
+#include "core/choices.h"
 #include "core/option_files.h"
 #include "display/display.h"
 #include "display/draw_button.h"

@@ -1,5 +1,5 @@
 // The window behind the preferences' button "More...": a check box and a sentence for each choice
-// beyond the stated behaviour (app/preferences/choices.h).
+// beyond the stated behaviour (core/choices.h).
 //
 //   event          what happens                                                function
 //   -----          ------------                                                --------

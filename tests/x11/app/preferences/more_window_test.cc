@@ -6,7 +6,7 @@
 #include <iterator>
 #include <memory>
 
-#include "app/preferences/choices.h"
+#include "core/choices.h"
 #include "app/preferences/user_options_window.h"
 #include "app/windows/dialogs.h"
 #include "core/option_files.h"
