@@ -114,6 +114,7 @@ class RemoteTest : public testing::FrontEnd {
     XEvent event{};
     event.xclient = message;
     XSendEvent(player->display(), to, False, NoEventMask, &event);
+    XSync(player->display(), False);
   }
   // Errors of requests about windows that have gone.
   static int Forget(Display*, XErrorEvent*) { return 0; }
@@ -323,6 +324,7 @@ TEST_F(RemoteTest, MessagesThatAreNoCallChangeNothing) {
   LaunchInstalled();
   const Window owner = Owner();
   ASSERT_NE(owner, Window{0});
+  XSelectInput(player->display(), owner, StructureNotifyMask);
   constexpr long kQuit = 6;
   for (const long word : {-1L, 7L, 0x7FFFFFFFL, -0x80000000L, 0x100L + kQuit})
     Send(owner, MessageOf(owner, "_GROMLIT_REMOTE", 32, word));
@@ -339,9 +341,13 @@ TEST_F(RemoteTest, MessagesThatAreNoCallChangeNothing) {
   clear.xselectionclear.window = owner;
   clear.xselectionclear.selection = Selection();
   XSendEvent(player->display(), owner, False, NoEventMask, &clear);
+  XSync(player->display(), False);
   ExpectRemote("status", 0, "running\n");
   EXPECT_EQ(Owner(), owner);
   EXPECT_TRUE(Viewable(main));
+  XEvent answer{};
+  ASSERT_TRUE(XCheckTypedWindowEvent(player->display(), owner, ClientMessage, &answer));
+  EXPECT_NE(answer.xclient.data.l[0], 4711) << "no call, but answered";
   EXPECT_TRUE(DesktopActs("acted"));
 }
 
