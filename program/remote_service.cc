@@ -19,6 +19,9 @@
 namespace gromlit {
 namespace {
 
+// Any window id that no window has.
+constexpr Window kNoWindow = 1;
+
 // How often the selection is asked for in a row, should its owners come and go meanwhile.
 constexpr int kTries = 8;
 
@@ -148,8 +151,12 @@ void Lost(Service* s, XEvent* event) {
 }
 
 void OtherEnded(Service* s, XEvent* event) {
-  if (event->xany.send_event != False || s->window != None) return;
-  Acquire(s);
+  const XDestroyWindowEvent& end = event->xdestroywindow;
+  // Another one may be watched by now.
+  if (end.send_event != False || end.window != s->other->window) return;
+  // The server gives the number to a later client, whose window is none of the program's.
+  s->other->window = kNoWindow;
+  if (s->window == None) Acquire(s);
 }
 
 // The entry for a window, of which there is one after another, in the table that only grows.

@@ -410,6 +410,32 @@ TEST_F(RemoteTest, SelectionThatIsTakenAwayComesBack) {
   ExpectRemote("quit", 0);
 }
 
+TEST_F(RemoteTest, WindowThatGetsTheNumberOfTheOneThatEndedIsNotTakenForTheProgramsOwn) {
+  LaunchInstalled();
+  HideMainWindow();
+  const auto connect = [this] {
+    return std::unique_ptr<Display, int (*)(Display*)>(XOpenDisplay(server->name().c_str()),
+                                                       XCloseDisplay);
+  };
+  auto former = connect();
+  auto other = std::make_unique<FakeOwner>(former.get(), Selection());
+  const Window number = other->window();
+  ASSERT_TRUE(WaitFor([&] { return IsWatched(number); }));
+  other.reset();
+  former.reset();
+  ASSERT_TRUE(WaitFor([&] { return Owner() != 0; }));
+  // The server gives a new client the numbers of the one that went.
+  const auto late = connect();
+  const Window window =
+      XCreateSimpleWindow(late.get(), player->root(), 600, 300, 400, 300, 0, 0, 0);
+  ASSERT_EQ(window, number);
+  testing::SetClass(late.get(), window, "Late", "late");
+  XMapWindow(late.get(), window);
+  XSync(late.get(), False);
+  Draw({{650, 400}, {900, 400}});
+  EXPECT_NE(WaitDialog(), Window{0}) << "an application without a plug-in is offered one";
+}
+
 TEST_F(RemoteTest, OfTwoProgramsTheFirstIsFoundAndTheOtherTakesOver) {
   LaunchInstalled();
   const Window first = Owner();
