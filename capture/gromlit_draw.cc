@@ -347,7 +347,7 @@ void GromlitDrawButtonPress(GromlitDraw* draw, XEvent* event) {
   // Nothing is frozen on account of a synthetic press; replaying could release a real one that
   // waits behind it, whose capture would then never end.
   if (press.send_event) return;
-  if ((press.state & ~DrawLocks()) != 0 || editingPlugin != 0) {
+  if ((press.state & ~DrawLocks()) != 0 || editingPlugin != 0 || gesturesPaused != 0) {
     Replay(press);
     return;
   }

@@ -9,7 +9,8 @@
 //   idle       press with a modifier that    idle       replayed to the window under the pointer
 //              is no lock chosen to be drawn
 //              with, or another button, or
-//              while an action is being edited
+//              while an action is being edited,
+//              or while gestures are paused
 //   idle       press over an application     idle       replayed, once its class is known
 //              that is hands off
 //   idle       press                         pressed    Thaw (widened grab), then Search
