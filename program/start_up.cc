@@ -24,6 +24,7 @@
 #include "app/symbols/symbol_commands.h"
 #include "app/symbols/symbol_dialog.h"
 #include "app/symbols/symbol_editor.h"
+#include "app/tray/tray_icon.h"
 #include "app/windows/dialogs.h"
 #include "app/windows/splash.h"
 #include "app/windows/top_level.h"
@@ -174,6 +175,7 @@ void StartUp(const CommandLine& line) {
   // From here on windows of other clients are asked about that may be gone already.
   XSetErrorHandler(GromlitXErrorHandler);
   CreateAppTrack();
+  WatchForTrays();
 }
 
 }  // namespace gromlit
