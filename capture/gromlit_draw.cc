@@ -247,7 +247,8 @@ bool Capture::IsStroke() const {
 void Capture::Release(const XButtonEvent& release) {
   HideStrokeLabel(&draw_->label);
   if (onicon_) {
-    SendClick(target_.click, target_.winx, target_.winy);
+    ClickTrayIcon({target_.click, target_.winx, target_.winy, press_.x_root, press_.y_root},
+                  press_.button);
     return;
   }
   if (!IsStroke()) {

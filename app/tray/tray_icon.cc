@@ -138,6 +138,16 @@ bool IsTrayIcon(Window window) {
   return window != None && trayicon != nullptr && trayicon->window == window;
 }
 
+void ClickTrayIcon(const InputPlace& place, unsigned button) {
+  XEvent event{};
+  event.xbutton.button = button;
+  PlaceInput(&event.xbutton, place, 0);
+  for (const int type : {ButtonPress, ButtonRelease}) {
+    event.type = type;
+    XSendEvent(dpy, place.win, False, NoEventMask, &event);  // to who made the window, alone
+  }
+}
+
 void RefreshTrayIcon() {
   if (trayicon == nullptr || trayicon->window == None) return;
   ForgetPicture(trayicon);

@@ -23,6 +23,7 @@
 #include <X11/Xlib.h>
 
 #include "app/tray/tray_record.h"
+#include "display/sent_input.h"
 
 namespace gromlit {
 
@@ -33,6 +34,11 @@ void WatchForTrays();
 
 // Whether a window is the icon's, and in a tray. False for None.
 bool IsTrayIcon(Window window);
+
+// Clicks on the icon in the user's place, where the draw button's press and release were taken by
+// the capture. `place` is where it was; its window is the icon's. The tray, which listens to the
+// icon's window for other things, does not hear of it: there are trays that end when they do.
+void ClickTrayIcon(const InputPlace& place, unsigned button);
 
 // Shows the mode that gestures are in. To be called when it has changed.
 void RefreshTrayIcon();
