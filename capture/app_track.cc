@@ -50,8 +50,9 @@ void GromlitAppTrackEnter(void*, XEvent* event) {
   const Target entered = FindApplication(crossing.window, crossing.x_root, crossing.y_root);
   // The program's own windows are found inside a window manager's frames. On the way to one of them
   // the main window must keep what its menus are about to act on.
-  if (entered.app == None || IsOwnTarget(entered)) return;
+  if (IsOwnTarget(entered)) return;
   NoteEntered(entered, crossing.window);
+  if (entered.app == None) return;
   int updated = 0;
   UpdateGromlitApp(app, entered.cname.data(), &updated);
   if (updated != 0) DrawGromlitApp(app);
