@@ -4,6 +4,7 @@
 #include <X11/Xutil.h>
 
 #include <algorithm>
+#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -33,8 +34,8 @@ std::string SelectionName() {
   return "_NET_SYSTEM_TRAY_S" + std::to_string(screen);
 }
 
-void SetText(Window window, const char* name, Atom type, std::string_view text) {
-  XChangeProperty(dpy, window, AtomOf(name), type, 8, PropModeReplace,
+void SetText(Window window, Atom name, Atom type, std::string_view text) {
+  XChangeProperty(dpy, window, name, type, 8, PropModeReplace,
                   reinterpret_cast<const unsigned char*>(text.data()),
                   static_cast<int>(text.size()));
 }
@@ -50,10 +51,10 @@ void AskForSize(Window window, int least) {
 
 // What trays and their users are told: the name is what they show beside the pointer.
 void DescribeIcon(Window window) {
-  SetText(window, "WM_NAME", XA_STRING, "Gromlit");
-  SetText(window, "_NET_WM_NAME", AtomOf("UTF8_STRING"), "Gromlit");
+  SetText(window, XA_WM_NAME, XA_STRING, "Gromlit");
+  SetText(window, AtomOf("_NET_WM_NAME"), AtomOf("UTF8_STRING"), "Gromlit");
   using namespace std::literals;
-  SetText(window, "WM_CLASS", XA_STRING, "Tray\0Gromlit\0"sv);
+  SetText(window, XA_WM_CLASS, XA_STRING, "Tray\0Gromlit\0"sv);
   AskForSize(window, kLeastSize);
   const long info[] = {0, kXembedMapped};  // version of the protocol, flags
   XChangeProperty(dpy, window, AtomOf("_XEMBED_INFO"), AtomOf("_XEMBED_INFO"), 32, PropModeReplace,
@@ -101,6 +102,14 @@ void DropIcon(TrayIcon* icon) {
   ForgetPicture(icon);
 }
 
+// All at once: Xlib remembers them, and asks for each by itself else.
+void MakeTrayAtoms() {
+  const char* names[] = {"_NET_SYSTEM_TRAY_OPCODE", "_NET_WM_NAME", "UTF8_STRING", "_XEMBED_INFO",
+                         "MANAGER"};
+  Atom atoms[std::size(names)];
+  XInternAtoms(dpy, const_cast<char**>(names), static_cast<int>(std::size(names)), False, atoms);
+}
+
 // Whether the tray is alive and will be missed when it is gone.
 bool WatchTray(Window tray) {
   XWindowAttributes attributes;
@@ -112,6 +121,7 @@ bool WatchTray(Window tray) {
 
 void Dock(TrayIcon* icon, Window tray) {
   if (!WatchTray(tray)) return;
+  MakeTrayAtoms();
   if (icon->window == None) MakeIconWindow(icon);
   icon->tray = tray;
   TellWindow(tray, "_NET_SYSTEM_TRAY_OPCODE",

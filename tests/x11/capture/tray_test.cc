@@ -1,5 +1,4 @@
-// The icon in the system tray, in a tray of the test's own: a client that owns the selection, takes
-// icons in, and dies when the test wants it to.
+// The icon in the system tray, in a tray of the test's own.
 //
 // First: the test library's headers cannot bear Xlib's macros.
 #include "tests/x11/app/command_fixture.h"
@@ -19,7 +18,7 @@
 #include "display/draw_button.h"
 #include "display/pause.h"
 #include "display/window_manager.h"
-#include "display/x_errors.h"
+#include "tests/x11/capture/test_tray.h"
 
 namespace gromlit {
 namespace {
@@ -27,87 +26,7 @@ namespace {
 using Labels = std::vector<std::string>;
 using testing::Exists;
 using testing::ShownFailure;
-
-// A tray at the lower right corner, with room for one icon.
-class TestTray {
- public:
-  static constexpr int kX = 1080;
-  static constexpr int kY = 984;
-  static constexpr int kIconX = 100;  // of the icon in the tray
-  static constexpr int kIconY = 8;
-
-  TestTray(const std::string& server, bool saves = true, const char* classpart = "Panel")
-      : display_(XOpenDisplay(server.c_str())), saves_(saves) {
-    XSetErrorHandler(GromlitXErrorHandler);  // the icon may be gone, too
-    XSetWindowAttributes attributes{};
-    attributes.override_redirect = True;
-    attributes.background_pixel = 0x203040;
-    window_ =
-        XCreateWindow(display_, DefaultRootWindow(display_), kX, kY, 200, 40, 0, CopyFromParent,
-                      InputOutput, nullptr, CWOverrideRedirect | CWBackPixel, &attributes);
-    if (classpart != nullptr) testing::SetClass(display_, window_, classpart, "panel");
-    XMapRaised(display_, window_);
-    const Atom selection = XInternAtom(display_, "_NET_SYSTEM_TRAY_S0", False);
-    XSetSelectionOwner(display_, selection, window_, CurrentTime);
-    Tell(DefaultRootWindow(display_), "MANAGER", StructureNotifyMask,
-         {CurrentTime, static_cast<long>(selection), static_cast<long>(window_), 0, 0});
-    XSync(display_, False);
-  }
-  // Dies.
-  ~TestTray() {
-    XSync(display_, False);
-    XCloseDisplay(display_);
-  }
-  TestTray(const TestTray&) = delete;
-  TestTray& operator=(const TestTray&) = delete;
-
-  Display* display() const { return display_; }
-  Window window() const { return window_; }
-  Window icon() const { return icon_; }
-  int asked() const { return asked_; }  // requests to dock
-
-  // Takes in what was asked for. Whether there is an icon, then.
-  bool Serve() {
-    XSync(display_, False);
-    while (XPending(display_) > 0) {
-      XEvent event;
-      XNextEvent(display_, &event);
-      if (event.type != ClientMessage || event.xclient.data.l[1] != 0) continue;
-      if (event.xclient.message_type != XInternAtom(display_, "_NET_SYSTEM_TRAY_OPCODE", False))
-        continue;
-      asked_++;
-      icon_ = static_cast<Window>(event.xclient.data.l[2]);
-      if (saves_) XAddToSaveSet(display_, icon_);
-      XReparentWindow(display_, icon_, window_, kIconX, kIconY);
-      Resize(24, 24);
-      XMapWindow(display_, icon_);
-      Tell(icon_, "_XEMBED", NoEventMask, {CurrentTime, 0, 0, static_cast<long>(window_), 0});
-    }
-    XSync(display_, False);
-    return icon_ != None;
-  }
-  void Resize(int width, int height) {
-    XResizeWindow(display_, icon_, static_cast<unsigned>(width), static_cast<unsigned>(height));
-    XSync(display_, False);
-  }
-  void Tell(Window to, const char* name, long mask, const std::array<long, 5>& data) {
-    XEvent event{};
-    event.xclient.type = ClientMessage;
-    event.xclient.window = to;
-    event.xclient.message_type = XInternAtom(display_, name, False);
-    event.xclient.format = 32;
-    std::copy(data.begin(), data.end(), event.xclient.data.l);
-    XSendEvent(display_, to, False, mask, &event);
-    XSync(display_, False);
-  }
-
- private:
-  Display* display_;
-  bool saves_;
-  Window window_;
-  Window icon_ = None;
-  int asked_ = 0;
-};
+using testing::TestTray;
 
 class TrayTest : public testing::CommandFixture {
  protected:
@@ -132,8 +51,8 @@ class TrayTest : public testing::CommandFixture {
   }
 
   // A tray comes, and the program has its icon there.
-  void StartTray(bool saves = true, const char* classpart = "Panel") {
-    tray = std::make_unique<TestTray>(server->name(), saves, classpart);
+  void StartTray(bool saves = true, int depth = 24) {
+    tray = std::make_unique<TestTray>(server->name(), saves, depth);
     EXPECT_TRUE(Docks());
   }
   bool Docks() {
@@ -309,6 +228,12 @@ TEST_F(TrayTest, AnotherTrayTakesTheIconOver) {
   EXPECT_EQ(testing::ParentOf(player->display(), former->icon()), None);
 }
 
+TEST_F(TrayTest, TrayOfAnotherDepthIsATrayToo) {
+  WatchForTrays();
+  StartTray(true, 32);
+  EXPECT_TRUE(PumpUntil([&] { return Count(Look(), IsBlue) > 40; }));
+}
+
 TEST_F(TrayTest, MessagesOfTheEmbedderChangeNothing) {
   WatchForTrays();
   StartTray();
@@ -467,6 +392,9 @@ TEST_F(TrayTest, PluginWithActionsKeepsThem) {
   UpdatePluginsMenu();
   WatchForTrays();
   StartTray();
+  // What the menu uncovers when it goes is not what the user has gone to.
+  Client(1000, 860, 250, 110, "Below", "below");
+  Pump();
   Visit("Edit", "edit");
   ChooseItem("No gestures in Editor");
   EXPECT_EQ(MannersInFile("Edit.edit"), kHandsOff);
