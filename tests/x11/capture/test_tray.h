@@ -57,7 +57,8 @@ class TestTray {
   Display* display() const { return display_; }
   Window window() const { return window_; }
   Window icon() const { return icon_; }
-  int asked() const { return asked_; }  // requests to dock
+  int asked() const { return asked_; }      // requests to dock
+  int buttons() const { return buttons_; }  // button events of the icon's that reached the tray
 
   // Takes in what was asked for. Whether there is an icon, then.
   bool Serve() {
@@ -65,12 +66,14 @@ class TestTray {
     while (XPending(display_) > 0) {
       XEvent event;
       XNextEvent(display_, &event);
+      if (event.type == ButtonPress || event.type == ButtonRelease) buttons_++;
       if (event.type != ClientMessage || event.xclient.data.l[1] != 0) continue;
       if (event.xclient.message_type != XInternAtom(display_, "_NET_SYSTEM_TRAY_OPCODE", False))
         continue;
       asked_++;
       icon_ = static_cast<Window>(event.xclient.data.l[2]);
       if (saves_) XAddToSaveSet(display_, icon_);
+      XSelectInput(display_, icon_, PropertyChangeMask | StructureNotifyMask);
       XReparentWindow(display_, icon_, window_, kIconX, kIconY);
       Resize(24, 24);
       XMapWindow(display_, icon_);
@@ -100,6 +103,7 @@ class TestTray {
   Window window_;
   Window icon_ = None;
   int asked_ = 0;
+  int buttons_ = 0;
 };
 
 }  // namespace gromlit::testing

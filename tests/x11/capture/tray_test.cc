@@ -220,6 +220,17 @@ TEST_F(TrayTest, TrayThatDiesBeforeItTookTheIconIsForgotten) {
   StartTray();
 }
 
+TEST_F(TrayTest, IconThatATrayLetsGoOfIsNotLeftOnTheRoot) {
+  WatchForTrays();
+  StartTray();
+  XReparentWindow(tray->display(), tray->icon(), root, 300, 900);
+  XMapWindow(tray->display(), tray->icon());
+  XSync(tray->display(), False);
+  EXPECT_TRUE(PumpUntil([&] { return trayicon->window == None; }));
+  EXPECT_EQ(testing::ParentOf(player->display(), tray->icon()), None);
+  StartTray();
+}
+
 TEST_F(TrayTest, AnotherTrayTakesTheIconOver) {
   WatchForTrays();
   StartTray();
@@ -309,6 +320,8 @@ TEST_F(TrayTest, DrawButtonOpensTheMenuHoweverTheHandShakes) {
   EXPECT_EQ(Items(), (Labels{"Hide Gromlit", "Pause gestures", "Preferences", "Exit"}));
   const XMenu* menu = trayicon->menu;
   EXPECT_TRUE(Viewable(menu->window));
+  tray->Serve();
+  EXPECT_EQ(tray->buttons(), 0) << "there are trays that end when they get what is not for them";
   EXPECT_LE(menu->x + menu->width, screenwidth);
   EXPECT_LE(menu->y + menu->height, screenheight);
   EXPECT_FALSE(Viewable(app->dlog->window)) << "no plug-in is offered for the tray";
