@@ -7,7 +7,7 @@
 #include <array>
 
 #include "app/main_window/main_menu.h"
-#include "app/windows/top_level.h"
+#include "app/main_window/main_window.h"
 #include "display/display.h"
 #include "display/modes.h"
 #include "display/pause.h"
@@ -36,10 +36,10 @@ Service service{};
 void Obey(long word) {
   switch (word) {
     case kRemoteShow:
-      ShowTopLevel(showWindow);
+      ShowGromlit();
       break;
     case kRemoteHide:
-      HideTopLevel(showWindow);
+      HideGromlit();
       break;
     case kRemotePause:
       PauseGestures(true);
