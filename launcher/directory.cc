@@ -28,6 +28,7 @@
 #include "launcher/first_options.h"
 #include "launcher/manifest.h"
 #include "launcher/user_keys.h"
+#include "places/places.h"
 
 namespace gromlit {
 namespace {
@@ -37,7 +38,6 @@ using Bytes = std::vector<std::byte>;
 
 constexpr const char* kDataDirectories[] = {symbolDirectory, pluginDirectory, optionDirectory};
 constexpr size_t kMaxStarterFile = kMaxPluginFile;
-constexpr mode_t kPrivate = 0700;
 constexpr mode_t kUsual = 0777;  // less the umask
 
 std::string Reason(const std::string& what, int error) {
@@ -262,19 +262,6 @@ bool HasData(const std::string& directory) {
 }
 
 }  // namespace
-
-bool MakeDirectories(const std::string& path) {
-  for (size_t slash = path.find('/', 1);; slash = path.find('/', slash + 1)) {
-    const std::string above = path.substr(0, slash);
-    if (mkdir(above.c_str(), kPrivate) != 0 && errno != EEXIST) return false;
-    if (slash == std::string::npos) break;
-  }
-  // What was there may be a file.
-  struct stat info {};
-  if (stat(path.c_str(), &info) != 0) return false;
-  if (!S_ISDIR(info.st_mode)) errno = ENOTDIR;
-  return S_ISDIR(info.st_mode);
-}
 
 Preparation PrepareDirectory(const std::string& directory, const std::string& skeleton,
                              const std::function<Keymap()>& keyboard) {

@@ -36,7 +36,4 @@ struct Preparation {
 Preparation PrepareDirectory(const std::string& directory, const std::string& skeleton,
                              const std::function<Keymap()>& keyboard);
 
-// Makes a directory with the parents that it lacks, for the user alone. False with errno set.
-bool MakeDirectories(const std::string& path);
-
 }  // namespace gromlit

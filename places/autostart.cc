@@ -1,4 +1,4 @@
-#include "launcher/autostart.h"
+#include "places/autostart.h"
 
 #include <unistd.h>
 
@@ -12,7 +12,7 @@
 #include "core/files.h"
 #include "core/gromlit.h"
 #include "core/printable.h"
-#include "launcher/directory.h"
+#include "places/places.h"
 
 namespace gromlit {
 namespace {
