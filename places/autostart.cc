@@ -86,4 +86,27 @@ bool IsAutostartOn(const std::string& folder) {
   return text.find("\nHidden=true") == std::string_view::npos;
 }
 
+bool ChooseAutostart(bool on, const std::string& directory, std::string* error) {
+  std::string folder;
+  if (!FindAutostart(&folder, error)) return false;
+  if (!on) return TurnAutostartOff(folder, error);
+  const std::string launcher = FindCompanion("gromlit-session");
+  if (launcher.empty()) {
+    *error = "gromlit-session was not found";
+    return false;
+  }
+  std::string own;
+  std::string usual;
+  std::string unknown;
+  if (!FindDirectory(directory.c_str(), &own, error)) return false;
+  if (FindUsualDirectory(&usual, &unknown) && own == usual) own.clear();
+  return TurnAutostartOn(folder, launcher, own, error);
+}
+
+bool AutostartChosen() {
+  std::string folder;
+  std::string unknown;
+  return FindAutostart(&folder, &unknown) && IsAutostartOn(folder);
+}
+
 }  // namespace gromlit
