@@ -104,7 +104,7 @@ std::string FindInPath(const std::string& name) {
     const std::string_view folder = folders.substr(0, folders.find(':'));
     folders.remove_prefix(folder.size() < folders.size() ? folder.size() + 1 : folder.size());
     if (!IsAbsolute(folder)) continue;
-    const std::string path = std::string(folder) + "/" + name;
+    std::string path = std::string(folder) + "/" + name;
     if (IsProgram(path)) return path;
   }
   return "";

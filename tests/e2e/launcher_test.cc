@@ -244,6 +244,22 @@ TEST(LauncherTest, AnUpgradeBringsWhatIsNewAndKeepsWhatIsTheUsers) {
   EXPECT_FALSE(Exists(data + "/notice"));
 }
 
+TEST(LauncherTest, AnUpgradeBringsNoPluginForAnApplicationThatHasOne) {
+  const Home home;
+  const std::string library = home.CopySkeleton();
+  fs::rename(library + "/plugins/XTerm.xterm.sla", library + "/xterm");
+  const std::vector<std::string> prepare = {"--prepare", "--skeleton", library};
+  ASSERT_EQ(home.Run(prepare).status, 0);
+  const std::string own = home.Data() + "/plugins/mine.sla";
+  fs::copy(library + "/xterm", own);
+  fs::rename(library + "/xterm", library + "/plugins/XTerm.xterm.sla");
+  EXPECT_EQ(home.Run(prepare).err, "");
+  EXPECT_FALSE(Exists(home.Data() + "/plugins/XTerm.xterm.sla"));
+  fs::remove(own);
+  EXPECT_EQ(home.Run(prepare).err, "");
+  EXPECT_FALSE(Exists(home.Data() + "/plugins/XTerm.xterm.sla")) << "it was not wanted then";
+}
+
 TEST(LauncherTest, ADamagedManifestLeavesEverythingAsItIs) {
   const Home home;
   const std::string library = home.CopySkeleton();
