@@ -20,6 +20,7 @@
 #include "app/plugins/new_plugin.h"
 #include "app/plugins/plugin_menu.h"
 #include "app/plugins/spare_plugins.h"
+#include "app/preferences/news.h"
 #include "app/preferences/user_options_window.h"
 #include "app/symbols/symbol_commands.h"
 #include "app/symbols/symbol_dialog.h"
@@ -34,6 +35,7 @@
 #include "core/files.h"
 #include "core/option_files.h"
 #include "core/plugin_files.h"
+#include "core/plugin_names.h"
 #include "display/display.h"
 #include "display/draw_button.h"
 #include "display/end_signals.h"
@@ -118,6 +120,7 @@ void ShowMainWindow() {
   DrawGromlitApp(app);
   if (!HandsOff(DefaultPlugin)) UpdatePulldownButton(app->txt, defaultPluginClassname);
   TellOfSparePlugins();
+  TellOfNews(!SparePluginFiles().empty());
 }
 
 // What the user would miss if the program just ended. The server itself gives back what is grabbed,
