@@ -1,6 +1,4 @@
 // gromlit-tool: the data files and the recognition from the command line, without a display.
-#include <sys/stat.h>
-
 #include <CLI/CLI.hpp>
 #include <cerrno>
 #include <csignal>
@@ -12,82 +10,12 @@
 
 #include "core/printable.h"
 #include "tools/check.h"
-#include "tools/data_file.h"
-#include "tools/output_file.h"
+#include "tools/file_calls.h"
 #include "tools/recognition_calls.h"
-#include "tools/record_json.h"
-#include "tools/text_input.h"
 #include "tools/tool_io.h"
 
 namespace gromlit {
 namespace {
-
-// --- The calls ----------------------------------------------------------------------------------
-
-int Show(const std::vector<std::string>& paths) {
-  int status = kSuccess;
-  for (const std::string& path : paths) {
-    DataFile file;
-    std::string error;
-    if (!ReadDataFile(path.c_str(), &file, &error)) {
-      status = Complain(path, error);
-      continue;
-    }
-    switch (file.kind) {
-      case Kind::kSymbol:
-        Write(PrintJson(SymbolDocument(file.symbol)));
-        break;
-      case Kind::kPlugin:
-        Write(PrintJson(PluginDocument(file.plugin)));
-        break;
-      case Kind::kOptions:
-        Write(PrintJson(OptionsDocument(file.options)));
-        break;
-    }
-    if (WarnOfDamage(path, file) != kSuccess) status = kTrouble;
-  }
-  return status;
-}
-
-void ReadDocument(const Json& document, DataFile* file) {
-  const std::string kind = KindOf(document);
-  if (kind == "symbol") {
-    file->kind = Kind::kSymbol;
-    ReadSymbolDocument(document, &file->symbol);
-  } else if (kind == "plugin") {
-    file->kind = Kind::kPlugin;
-    ReadPluginDocument(document, &file->plugin);
-  } else {
-    file->kind = Kind::kOptions;
-    ReadOptionsDocument(document, &file->options);
-  }
-}
-
-int Pack(const std::string& input, const std::string& output) {
-  const std::string name = InputName(input);
-  std::string text;
-  std::string error;
-  if (!ReadTextInput(input, kMaxDocument, &text, &error)) return Complain(name, error);
-  DataFile file;
-  try {
-    ReadDocument(ParseJson(text), &file);
-  } catch (const JsonError& e) {
-    return Complain(name, e.what());
-  }
-  const std::vector<std::byte> image = FileImage(file);
-  if (image.empty()) return Complain(name, "the file would be larger than 64 MB");
-  if (!WriteOutputFile(output, image)) return Complain(output, std::strerror(errno));
-  return kSuccess;
-}
-
-int Check(const std::string& dir, bool shape, int32_t tolerance) {
-  struct stat info;
-  if (stat(dir.c_str(), &info) != 0) return Complain(dir, std::strerror(errno));
-  if (!S_ISDIR(info.st_mode)) return Complain(dir, std::strerror(ENOTDIR));
-  const std::vector<std::string> problems = CheckInstallation(dir, {shape, tolerance});
-  for (const std::string& line : problems) Write(line + "\n");
-  return problems.empty() ? kSuccess : kNegative;
-}
 
 int Main(int argc, char** argv) {
   CLI::App app{"The data files and the stroke recognition of Gromlit from the command line.",
@@ -102,14 +30,14 @@ int Main(int argc, char** argv) {
   std::vector<std::string> files;
   CLI::App* show = app.add_subcommand("show", "Print symbol, plug-in or options files as JSON");
   show->add_option("FILE", files, "Files to print")->required();
-  show->callback([&] { status = Show(files); });
+  show->callback([&] { status = ShowFiles(files); });
 
   std::string document;
   std::string output;
   CLI::App* pack = app.add_subcommand("pack", "Make a data file from a JSON document");
   pack->add_option("JSON", document, "The document; - reads standard input")->required();
   pack->add_option("-o,--output", output, "File to write")->required();
-  pack->callback([&] { status = Pack(document, output); });
+  pack->callback([&] { status = PackDocument(document, output); });
 
   std::string symbol;
   std::string stroke = "-";
@@ -178,7 +106,7 @@ int Main(int argc, char** argv) {
                            ->check(CLI::Range(1, 5))
                            ->needs(pairs);
   check->callback([&, given] {
-    status = Check(dir, shape, given->count() != 0 ? tolerance : kOptionsTolerance);
+    status = CheckDirectory(dir, shape, given->count() != 0 ? tolerance : kOptionsTolerance);
   });
 
   try {

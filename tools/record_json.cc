@@ -5,6 +5,7 @@
 #include <cstring>
 #include <iterator>
 #include <limits>
+#include <nlohmann/json.hpp>
 #include <span>
 #include <type_traits>
 
