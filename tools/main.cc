@@ -12,6 +12,7 @@
 #include "tools/check.h"
 #include "tools/file_calls.h"
 #include "tools/recognition_calls.h"
+#include "tools/sharing_calls.h"
 #include "tools/tool_io.h"
 
 namespace gromlit {
@@ -23,7 +24,7 @@ int Main(int argc, char** argv) {
   app.require_subcommand(1);
   app.set_version_flag("--version", "gromlit-tool " GROMLIT_VERSION);
   app.footer(
-      "Status: 0 success; 1 no action matches, or problems were found;\n"
+      "Status: 0 success; 1 no action matches, problems were found, something was left out;\n"
       "2 wrong usage, unreadable or damaged input.");
   int status = kSuccess;
 
@@ -108,6 +109,32 @@ int Main(int argc, char** argv) {
   check->callback([&, given] {
     status = CheckDirectory(dir, shape, given->count() != 0 ? tolerance : kOptionsTolerance);
   });
+
+  CLI::App* exporting =
+      app.add_subcommand("export", "Put symbols, plug-ins and options into one document");
+  exporting
+      ->add_option("DIR|FILE", files, "Installation directories (all that they hold) and files")
+      ->required();
+  exporting->add_option("-o,--output", output, "File to write; - is the standard output")
+      ->required();
+  exporting->callback([&] { status = ExportFiles(files, output); });
+
+  Existing existing = Existing::kKeep;
+  bool dry_run = false;
+  CLI::App* importing =
+      app.add_subcommand("import", "Put what a document holds into an installation directory");
+  importing->add_option("JSON", document, "The document; - reads standard input")->required();
+  importing->add_option("DIR", dir, "The installation directory")->required();
+  importing->add_flag("--dry-run", dry_run, "Only say what would be done");
+  CLI::Option* merge = importing->add_flag_callback(
+      "--merge", [&] { existing = Existing::kMerge; },
+      "Add to plug-ins that are there the actions that they do not have");
+  importing
+      ->add_flag_callback(
+          "--replace", [&] { existing = Existing::kReplace; },
+          "Replace what is there, options too; it goes to replaced/ in DIR")
+      ->excludes(merge);
+  importing->callback([&] { status = ImportFiles(document, dir, existing, dry_run); });
 
   try {
     app.parse(argc, argv);
