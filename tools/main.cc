@@ -11,6 +11,7 @@
 #include "core/printable.h"
 #include "tools/check.h"
 #include "tools/file_calls.h"
+#include "tools/picture_calls.h"
 #include "tools/recognition_calls.h"
 #include "tools/sharing_calls.h"
 #include "tools/tool_io.h"
@@ -135,6 +136,20 @@ int Main(int argc, char** argv) {
           "Replace what is there, options too; it goes to replaced/ in DIR")
       ->excludes(merge);
   importing->callback([&] { status = ImportFiles(document, dir, existing, dry_run); });
+
+  CLI::App* icon = app.add_subcommand("icon", "Draw a symbol's icon or its stroke");
+  icon->add_option("FILE", document, "The symbol file")->required();
+  icon->add_option("-o,--output", output, "FILE.png: the icon; FILE.svg: the stroke")->required();
+  icon->callback([&] { status = DrawIcon(document, output); });
+
+  SheetForm form;
+  CLI::App* sheet = app.add_subcommand("sheet", "Make a cheat sheet of all gestures");
+  sheet->add_option("DIR", dir, "The installation directory")->required();
+  sheet->add_option("-o,--output", output, "File to write: FILE.html or FILE.svg")->required();
+  sheet->add_flag("--part", form.part, "Of HTML only the sections, for a page of your own");
+  sheet->add_option("--paper", form.paper, "Of SVG only this sheet of A4 paper, from 1")
+      ->check(CLI::Range(1, 10000));
+  sheet->callback([&] { status = MakeSheet(dir, output, form); });
 
   try {
     app.parse(argc, argv);
