@@ -125,15 +125,16 @@ std::string SymbolDrawing(const GromlitSymbol& sym, double side, const std::stri
   // The arrow of a stroke that ends where it began would lie on the dot.
   if (const double apart = Length(way.back() - way.front()); apart < kClear)
     CutEnd(&way, kClear - apart);
-  const Point last = way.back() - way[way.size() - 2];
+  // The line ends inside the arrow, which points as the way goes over the arrow's length: the last
+  // piece of a curve may be short.
+  const Point tip = way.back();
+  CutEnd(&way, kArrow * 0.7);
+  const Point last = tip - way.back();
   const Point ahead = last * (1 / Length(last));
   const Point across = {-ahead.y, ahead.x};
-  const Point tip = way.back();
   const Point base = tip - ahead * kArrow;
   const std::string arrow = "M" + Pair(tip) + "L" + Pair(base + across * (kArrow * kSpread)) + "L" +
                             Pair(base - across * (kArrow * kSpread)) + "Z";
-  // The line ends inside the arrow, not at its tip.
-  way.back() = tip - ahead * std::min(Length(last), kArrow / 2);
   std::string line;
   Point low = tip;
   Point high = tip;
