@@ -11,6 +11,7 @@
 #include "core/printable.h"
 #include "tools/check.h"
 #include "tools/file_calls.h"
+#include "tools/file_formats.h"
 #include "tools/picture_calls.h"
 #include "tools/recognition_calls.h"
 #include "tools/sharing_calls.h"
@@ -150,6 +151,10 @@ int Main(int argc, char** argv) {
   sheet->add_option("--paper", form.paper, "Of SVG only this sheet of A4 paper, from 1")
       ->check(CLI::Range(1, 10000));
   sheet->callback([&] { status = MakeSheet(dir, output, form); });
+
+  app.add_subcommand("formats", "Print the description of the file formats")->callback([&] {
+    Write(FileFormats());
+  });
 
   try {
     app.parse(argc, argv);
