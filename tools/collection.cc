@@ -150,6 +150,9 @@ std::unique_ptr<DataFile> ReadItem(const Json& item, Kind kind, const std::strin
 
 void ReadItems(const Json& list, Kind kind, const std::string& key, DataFiles* files) {
   if (!list.is_array()) throw JsonError(key + ": a list is expected");
+  const size_t limit = kind == Kind::kSymbol ? kMaxSymbolItems : kMaxPluginItems;
+  if (list.size() > limit)
+    throw JsonError(key + ": more than " + std::to_string(limit) + " in one document");
   std::set<std::string> known;
   for (size_t i = 0; i < list.size(); i++) {
     const std::string where = key + "[" + std::to_string(i) + "]";
@@ -196,7 +199,9 @@ std::string CollectionText(const Collection& collection) {
   if (!collection.plugins.empty()) document["plugins"] = ItemsOf(collection.plugins);
   if (collection.options != nullptr) document["options"] = ItemOf(*collection.options);
   std::string text;
-  if (CountValues(document) <= kMaxJsonValues) text = PrintJson(document);
+  if (collection.symbols.size() <= kMaxSymbolItems &&
+      collection.plugins.size() <= kMaxPluginItems && CountValues(document) <= kMaxJsonValues)
+    text = PrintJson(document);
   if (text.empty() || text.size() > kMaxDocument)
     throw JsonError("too much for one document, export it in parts");
   return text;

@@ -10,6 +10,7 @@
 // class, and none of these is empty.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -18,6 +19,11 @@
 #include "tools/data_file.h"
 
 namespace gromlit {
+
+// Most symbols and plug-ins of one document. A few bytes of it may stand for a record of thousands:
+// without limits a small document would take a lot of memory.
+inline constexpr size_t kMaxSymbolItems = 10'000;
+inline constexpr size_t kMaxPluginItems = 1'000;
 
 using DataFiles = std::vector<std::unique_ptr<DataFile>>;
 
@@ -36,7 +42,7 @@ bool HasKey(const DataFile& file);
 
 // The document, the same text for the same collection: symbols in byte order of their names,
 // plug-ins of their classes, actions as they are matched. Throws JsonError when it would have more
-// values or bytes than can be read again.
+// items, values or bytes than can be read again.
 std::string CollectionText(const Collection& collection);
 
 // Reads such a document, or one of a single symbol, plug-in or options, into an empty collection.

@@ -345,6 +345,16 @@ TEST_F(Sharing, OneMistakeAnywhereAndNothingIsWritten) {
   EXPECT_THAT(NamesBelow(dir), IsEmpty());
 }
 
+TEST_F(Sharing, ASmallDocumentCannotTakeALotOfMemory) {
+  std::string many;
+  for (int i = 0; i <= 1000; i++)
+    many += (i == 0 ? "" : ",") + (R"({"classname":"C)" + std::to_string(i) + "\"}");
+  const ToolResult result = Import(Plugins(many), {"--dry-run"});
+  EXPECT_EQ(result.status, 2);
+  EXPECT_THAT(result.err, HasSubstr("plugins: more than 1000 in one document"));
+  EXPECT_EQ(Import(Plugins(many.substr(0, many.rfind(','))), {"--dry-run"}).status, 0);
+}
+
 TEST_F(Sharing, TakesADocumentOfOneFile) {
   EXPECT_EQ(Import(R"({"kind":"symbol","name":"A"})").out, "new symbols/A.sls\n");
   EXPECT_EQ(Import(R"({"kind":"plugin","classname":"C"})").out, "new plugins/C.sla\n");
