@@ -34,6 +34,17 @@ SheetEntry EntryOf(const GromlitAction& action) {
 
 }  // namespace
 
+size_t ShownDrawings(const SheetEntry& entry) {
+  return std::min(entry.drawings.size(), kShownDrawings);
+}
+
+std::string OtherDrawings(const SheetEntry& entry) {
+  const size_t others = entry.drawings.size() - ShownDrawings(entry);
+  if (others == 0) return "";
+  return "and " + std::to_string(others) + (others == 1 ? " more way" : " more ways") +
+         " to draw it";
+}
+
 std::vector<SheetSection> SheetOf(Installation* found) {
   std::vector<const GromlitPlugin*> plugins;
   for (const FoundFile& file : found->plugins) {

@@ -1,6 +1,7 @@
 // A cheat sheet: the gestures of all plug-ins with what they do.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -9,8 +10,11 @@
 
 namespace gromlit {
 
+// Of one thing to do so many drawings are shown; of the others the sheet says how many they are.
+inline constexpr size_t kShownDrawings = 4;
+
 // One thing to do and every way to draw it: actions of a plug-in that have the same name and do the
-// same stand together.
+// same stand together, in their order.
 struct SheetEntry {
   std::string name;
   std::vector<CommandWords> does;
@@ -23,6 +27,10 @@ struct SheetSection {
   std::string where;  // over which windows
   std::vector<SheetEntry> entries;
 };
+
+// How many drawings of the entry are shown, and what is said of the others: empty for none.
+size_t ShownDrawings(const SheetEntry& entry);
+std::string OtherDrawings(const SheetEntry& entry);
 
 // The plug-ins that the program uses, "Default" and "Desktop" first, the others in order of their
 // names. Points into `found`.

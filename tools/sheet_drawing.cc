@@ -65,7 +65,7 @@ struct Block {
 
 // An entry with its corner at x, 0.
 Block EntryBlock(const SheetEntry& entry, double x) {
-  const size_t count = entry.drawings.size();
+  const size_t count = ShownDrawings(entry);
   const auto across = static_cast<size_t>(std::ceil(std::sqrt(static_cast<double>(count))));
   const double side = count == 1 ? kOne : kSeveral / static_cast<double>(across);
   Block block;
@@ -89,6 +89,8 @@ Block EntryBlock(const SheetEntry& entry, double x) {
     for (std::u32string& line : Broken(std::move(text), Fitting(width, kSmallSize)))
       lines.push_back(std::move(line));
   }
+  if (const std::string others = OtherDrawings(entry); !others.empty())
+    lines.push_back(Characters(others));
   if (lines.size() > kLines) {
     lines.resize(kLines);
     lines.back() = U"...";

@@ -64,10 +64,12 @@ std::string Does(const CommandWords& words) {
 std::string Entry(const SheetEntry& entry) {
   const double side = entry.drawings.size() == 1 ? kOne : kOneOfSeveral;
   std::string out = "<li>";
-  for (const GromlitSymbol* sym : entry.drawings)
-    out += SymbolDrawing(*sym, side, "class=\"stroke\"") + "\n";
+  for (size_t i = 0; i < ShownDrawings(entry); i++)
+    out += SymbolDrawing(*entry.drawings[i], side, "class=\"stroke\"") + "\n";
   out += "<p><strong>" + Markup(entry.name) + "</strong>";
   for (const CommandWords& words : entry.does) out += "<br>" + Does(words);
+  if (const std::string others = OtherDrawings(entry); !others.empty())
+    out += "<br><em>" + others + "</em>";
   return out + "</p></li>\n";
 }
 

@@ -194,6 +194,18 @@ TEST_F(Pictures, SheetSaysWhatEachGestureDoes) {
   EXPECT_THAT(page, HasSubstr(Sheet("part.html", {"--part"})));
 }
 
+TEST_F(Pictures, SheetShowsFourWaysToDrawAThingAndCountsTheOthers) {
+  std::string actions;
+  for (int i = 0; i < 6; i++)
+    actions += std::string(i == 0 ? "" : ",") + R"({"name":"Go",)" + kLine + "}";
+  ImportPlugins(R"({"classname":"C","actions":[)" + actions + "]}");
+  for (const char* name : {"sheet.html", "sheet.svg"}) {
+    const std::string text = Sheet(name);
+    EXPECT_EQ(Count(text, "<circle "), 4u) << name;
+    EXPECT_THAT(text, HasSubstr("and 2 more ways to draw it")) << name;
+  }
+}
+
 TEST_F(Pictures, NothingInAFileIsMarkup) {
   const std::string evil = R"(<script>alert('1')</script>\"&amp;]]><!--)";
   const std::string latin = R"(\u00e4\u0000)";  // a byte of an older encoding
