@@ -12,6 +12,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -24,10 +25,12 @@
 #include "core/plugin_files.h"
 #include "core/plugin_image.h"
 #include "core/printable.h"
+#include "core/strings.h"
 #include "core/symbol_files.h"
 #include "launcher/first_options.h"
 #include "launcher/manifest.h"
 #include "launcher/user_keys.h"
+#include "places/places.h"
 
 namespace gromlit {
 namespace {
@@ -37,7 +40,6 @@ using Bytes = std::vector<std::byte>;
 
 constexpr const char* kDataDirectories[] = {symbolDirectory, pluginDirectory, optionDirectory};
 constexpr size_t kMaxStarterFile = kMaxPluginFile;
-constexpr mode_t kPrivate = 0700;
 constexpr mode_t kUsual = 0777;  // less the umask
 
 std::string Reason(const std::string& what, int error) {
@@ -106,6 +108,10 @@ struct Work {
   Keymap map = nullptr;
 };
 
+std::string PathIn(const Work& work, const std::string& name) {
+  return work.directory + "/" + name;
+}
+
 void Fail(Work* work, const std::string& what, int error) {
   if (work->result->error.empty()) work->result->error = Reason(what, error);
 }
@@ -131,7 +137,7 @@ bool MakeParents(const std::string& directory, const std::string& name) {
 
 bool WriteStarterFile(Work* work, const std::string& name, const Bytes& source,
                       const Bytes& contents) {
-  const std::string path = work->directory + "/" + name;
+  const std::string path = PathIn(*work, name);
   if (!MakeParents(work->directory, name) || !SaveFile(path.c_str(), contents)) {
     Fail(work, path, errno);
     return false;
@@ -153,7 +159,7 @@ void Adopt(Work* work, const std::string& name, const Bytes& source, Found what,
 // a launcher that was killed before it could note it.
 void BringNew(Work* work, const std::string& name, const Bytes& source) {
   Bytes found;
-  const Found what = Look(work->directory + "/" + name, &found);
+  const Found what = Look(PathIn(*work, name), &found);
   if (what != Found::kNothing) {
     Adopt(work, name, source, what, found);
   } else if (WriteStarterFile(work, name, source, ForTheUser(work, name, source))) {
@@ -164,8 +170,7 @@ void BringNew(Work* work, const std::string& name, const Bytes& source) {
 void Renew(Work* work, const std::string& name, const Bytes& source, ManifestEntry* entry) {
   if (entry->source == Checksum(source)) return;  // no newer one; not for another keyboard either
   Bytes found;
-  if (!entry->written.has_value() || Look(work->directory + "/" + name, &found) != Found::kFile)
-    return;
+  if (!entry->written.has_value() || Look(PathIn(*work, name), &found) != Found::kFile) return;
   const Bytes contents = ForTheUser(work, name, source);
   if (found == contents) {
     *entry = {Checksum(source), Checksum(contents)};
@@ -229,7 +234,7 @@ void SaveManifest(Work* work) {
 void Fill(Work* work, const std::map<std::string, Bytes>& files) {
   SaveManifest(work);
   for (const char* name : kDataDirectories) {
-    const std::string path = work->directory + "/" + name;
+    const std::string path = PathIn(*work, name);
     if (mkdir(path.c_str(), kUsual) != 0 && errno != EEXIST) Fail(work, path, errno);
   }
   for (const auto& [name, source] : files) {
@@ -245,13 +250,41 @@ void Fill(Work* work, const std::map<std::string, Bytes>& files) {
   work->result->added = 0;
 }
 
+// The class that a plug-in file serves; empty for any other file.
+std::string ClassOf(const Bytes& file) {
+  const auto plugin = std::make_unique<GromlitPlugin>();
+  return DecodePluginRecord(file, plugin.get()) ? std::string(FieldText(plugin->classname)) : "";
+}
+
+// The classes that the user's plug-ins serve, whatever the names of their files.
+std::set<std::string> ServedClasses(const Work& work) {
+  std::set<std::string> classes;
+  std::error_code error;
+  fs::directory_iterator at(PathIn(work, pluginDirectory), error);
+  for (; !error && at != fs::directory_iterator(); at.increment(error)) {
+    Bytes file;
+    if (ReadFile(at->path().c_str(), kMaxStarterFile, &file)) classes.insert(ClassOf(file));
+  }
+  return classes;
+}
+
 void Upgrade(Work* work, const std::map<std::string, Bytes>& files) {
+  std::optional<std::set<std::string>> served;
   for (const auto& [name, source] : files) {
-    const auto known = work->manifest.files.find(name);
-    if (known == work->manifest.files.end())
-      BringNew(work, name, source);
-    else
+    if (const auto known = work->manifest.files.find(name); known != work->manifest.files.end()) {
       Renew(work, name, source, &known->second);
+      continue;
+    }
+    if (IsPlugin(name) && !IsThere(PathIn(*work, name))) {
+      // The user has one for this application under another name, which the new file, named after
+      // the class, would take the place of.
+      if (!served.has_value()) served = ServedClasses(*work);
+      if (served->contains(ClassOf(source))) {
+        Adopt(work, name, source, Found::kNothing, {});
+        continue;
+      }
+    }
+    BringNew(work, name, source);
   }
 }
 
@@ -262,19 +295,6 @@ bool HasData(const std::string& directory) {
 }
 
 }  // namespace
-
-bool MakeDirectories(const std::string& path) {
-  for (size_t slash = path.find('/', 1);; slash = path.find('/', slash + 1)) {
-    const std::string above = path.substr(0, slash);
-    if (mkdir(above.c_str(), kPrivate) != 0 && errno != EEXIST) return false;
-    if (slash == std::string::npos) break;
-  }
-  // What was there may be a file.
-  struct stat info {};
-  if (stat(path.c_str(), &info) != 0) return false;
-  if (!S_ISDIR(info.st_mode)) errno = ENOTDIR;
-  return S_ISDIR(info.st_mode);
-}
 
 Preparation PrepareDirectory(const std::string& directory, const std::string& skeleton,
                              const std::function<Keymap()>& keyboard) {
@@ -309,7 +329,7 @@ Preparation PrepareDirectory(const std::string& directory, const std::string& sk
   } else {
     for (const auto& [name, source] : files) {
       Bytes found;
-      const Found what = Look(directory + "/" + name, &found);
+      const Found what = Look(PathIn(work, name), &found);
       Adopt(&work, name, source, what, found);
     }
     work.manifest.made = true;

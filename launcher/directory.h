@@ -29,14 +29,12 @@ struct Preparation {
 //   new user; one that was being filled when the launcher was killed is filled on.
 // - One that has some but no sound manifest is taken over as it is: what equals the starter library
 //   counts as written from it, all else as the user's own, and what is not there as deleted.
-// - In any other, new starter files are written and unchanged ones replaced. Options stay; when
+// - In any other, new starter files are written and unchanged ones replaced; no plug-in for an
+//   application that has one under another name. Options stay; when
 // there
 //   are more recommended choices than before, and one is off, the file kNewsFile (core/choices.h)
 //   is left.
 Preparation PrepareDirectory(const std::string& directory, const std::string& skeleton,
                              const std::function<Keymap()>& keyboard);
-
-// Makes a directory with the parents that it lacks, for the user alone. False with errno set.
-bool MakeDirectories(const std::string& path);
 
 }  // namespace gromlit

@@ -5,7 +5,7 @@
 #include "core/choices.h"
 #include "core/option_files.h"
 #include "core/strings.h"
-#include "launcher/places.h"
+#include "places/places.h"
 
 namespace gromlit {
 namespace {

@@ -12,11 +12,11 @@
 #include <vector>
 
 #include "core/printable.h"
-#include "launcher/autostart.h"
 #include "launcher/directory.h"
-#include "launcher/places.h"
 #include "launcher/start.h"
 #include "launcher/user_keys.h"
+#include "places/autostart.h"
+#include "places/places.h"
 
 namespace gromlit {
 namespace {

@@ -17,7 +17,7 @@
 #include "core/option_files.h"
 #include "core/printable.h"
 #include "core/strings.h"
-#include "launcher/places.h"
+#include "places/places.h"
 
 namespace gromlit {
 namespace {

@@ -7,7 +7,7 @@
 #include <array>
 
 #include "app/main_window/main_menu.h"
-#include "app/windows/top_level.h"
+#include "app/main_window/main_window.h"
 #include "display/display.h"
 #include "display/modes.h"
 #include "display/pause.h"
@@ -18,6 +18,9 @@
 
 namespace gromlit {
 namespace {
+
+// Any window id that no window has.
+constexpr Window kNoWindow = 1;
 
 // How often the selection is asked for in a row, should its owners come and go meanwhile.
 constexpr int kTries = 8;
@@ -33,10 +36,10 @@ Service service{};
 void Obey(long word) {
   switch (word) {
     case kRemoteShow:
-      ShowTopLevel(showWindow);
+      ShowGromlit();
       break;
     case kRemoteHide:
-      HideTopLevel(showWindow);
+      HideGromlit();
       break;
     case kRemotePause:
       PauseGestures(true);
@@ -57,9 +60,8 @@ void Obey(long word) {
 void Message(Service* s, XEvent* event) {
   const XClientMessageEvent& call = event->xclient;
   // Anybody may send anything. Our own answers do not come here: they go to those who select them.
-  if (s->window == None || call.window != s->window || call.format != 32 ||
-      call.message_type != AtomOf(kRemoteMessage) || call.data.l[0] < 0 ||
-      call.data.l[0] >= static_cast<long>(kRemoteWords.size())) {
+  if (s->window == None || call.format != 32 || call.message_type != AtomOf(kRemoteMessage) ||
+      call.data.l[0] < 0 || call.data.l[0] >= static_cast<long>(kRemoteWords.size())) {
     return;
   }
   Obey(call.data.l[0]);
@@ -149,8 +151,12 @@ void Lost(Service* s, XEvent* event) {
 }
 
 void OtherEnded(Service* s, XEvent* event) {
-  if (event->xany.send_event != False || s->window != None) return;
-  Acquire(s);
+  const XDestroyWindowEvent& end = event->xdestroywindow;
+  // Another one may be watched by now.
+  if (end.send_event != False || end.window != s->other->window) return;
+  // The server gives the number to a later client, whose window is none of the program's.
+  s->other->window = kNoWindow;
+  if (s->window == None) Acquire(s);
 }
 
 // The entry for a window, of which there is one after another, in the table that only grows.

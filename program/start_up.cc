@@ -25,6 +25,7 @@
 #include "app/symbols/symbol_commands.h"
 #include "app/symbols/symbol_dialog.h"
 #include "app/symbols/symbol_editor.h"
+#include "app/tray/tray_icon.h"
 #include "app/windows/dialogs.h"
 #include "app/windows/splash.h"
 #include "app/windows/top_level.h"
@@ -175,6 +176,7 @@ void StartUp(const CommandLine& line) {
   XSetErrorHandler(GromlitXErrorHandler);
   ServeRemote();
   CreateAppTrack();
+  WatchForTrays();
 }
 
 }  // namespace gromlit

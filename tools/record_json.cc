@@ -5,6 +5,7 @@
 #include <cstring>
 #include <iterator>
 #include <limits>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <span>
 #include <type_traits>

@@ -26,8 +26,8 @@ using testing::TempDir;
 using testing::WaitFor;
 using testing::WriteText;
 
-const std::string kLauncher = std::string(GROMLIT_BUILD) + "/gromlit-session";
-const std::string kSkeleton = std::string(GROMLIT_BUILD) + "/share/gromlit";
+const std::string kLauncher = testing::Built("gromlit-session");
+const std::string kSkeleton = testing::Built("share/gromlit");
 
 // The files below a directory, by path relative to it.
 std::map<std::string, std::string> FilesOf(const std::string& directory) {
@@ -244,6 +244,22 @@ TEST(LauncherTest, AnUpgradeBringsWhatIsNewAndKeepsWhatIsTheUsers) {
   EXPECT_FALSE(Exists(data + "/notice"));
 }
 
+TEST(LauncherTest, AnUpgradeBringsNoPluginForAnApplicationThatHasOne) {
+  const Home home;
+  const std::string library = home.CopySkeleton();
+  fs::rename(library + "/plugins/XTerm.xterm.sla", library + "/xterm");
+  const std::vector<std::string> prepare = {"--prepare", "--skeleton", library};
+  ASSERT_EQ(home.Run(prepare).status, 0);
+  const std::string own = home.Data() + "/plugins/mine.sla";
+  fs::copy(library + "/xterm", own);
+  fs::rename(library + "/xterm", library + "/plugins/XTerm.xterm.sla");
+  EXPECT_EQ(home.Run(prepare).err, "");
+  EXPECT_FALSE(Exists(home.Data() + "/plugins/XTerm.xterm.sla"));
+  fs::remove(own);
+  EXPECT_EQ(home.Run(prepare).err, "");
+  EXPECT_FALSE(Exists(home.Data() + "/plugins/XTerm.xterm.sla")) << "it was not wanted then";
+}
+
 TEST(LauncherTest, ADamagedManifestLeavesEverythingAsItIs) {
   const Home home;
   const std::string library = home.CopySkeleton();
@@ -353,7 +369,7 @@ TEST(LauncherTest, TurnsAutostartOnAndOff) {
 std::string InstallBeside(const Home& home, int status_of_show) {
   const std::string folder = home.root / "installed";
   fs::create_directories(folder);
-  fs::copy_file(std::string(GROMLIT_BUILD) + "/gromlit-session", folder + "/gromlit-session",
+  fs::copy_file(testing::Built("gromlit-session"), folder + "/gromlit-session",
                 fs::copy_options::overwrite_existing);
   WriteText(folder + "/gromlit", "#!/bin/sh\ncase \"$*\" in *'-remote show') exit " +
                                      std::to_string(status_of_show) + " ;; esac\n" +
@@ -428,7 +444,7 @@ TEST_F(LauncherRun, FindsTheHotKeysOnTheUsersKeyboardAndLeavesThemThere) {
   const auto key_of = [&](const std::string& text) {
     const std::string shown = home.root / "shown";
     Process tool({"gromlit-tool", "show", home.Data() + "/plugins/Default.sla"}, shown,
-                 {"PATH=" + std::string(GROMLIT_BUILD)});
+                 {"PATH=" + testing::Built("")});
     EXPECT_EQ(tool.Wait(), 0);
     const std::string all = ReadText(shown);
     fs::remove(shown);
@@ -467,7 +483,7 @@ TEST_F(LauncherRun, BecomesTheProgramAndShowsItsWindowAtTheNextStart) {
   home.AddProgram("play");
   Launch(home);
   const std::string proc = "/proc/" + std::to_string(gromlit->pid());
-  EXPECT_EQ(fs::read_symlink(proc + "/exe"), std::string(GROMLIT_BUILD) + "/gromlit");
+  EXPECT_EQ(fs::read_symlink(proc + "/exe"), testing::Built("gromlit"));
   EXPECT_EQ(fs::read_symlink(proc + "/cwd"), home.Data());
   // The first page of the help, once.
   const std::string page = "file://" + home.Data() + "/help/journey.html\n";

@@ -114,6 +114,7 @@ class RemoteTest : public testing::FrontEnd {
     XEvent event{};
     event.xclient = message;
     XSendEvent(player->display(), to, False, NoEventMask, &event);
+    XSync(player->display(), False);
   }
   // Errors of requests about windows that have gone.
   static int Forget(Display*, XErrorEvent*) { return 0; }
@@ -323,6 +324,7 @@ TEST_F(RemoteTest, MessagesThatAreNoCallChangeNothing) {
   LaunchInstalled();
   const Window owner = Owner();
   ASSERT_NE(owner, Window{0});
+  XSelectInput(player->display(), owner, StructureNotifyMask);
   constexpr long kQuit = 6;
   for (const long word : {-1L, 7L, 0x7FFFFFFFL, -0x80000000L, 0x100L + kQuit})
     Send(owner, MessageOf(owner, "_GROMLIT_REMOTE", 32, word));
@@ -339,9 +341,13 @@ TEST_F(RemoteTest, MessagesThatAreNoCallChangeNothing) {
   clear.xselectionclear.window = owner;
   clear.xselectionclear.selection = Selection();
   XSendEvent(player->display(), owner, False, NoEventMask, &clear);
+  XSync(player->display(), False);
   ExpectRemote("status", 0, "running\n");
   EXPECT_EQ(Owner(), owner);
   EXPECT_TRUE(Viewable(main));
+  XEvent answer{};
+  ASSERT_TRUE(XCheckTypedWindowEvent(player->display(), owner, ClientMessage, &answer));
+  EXPECT_NE(answer.xclient.data.l[0], 4711) << "no call, but answered";
   EXPECT_TRUE(DesktopActs("acted"));
 }
 
@@ -402,6 +408,32 @@ TEST_F(RemoteTest, SelectionThatIsTakenAwayComesBack) {
   ExpectRemote("pause", 0);
   ExpectRemote("status", 0, "paused\n");
   ExpectRemote("quit", 0);
+}
+
+TEST_F(RemoteTest, WindowThatGetsTheNumberOfTheOneThatEndedIsNotTakenForTheProgramsOwn) {
+  LaunchInstalled();
+  HideMainWindow();
+  const auto connect = [this] {
+    return std::unique_ptr<Display, int (*)(Display*)>(XOpenDisplay(server->name().c_str()),
+                                                       XCloseDisplay);
+  };
+  auto former = connect();
+  auto other = std::make_unique<FakeOwner>(former.get(), Selection());
+  const Window number = other->window();
+  ASSERT_TRUE(WaitFor([&] { return IsWatched(number); }));
+  other.reset();
+  former.reset();
+  ASSERT_TRUE(WaitFor([&] { return Owner() != 0; }));
+  // The server gives a new client the numbers of the one that went.
+  const auto late = connect();
+  const Window window =
+      XCreateSimpleWindow(late.get(), player->root(), 600, 300, 400, 300, 0, 0, 0);
+  ASSERT_EQ(window, number);
+  testing::SetClass(late.get(), window, "Late", "late");
+  XMapWindow(late.get(), window);
+  XSync(late.get(), False);
+  Draw({{650, 400}, {900, 400}});
+  EXPECT_NE(WaitDialog(), Window{0}) << "an application without a plug-in is offered one";
 }
 
 TEST_F(RemoteTest, OfTwoProgramsTheFirstIsFoundAndTheOtherTakesOver) {

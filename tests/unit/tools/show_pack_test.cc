@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <nlohmann/json.hpp>
+
 #include "tests/support/temp_install.h"
 #include "tests/unit/core/golden.h"
 #include "tests/unit/tools/run_tool.h"

@@ -1,7 +1,9 @@
-#include "launcher/places.h"
+#include "places/places.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <string_view>
@@ -10,6 +12,8 @@
 namespace gromlit {
 namespace {
 namespace fs = std::filesystem;
+
+constexpr mode_t kPrivate = 0700;
 
 std::string_view Environment(const char* name) {
   const char* value = std::getenv(name);
@@ -48,14 +52,16 @@ bool IsDirectory(const std::string& path) {
 
 }  // namespace
 
+bool FindUsualDirectory(std::string* directory, std::string* error) {
+  if (!FindBase("XDG_DATA_HOME", ".local/share", directory, error)) return false;
+  *directory += "/gromlit";
+  return true;
+}
+
 bool FindDirectory(const char* given, std::string* directory, std::string* error) {
   const std::string_view chosen =
       given != nullptr && *given != '\0' ? given : Environment("GROMLIT");
-  if (chosen.empty()) {
-    if (!FindBase("XDG_DATA_HOME", ".local/share", directory, error)) return false;
-    *directory += "/gromlit";
-    return true;
-  }
+  if (chosen.empty()) return FindUsualDirectory(directory, error);
   if (IsAbsolute(chosen)) {
     *directory = chosen;
     return true;
@@ -98,7 +104,7 @@ std::string FindInPath(const std::string& name) {
     const std::string_view folder = folders.substr(0, folders.find(':'));
     folders.remove_prefix(folder.size() < folders.size() ? folder.size() + 1 : folder.size());
     if (!IsAbsolute(folder)) continue;
-    const std::string path = std::string(folder) + "/" + name;
+    std::string path = std::string(folder) + "/" + name;
     if (IsProgram(path)) return path;
   }
   return "";
@@ -107,6 +113,19 @@ std::string FindInPath(const std::string& name) {
 std::string FindCompanion(const std::string& name) {
   const std::string beside = OwnFolder() + "/" + name;
   return IsProgram(beside) ? beside : FindInPath(name);
+}
+
+bool MakeDirectories(const std::string& path) {
+  for (size_t slash = path.find('/', 1);; slash = path.find('/', slash + 1)) {
+    const std::string above = path.substr(0, slash);
+    if (mkdir(above.c_str(), kPrivate) != 0 && errno != EEXIST) return false;
+    if (slash == std::string::npos) break;
+  }
+  // What was there may be a file.
+  struct stat info {};
+  if (stat(path.c_str(), &info) != 0) return false;
+  if (!S_ISDIR(info.st_mode)) errno = ENOTDIR;
+  return S_ISDIR(info.st_mode);
 }
 
 }  // namespace gromlit

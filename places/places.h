@@ -5,15 +5,21 @@
 
 namespace gromlit {
 
-// The user's installation directory as an absolute path: `given` where it is not null, else
-// $GROMLIT, else "gromlit" below $XDG_DATA_HOME, else below .local/share of the home directory.
-// Relative paths start from the working directory, but a relative XDG_DATA_HOME does not count, and
-// empty ones do not either. False with the reason in *error when nothing of that is set.
+// The user's installation directory where nothing else is chosen, as an absolute path: "gromlit"
+// below $XDG_DATA_HOME, else below .local/share of the home directory. A relative XDG_DATA_HOME
+// does not count. False with the reason in *error when neither is known.
+bool FindUsualDirectory(std::string* directory, std::string* error);
+
+// The user's installation directory: `given` where it is neither null nor empty, else $GROMLIT
+// likewise, else the usual one. Relative paths start from the working directory.
 bool FindDirectory(const char* given, std::string* directory, std::string* error);
 
-// The same for the directory of what is started with the desktop: "autostart" below
+// The directory of what is started with the desktop: "autostart" below
 // $XDG_CONFIG_HOME, else below .config of the home directory.
 bool FindAutostart(std::string* directory, std::string* error);
+
+// Makes a directory with the parents that it lacks, for the user alone. False with errno set.
+bool MakeDirectories(const std::string& path);
 
 // The directory of the running program's file; empty when the system does not say.
 std::string OwnFolder();

@@ -1,4 +1,4 @@
-#include "launcher/autostart.h"
+#include "places/autostart.h"
 
 #include <unistd.h>
 
@@ -12,7 +12,7 @@
 #include "core/files.h"
 #include "core/gromlit.h"
 #include "core/printable.h"
-#include "launcher/directory.h"
+#include "places/places.h"
 
 namespace gromlit {
 namespace {
@@ -84,6 +84,29 @@ bool IsAutostartOn(const std::string& folder) {
   if (!ReadFile(PathOf(folder).c_str(), kMaxEntry, &file)) return false;
   const std::string_view text(reinterpret_cast<const char*>(file.data()), file.size());
   return text.find("\nHidden=true") == std::string_view::npos;
+}
+
+bool ChooseAutostart(bool on, const std::string& directory, std::string* error) {
+  std::string folder;
+  if (!FindAutostart(&folder, error)) return false;
+  if (!on) return TurnAutostartOff(folder, error);
+  const std::string launcher = FindCompanion("gromlit-session");
+  if (launcher.empty()) {
+    *error = "gromlit-session was not found";
+    return false;
+  }
+  std::string own;
+  std::string usual;
+  std::string unknown;
+  if (!FindDirectory(directory.c_str(), &own, error)) return false;
+  if (FindUsualDirectory(&usual, &unknown) && own == usual) own.clear();
+  return TurnAutostartOn(folder, launcher, own, error);
+}
+
+bool AutostartChosen() {
+  std::string folder;
+  std::string unknown;
+  return FindAutostart(&folder, &unknown) && IsAutostartOn(folder);
 }
 
 }  // namespace gromlit

@@ -17,4 +17,9 @@ bool TurnAutostartOff(const std::string& folder, std::string* error);
 // Whether the entry is there and not hidden.
 bool IsAutostartOn(const std::string& folder);
 
+// The same for the user's own folder and the launcher that belongs to the running program. The
+// entry names the installation directory where it is not the usual one.
+bool ChooseAutostart(bool on, const std::string& directory, std::string* error);
+bool AutostartChosen();
+
 }  // namespace gromlit
