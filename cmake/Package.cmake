@@ -27,8 +27,8 @@ set(CPACK_DEBIAN_PACKAGE_RELEASE ${GROMLIT_DEBIAN_REVISION})
 set(CPACK_DEBIAN_PACKAGE_SECTION x11)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-# xdg-open shows the help; one of the players plays the sounds.
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS xdg-utils)
+# xdg-open shows the help, the fonts are those of the windows; one of the players plays the sounds.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "xdg-utils, xfonts-base, xfonts-75dpi | xfonts-100dpi")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "pipewire-bin | pulseaudio-utils | alsa-utils | sox")
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE "${GROMLIT_HOMEPAGE}")
 # What only a Debian package has, put into it when all else is there.
