@@ -1,12 +1,11 @@
 #include "tools/record_json.h"
 
-#include <nlohmann/json.hpp>
-
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
 #include <limits>
+#include <nlohmann/json.hpp>
 #include <span>
 #include <type_traits>
 

@@ -2,7 +2,8 @@
 //
 // Fields carry the names of the records' fields. Absent keys are zero or empty, unknown and
 // repeated keys are errors. A byte of a string is the code point of the same number
-// (U+0000..U+00FF), so that any byte survives.
+// (U+0000..U+00FF), so that any byte survives. Whoever looks into a document includes
+// <nlohmann/json.hpp>, which takes seconds to compile.
 #pragma once
 
 #include <nlohmann/json_fwd.hpp>
@@ -15,7 +16,6 @@
 
 namespace gromlit {
 
-// Whoever looks into a document includes <nlohmann/json.hpp>, which takes seconds to compile.
 using Json = nlohmann::ordered_json;
 
 // What is wrong with a document, beginning with the place ("actions[2].symbol.points: ...").
