@@ -43,3 +43,38 @@ function(gromlit_room)
   add_library(${room} STATIC ${sources})
   target_link_libraries(${room} PUBLIC gromlit_flags ${gromlit_uses_${room}} ${ARG_LIBRARIES})
 endfunction()
+
+# gromlit_tests_library(NAME file...) and gromlit_tests_program(NAME file...)
+# A static library and a program of code that the tests are made of, not of what they test. With
+# GROMLIT_TESTS_FROM, their objects are those of that other build: nothing in them depends on the
+# build, so one that only instruments what is tested need not compile them again.
+function(gromlit_tests_library name)
+  gromlit_tests_sources(sources ${name} ${ARGN})
+  add_library(${name} STATIC ${sources})
+  set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
+endfunction()
+
+function(gromlit_tests_program name)
+  gromlit_tests_sources(sources ${name} ${ARGN})
+  add_executable(${name} ${sources})
+  set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX
+                        RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+endfunction()
+
+function(gromlit_tests_sources result name)
+  set(sources ${ARGN})
+  if(GROMLIT_TESTS_FROM)
+    cmake_path(RELATIVE_PATH CMAKE_CURRENT_SOURCE_DIR BASE_DIRECTORY ${CMAKE_SOURCE_DIR}
+               OUTPUT_VARIABLE folder)
+    set(objects "")
+    foreach(source IN LISTS sources)
+      cmake_path(ABSOLUTE_PATH source)
+      cmake_path(RELATIVE_PATH source)
+      list(APPEND objects
+           "${GROMLIT_TESTS_FROM}/${folder}/CMakeFiles/${name}.dir/${source}${CMAKE_CXX_OUTPUT_EXTENSION}")
+    endforeach()
+    set_source_files_properties(${objects} PROPERTIES EXTERNAL_OBJECT ON)
+    set(sources ${objects})
+  endif()
+  set(${result} ${sources} PARENT_SCOPE)
+endfunction()

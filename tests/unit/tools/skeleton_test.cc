@@ -13,6 +13,7 @@
 #include "recognition/find_action.h"
 #include "recognition/signature_match.h"
 #include "recognition/stroke_signature.h"
+#include "tests/support/built.h"
 #include "tests/support/temp_install.h"
 #include "tests/unit/recognition/recognition_support.h"
 #include "tests/unit/recognition/stroke_sets.h"
@@ -31,7 +32,7 @@ using Files = std::map<std::string, std::unique_ptr<DataFile>>;
 
 Files ReadAll(const std::string& directory) {
   Files files;
-  for (const auto& entry : fs::directory_iterator(GROMLIT_SKELETON "/" + directory)) {
+  for (const auto& entry : fs::directory_iterator(testing::Built("share/gromlit/" + directory))) {
     auto file = std::make_unique<DataFile>();
     std::string error;
     EXPECT_TRUE(ReadDataFile(entry.path().c_str(), file.get(), &error)) << entry << error;
@@ -41,12 +42,12 @@ Files ReadAll(const std::string& directory) {
 }
 
 TEST(Skeleton, HasAnEmptyOptionsDirectory) {
-  ASSERT_TRUE(fs::is_directory(GROMLIT_SKELETON "/options"));
-  EXPECT_TRUE(fs::is_empty(GROMLIT_SKELETON "/options"));
+  ASSERT_TRUE(fs::is_directory(testing::Built("share/gromlit/options")));
+  EXPECT_TRUE(fs::is_empty(testing::Built("share/gromlit/options")));
 }
 
 TEST(Skeleton, IsClean) {
-  const ToolResult result = RunTool({"check", GROMLIT_SKELETON});
+  const ToolResult result = RunTool({"check", testing::Built("share/gromlit")});
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.out + result.err, "");
 }
@@ -193,7 +194,7 @@ TEST(Skeleton, HasSymbolsThatShapesKeepApart) {
   constexpr int kMedium = 3;
   constexpr int kDrawings = 100;
   Library library;
-  ReadSymbolLibrary(GROMLIT_SKELETON, &library);
+  ReadSymbolLibrary(testing::Built("share/gromlit").c_str(), &library);
   ASSERT_GE(library.size(), 20);
   std::mt19937 random(static_cast<uint32_t>(TestSeed()));
   int right = 0;
