@@ -1,10 +1,11 @@
 #include "tools/collection.h"
 
 #include <algorithm>
-#include <cstring>
+#include <initializer_list>
 #include <nlohmann/json.hpp>
 #include <set>
 
+#include "core/command_types.h"
 #include "core/plugin_names.h"
 #include "core/strings.h"
 #include "core/symbol_files.h"
@@ -29,9 +30,12 @@ bool IsNothing(const Json& value) {
   return value.is_number() && value == 0;
 }
 
-void DropNothings(Json* object) {
-  for (auto it = object->begin(); it != object->end();)
-    it = IsNothing(it.value()) ? object->erase(it) : std::next(it);
+// Except those that are kept.
+void DropNothings(Json* object, std::initializer_list<std::string_view> kept = {}) {
+  for (auto it = object->begin(); it != object->end();) {
+    const bool keep = std::find(kept.begin(), kept.end(), it.key()) != kept.end();
+    it = !keep && IsNothing(it.value()) ? object->erase(it) : std::next(it);
+  }
 }
 
 // `from` is the record that the document was made of.
@@ -44,16 +48,16 @@ void ShortenSymbol(const GromlitSymbol& from, Json* symbol) {
   DropNothings(symbol);
 }
 
+// An absent number of keys is that of the keys in the list. The list itself stays where there is a
+// text, even if it is empty: of the text alone a reader may make a key.
 void ShortenCommand(Json* command) {
-  if ((*command)["nkeys"] == (*command)["keys"].size()) {
-    command->erase("nkeys");
-    DropNothings(command);
-    return;
+  if ((*command)["nkeys"] == (*command)["keys"].size()) command->erase("nkeys");
+  if (IsNothing((*command)["text"])) {
+    DropNothings(command, {"nkeys"});
+  } else {
+    const bool hotkey = (*command)["type"] == CommandTypeOf(kHotKey)->name;
+    DropNothings(command, {"nkeys", hotkey ? "keys" : "nkeys"});
   }
-  // Of no keys in use the keys' own number would be made: this zero is said.
-  const Json nkeys = (*command)["nkeys"];
-  DropNothings(command);
-  (*command)["nkeys"] = nkeys;
 }
 
 void ShortenPlugin(const GromlitPlugin& from, Json* plugin) {

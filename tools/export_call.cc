@@ -55,7 +55,8 @@ struct Export {
       status = Complain(dir, error);
       return;
     }
-    for (const auto& [name, why] : found.strangers) status = Complain(dir + "/" + name, why);
+    const std::string below = dir + "/";
+    for (const auto& [name, why] : found.strangers) status = Complain(below + name, why);
     // The files that the program uses come first: others of the same key are then left out.
     for (auto* files : {&found.symbols, &found.plugins}) {
       const auto used = [files](const FoundFile& file) {
@@ -65,10 +66,9 @@ struct Export {
       for (const FoundFile& file : *files) first.push_back(used(file));
       for (const bool turn : {true, false})
         for (size_t i = 0; i < files->size(); i++)
-          if (first[i] == turn) Add(dir + "/" + (*files)[i].name, std::move((*files)[i].file));
+          if (first[i] == turn) Add(below + (*files)[i].name, std::move((*files)[i].file));
     }
-    if (found.options != nullptr)
-      Add(dir + "/" + found.options->name, std::move(found.options->file));
+    if (found.options != nullptr) Add(below + found.options->name, std::move(found.options->file));
   }
 
   void LeaveOut(const std::string& path, const std::string& why) {

@@ -29,10 +29,11 @@ bool ReadDirectory(const std::string& dir, const char* directory, Kind kind,
     return false;
   }
   std::sort(names.begin(), names.end());
+  const std::string below = dir + "/";
   for (const std::string& name : names) {
     FoundFile next = {name, std::make_unique<DataFile>()};
     std::string why;
-    if (!ReadDataFile((dir + "/" + name).c_str(), next.file.get(), &why)) {
+    if (!ReadDataFile((below + name).c_str(), next.file.get(), &why)) {
       found->strangers.emplace_back(name, why);
     } else if (next.file->kind != kind) {
       found->strangers.emplace_back(name, "belongs into another directory");

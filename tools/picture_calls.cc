@@ -58,9 +58,10 @@ int MakeSheet(const std::string& dir, const std::string& output, SheetForm form)
   std::string error;
   if (!ReadInstallation(dir, &found, &error)) return Complain(dir, error);
   int status = kSuccess;
-  for (const auto& [name, why] : found.strangers) status = Complain(dir + "/" + name, why);
+  const std::string below = dir + "/";
+  for (const auto& [name, why] : found.strangers) status = Complain(below + name, why);
   for (const FoundFile& file : found.plugins)
-    if (WarnOfDamage(dir + "/" + file.name, *file.file) != kSuccess) status = kTrouble;
+    if (WarnOfDamage(below + file.name, *file.file) != kSuccess) status = kTrouble;
   const std::vector<SheetSection> sections = SheetOf(&found);
   if (sections.empty()) return Complain(dir, "holds no plug-in");
   std::string text;

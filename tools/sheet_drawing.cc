@@ -70,8 +70,9 @@ Block EntryBlock(const SheetEntry& entry, double x) {
   const double side = count == 1 ? kOne : kSeveral / static_cast<double>(across);
   Block block;
   for (size_t i = 0; i < count; i++) {
+    const size_t row = i / across;
     const std::string place = "x=\"" + Number(x + static_cast<double>(i % across) * side) +
-                              "\" y=\"" + Number(static_cast<double>(i / across) * side) + "\"";
+                              "\" y=\"" + Number(static_cast<double>(row) * side) + "\"";
     block.contents += SymbolDrawing(*entry.drawings[i], side, place) + "\n";
   }
   const double left = x + static_cast<double>(across) * side + kGap;

@@ -160,13 +160,16 @@ TEST_F(Sharing, KeepsWhatAnAbsentKeyWouldNotMean) {
   // Points that are all zero, keys of which none is in use, an icon that is not the points'.
   const std::string document = Plugins(
       R"({"classname":"C","actions":[{},{"symbol":{"points":[[0,0],[0,0]]},"commands":[)"
-      R"({"type":"HotKey","nkeys":0,"keys":[[46,4]]},{"type":"HotKey","nkeys":2},{"type":9}]}]})");
+      R"({"type":"HotKey","nkeys":0,"keys":[[46,4]]},{"type":"HotKey","nkeys":2},{"type":9},)"
+      R"({"type":"HotKey","keys":[],"text":"Control-l"}]}]})");
   ASSERT_EQ(Import(document).status, 0);
   const ToolResult exported = Export({dir});
   fs::create_directory(scratch / "other");
   ASSERT_EQ(RunTool({"import", "-", scratch / "other"}, exported.out).status, 0);
   EXPECT_EQ(ReadBytes(dir + "/plugins/C.sla"), ReadBytes(scratch / "other/plugins/C.sla"));
   EXPECT_THAT(exported.out, HasSubstr("[[0,0],[0,0]]"));
+  // Of the text alone a key might be made.
+  EXPECT_THAT(exported.out, HasSubstr("\"keys\": [],\n              \"text\": \"Control-l\""));
 }
 
 TEST_F(Sharing, NamesWhatIsLeftOutOfTheDocument) {
