@@ -5,6 +5,17 @@ target_compile_options(gromlit_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion
   $<$<BOOL:${GROMLIT_WERROR}>:-Werror>)
 target_include_directories(gromlit_flags INTERFACE ${CMAKE_SOURCE_DIR})
+if(GROMLIT_HARDEN)
+  # What Debian asks of a package: each costs an attacker a way from a fault to more.
+  include(CheckPIESupported)
+  check_pie_supported(LANGUAGES CXX)
+  set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+  target_compile_options(gromlit_flags INTERFACE
+    -fstack-protector-strong -fstack-clash-protection
+    -Wformat -Werror=format-security -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2
+    -ffile-prefix-map=${CMAKE_SOURCE_DIR}=.)
+  target_link_options(gromlit_flags INTERFACE LINKER:-z,relro,-z,now)
+endif()
 if(GROMLIT_SANITIZE)
   # The tests' own code is not what is looked at: half of the time that it takes to compile would go
   # into checks of undefined behaviour.
@@ -42,4 +53,39 @@ function(gromlit_room)
   list(FILTER sources EXCLUDE REGEX "/main\\.cc$")
   add_library(${room} STATIC ${sources})
   target_link_libraries(${room} PUBLIC gromlit_flags ${gromlit_uses_${room}} ${ARG_LIBRARIES})
+endfunction()
+
+# gromlit_tests_library(NAME file...) and gromlit_tests_program(NAME file...)
+# A static library and a program of code that the tests are made of, not of what they test. With
+# GROMLIT_TESTS_FROM, their objects are those of that other build: nothing in them depends on the
+# build, so one that only instruments what is tested need not compile them again.
+function(gromlit_tests_library name)
+  gromlit_tests_sources(sources ${name} ${ARGN})
+  add_library(${name} STATIC ${sources})
+  set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
+endfunction()
+
+function(gromlit_tests_program name)
+  gromlit_tests_sources(sources ${name} ${ARGN})
+  add_executable(${name} ${sources})
+  set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX
+                        RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+endfunction()
+
+function(gromlit_tests_sources result name)
+  set(sources ${ARGN})
+  if(GROMLIT_TESTS_FROM)
+    cmake_path(RELATIVE_PATH CMAKE_CURRENT_SOURCE_DIR BASE_DIRECTORY ${CMAKE_SOURCE_DIR}
+               OUTPUT_VARIABLE folder)
+    set(objects "")
+    foreach(source IN LISTS sources)
+      cmake_path(ABSOLUTE_PATH source)
+      cmake_path(RELATIVE_PATH source)
+      list(APPEND objects
+           "${GROMLIT_TESTS_FROM}/${folder}/CMakeFiles/${name}.dir/${source}${CMAKE_CXX_OUTPUT_EXTENSION}")
+    endforeach()
+    set_source_files_properties(${objects} PROPERTIES EXTERNAL_OBJECT ON)
+    set(sources ${objects})
+  endif()
+  set(${result} ${sources} PARENT_SCOPE)
 endfunction()

@@ -21,6 +21,7 @@
 #include "core/record_codec.h"
 #include "core/report.h"
 #include "core/retired.h"
+#include "core/set_aside.h"
 #include "core/strings.h"
 
 namespace gromlit {
@@ -92,32 +93,6 @@ void KeepFile(GromlitPlugin* pin, std::string_view name) {
 }
 
 // --- Saving -----------------------------------------------------------------------------------
-
-// Copies a file of the plug-in directory to a name in damaged/ that is not in use. False with errno
-// set. A file that is gone needs no copy.
-bool SetAside(const char* fname) {
-  std::vector<std::byte> contents;
-  const std::string source = PluginPath(fname);
-  struct stat st {};
-  if (stat(source.c_str(), &st) != 0) return errno == ENOENT;
-  // One byte more than allowed tells a file that is too large to be kept whole.
-  if (!ReadFile(source.c_str(), kMaxPluginFile + 1, &contents)) return false;
-  if (contents.size() > kMaxPluginFile) {
-    errno = EFBIG;
-    return false;
-  }
-  const std::string directory = std::string(GromlitPath) + "/" + damagedDirectory;
-  if (mkdir(directory.c_str(), 0777) != 0 && errno != EEXIST) return false;
-  std::string name = fname;
-  std::replace(name.begin(), name.end(), '/', '_');
-  std::string copy = DataPath(damagedDirectory, name.c_str());
-  struct stat taken {};
-  for (int n = 2; lstat(copy.c_str(), &taken) == 0; n++)
-    copy = DataPath(damagedDirectory, (name + "." + std::to_string(n)).c_str());
-  if (!SaveFile(copy.c_str(), contents)) return false;
-  (void)chmod(copy.c_str(), st.st_mode & 0777);  // as private as the original
-  return true;
-}
 
 // Reads the node's file into pin, once: whatever comes of it, the node then counts as loaded.
 void ReadOnFirstUse(GromlitPluginList* node, GromlitPlugin& pin) {
@@ -235,7 +210,8 @@ GromlitPlugin* UnLoadPlugin(GromlitPlugin* pin, const char* fname) {
     return SaveFailed();
   }
   if (pin->damagedfile != nullptr) {
-    if (!SetAside(pin->damagedfile)) return SaveFailed();
+    if (!SetAside(PluginPath(pin->damagedfile), damagedDirectory, pin->damagedfile))
+      return SaveFailed();
     Retire(pin->damagedfile);
     pin->damagedfile = nullptr;
   }

@@ -1,11 +1,12 @@
 // Gromlit's main job, shown on a virtual display: the main window follows the pointer, strokes are
 // drawn over other clients' windows, and what came of it is looked at from outside.
 //
-//   gromlit-demo BUILD SOURCE OUT
+//   gromlit-demo BUILD SOURCE OUT [FILM]
 //
 // BUILD holds the programs and the starter library, SOURCE the demo's own files; pictures go to
-// OUT. One line per move and per stroke. Status 0 when all was seen that should be, 1 when
-// something was not, 2 when the stage could not be set.
+// OUT, and to FILM, a directory that exists, the frames of the stroke over the text editor. One
+// line per move and per stroke. Status 0 when all was seen that should be, 1 when something was
+// not, 2 when the stage could not be set.
 #include <X11/keysym.h>
 
 #include <algorithm>
@@ -92,8 +93,11 @@ Expectation FileHolds(const std::string& path, const std::string& text, const st
 
 class Demo {
  public:
-  Demo(std::string build, std::string source, std::string out)
-      : build_(std::move(build)), source_(std::move(source)), out_(std::move(out)) {}
+  Demo(std::string build, std::string source, std::string out, std::string film)
+      : build_(std::move(build)),
+        source_(std::move(source)),
+        out_(std::move(out)),
+        film_(std::move(film)) {}
 
   int Run();
 
@@ -113,6 +117,9 @@ class Demo {
   const std::vector<Icon>& IconsOf(const std::string& plugin);
   Expectation MainWindowShows(const std::string& plugin);
   void HideMainWindow();
+  // Draws through the points, with frames for the film on the way.
+  void Draw(const std::vector<Point>& corners);
+  void Frame();
   void Picture(const std::string& name) { testing::SaveScreen(display(), out_ + "/" + name); }
 
   void FollowThePointer();
@@ -125,6 +132,8 @@ class Demo {
   std::string build_;
   std::string source_;
   std::string out_;
+  std::string film_;  // "": none is made
+  int frames_ = 0;
   testing::TempDir scratch_;
   std::unique_ptr<XServer> server_;
   std::unique_ptr<Player> player_;
@@ -233,6 +242,34 @@ void Demo::Judge(const std::string& what, const Expectation& expectation) {
   std::fflush(stdout);
 }
 
+void Demo::Frame() {
+  if (film_.empty()) return;
+  constexpr int kFrame = 24;  // of the window manager, around the editor
+  const Area area = AreaOf(display(), editor_);
+  char name[32];
+  std::snprintf(name, sizeof name, "/%03d.png", frames_++);
+  testing::WriteText(film_ + name,
+                     testing::PngOf(testing::TakeScreen(
+                         display(), std::max(area.x - kFrame / 4, 0), std::max(area.y - kFrame, 0),
+                         area.width + kFrame / 2, area.height + kFrame + kFrame / 4)));
+}
+
+void Demo::Draw(const std::vector<Point>& corners) {
+  if (film_.empty()) return Trace(*player_, corners);
+  constexpr int kPieces = 5;  // of a leg
+  for (size_t i = 1; i < corners.size(); i++) {
+    Point from = corners[i - 1];
+    const Point to = corners[i];
+    for (int left = kPieces; left > 0; left--) {
+      const Point next{from.x + (to.x - from.x) / left, from.y + (to.y - from.y) / left};
+      Trace(*player_, {from, next});
+      XSync(display(), False);
+      Frame();
+      from = next;
+    }
+  }
+}
+
 void Demo::Stroke(const std::string& what, const std::vector<Point>& corners,
                   const Expectation& expectation, bool picture) {
   const Point first = corners.front();
@@ -248,13 +285,15 @@ void Demo::Stroke(const std::string& what, const std::vector<Point>& corners,
     drawn.push_back(halfway);
     const Point sample = Between(from, halfway);
     const unsigned long before = player_->Pixel(sample.x, sample.y);
+    Frame();
     player_->Press(3);
-    Trace(*player_, drawn);
+    Draw(drawn);
     LookAtTheTrail(sample, before);
-    Trace(*player_, {halfway, corners.back()});
+    Draw({halfway, corners.back()});
   }
   player_->Release(3);
   Judge(what, expectation);
+  if (picture) Frame();
 }
 
 // Whether a point that was drawn over does not look as it did before.
@@ -493,12 +532,12 @@ int Demo::Run() {
 }  // namespace gromlit::demo
 
 int main(int argc, char** argv) {
-  if (argc != 4) {
-    std::fprintf(stderr, "usage: gromlit-demo BUILD SOURCE OUT\n");
+  if (argc != 4 && argc != 5) {
+    std::fprintf(stderr, "usage: gromlit-demo BUILD SOURCE OUT [FILM]\n");
     return 2;
   }
   try {
-    return gromlit::demo::Demo(argv[1], argv[2], argv[3]).Run();
+    return gromlit::demo::Demo(argv[1], argv[2], argv[3], argc > 4 ? argv[4] : "").Run();
   } catch (const std::exception& problem) {
     gromlit::demo::GiveUp(problem.what());
   }

@@ -20,10 +20,12 @@
 #include "app/plugins/new_plugin.h"
 #include "app/plugins/plugin_menu.h"
 #include "app/plugins/spare_plugins.h"
+#include "app/preferences/news.h"
 #include "app/preferences/user_options_window.h"
 #include "app/symbols/symbol_commands.h"
 #include "app/symbols/symbol_dialog.h"
 #include "app/symbols/symbol_editor.h"
+#include "app/tray/tray_icon.h"
 #include "app/windows/dialogs.h"
 #include "app/windows/splash.h"
 #include "app/windows/top_level.h"
@@ -33,12 +35,14 @@
 #include "core/files.h"
 #include "core/option_files.h"
 #include "core/plugin_files.h"
+#include "core/plugin_names.h"
 #include "display/display.h"
 #include "display/draw_button.h"
 #include "display/end_signals.h"
 #include "display/sent_events.h"
 #include "display/x_errors.h"
 #include "program/command_line.h"
+#include "program/remote_service.h"
 #include "toolkit/event_loop.h"
 #include "toolkit/focus.h"
 #include "toolkit/pulldown_button.h"
@@ -52,16 +56,6 @@ namespace {
 void IgnoreWriteSignals() {
   std::signal(SIGXFSZ, SIG_IGN);
   std::signal(SIGPIPE, SIG_IGN);
-}
-
-// Whoever started the program may have closed its standard descriptors. The connection to the
-// server or a file to save would get a free number among them, and a message printed there would
-// end up in the middle of the requests or of the file.
-void HoldStandardDescriptors() {
-  for (int fd = STDIN_FILENO; fd <= STDERR_FILENO; fd++) {
-    // The lowest free number is the missing one, since those below it are held by now.
-    if (fcntl(fd, F_GETFD) < 0 && open("/dev/null", O_RDWR) < 0) return;
-  }
 }
 
 // The program prints a few lines in days of running. Each must be there when it is due and not when
@@ -126,6 +120,7 @@ void ShowMainWindow() {
   DrawGromlitApp(app);
   if (!HandsOff(DefaultPlugin)) UpdatePulldownButton(app->txt, defaultPluginClassname);
   TellOfSparePlugins();
+  TellOfNews(!SparePluginFiles().empty());
 }
 
 // What the user would miss if the program just ended. The server itself gives back what is grabbed,
@@ -139,8 +134,14 @@ void GiveBack() {
 
 }  // namespace
 
+void HoldStandardDescriptors() {
+  for (int fd = STDIN_FILENO; fd <= STDERR_FILENO; fd++) {
+    // The lowest free number is the missing one, since those below it are held by now.
+    if (fcntl(fd, F_GETFD) < 0 && open("/dev/null", O_RDWR) < 0) return;
+  }
+}
+
 void StartUp(const CommandLine& line) {
-  HoldStandardDescriptors();
   IgnoreWriteSignals();
   PrintAtOnce();
   OpenStrokeLog();
@@ -173,7 +174,9 @@ void StartUp(const CommandLine& line) {
   ShowMainWindow();
   // From here on windows of other clients are asked about that may be gone already.
   XSetErrorHandler(GromlitXErrorHandler);
+  ServeRemote();
   CreateAppTrack();
+  WatchForTrays();
 }
 
 }  // namespace gromlit

@@ -27,6 +27,21 @@ foreach(name IN LISTS PLAIN)
   list(APPEND made ${name})
 endforeach()
 
+# The help's cheat sheet shows what has been packed: the place for it in the page is a comment.
+set(sheet help/cheat-sheet.html)
+if(sheet IN_LIST PLAIN)
+  execute_process(
+    COMMAND ${TOOL} sheet ${SKELETON} -o ${STAMP}.html --part
+    COMMAND_ERROR_IS_FATAL ANY)
+  file(READ ${STAMP}.html gestures)
+  file(READ ${SOURCE}/${sheet} page)
+  string(REPLACE "<!-- gestures -->" "${gestures}" filled "${page}")
+  if(filled STREQUAL page)
+    message(FATAL_ERROR "${sheet} has no place for the gestures")
+  endif()
+  file(WRITE ${SKELETON}/${sheet} "${filled}")
+endif()
+
 if(EXISTS ${STAMP})
   file(STRINGS ${STAMP} former)
   list(REMOVE_ITEM former ${made})

@@ -1,5 +1,6 @@
 // The text of JSON documents: strings of bytes, parsing with limits, printing.
 #include <algorithm>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 

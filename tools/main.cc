@@ -1,6 +1,4 @@
 // gromlit-tool: the data files and the recognition from the command line, without a display.
-#include <sys/stat.h>
-
 #include <CLI/CLI.hpp>
 #include <cerrno>
 #include <csignal>
@@ -12,82 +10,15 @@
 
 #include "core/printable.h"
 #include "tools/check.h"
-#include "tools/data_file.h"
-#include "tools/output_file.h"
+#include "tools/file_calls.h"
+#include "tools/file_formats.h"
+#include "tools/picture_calls.h"
 #include "tools/recognition_calls.h"
-#include "tools/record_json.h"
-#include "tools/text_input.h"
+#include "tools/sharing_calls.h"
 #include "tools/tool_io.h"
 
 namespace gromlit {
 namespace {
-
-// --- The calls ----------------------------------------------------------------------------------
-
-int Show(const std::vector<std::string>& paths) {
-  int status = kSuccess;
-  for (const std::string& path : paths) {
-    DataFile file;
-    std::string error;
-    if (!ReadDataFile(path.c_str(), &file, &error)) {
-      status = Complain(path, error);
-      continue;
-    }
-    switch (file.kind) {
-      case Kind::kSymbol:
-        Write(PrintJson(SymbolDocument(file.symbol)));
-        break;
-      case Kind::kPlugin:
-        Write(PrintJson(PluginDocument(file.plugin)));
-        break;
-      case Kind::kOptions:
-        Write(PrintJson(OptionsDocument(file.options)));
-        break;
-    }
-    if (WarnOfDamage(path, file) != kSuccess) status = kTrouble;
-  }
-  return status;
-}
-
-void ReadDocument(const Json& document, DataFile* file) {
-  const std::string kind = KindOf(document);
-  if (kind == "symbol") {
-    file->kind = Kind::kSymbol;
-    ReadSymbolDocument(document, &file->symbol);
-  } else if (kind == "plugin") {
-    file->kind = Kind::kPlugin;
-    ReadPluginDocument(document, &file->plugin);
-  } else {
-    file->kind = Kind::kOptions;
-    ReadOptionsDocument(document, &file->options);
-  }
-}
-
-int Pack(const std::string& input, const std::string& output) {
-  const std::string name = InputName(input);
-  std::string text;
-  std::string error;
-  if (!ReadTextInput(input, kMaxDocument, &text, &error)) return Complain(name, error);
-  DataFile file;
-  try {
-    ReadDocument(ParseJson(text), &file);
-  } catch (const JsonError& e) {
-    return Complain(name, e.what());
-  }
-  const std::vector<std::byte> image = FileImage(file);
-  if (image.empty()) return Complain(name, "the file would be larger than 64 MB");
-  if (!WriteOutputFile(output, image)) return Complain(output, std::strerror(errno));
-  return kSuccess;
-}
-
-int Check(const std::string& dir, bool shape, int32_t tolerance) {
-  struct stat info;
-  if (stat(dir.c_str(), &info) != 0) return Complain(dir, std::strerror(errno));
-  if (!S_ISDIR(info.st_mode)) return Complain(dir, std::strerror(ENOTDIR));
-  const std::vector<std::string> problems = CheckInstallation(dir, {shape, tolerance});
-  for (const std::string& line : problems) Write(line + "\n");
-  return problems.empty() ? kSuccess : kNegative;
-}
 
 int Main(int argc, char** argv) {
   CLI::App app{"The data files and the stroke recognition of Gromlit from the command line.",
@@ -95,21 +26,21 @@ int Main(int argc, char** argv) {
   app.require_subcommand(1);
   app.set_version_flag("--version", "gromlit-tool " GROMLIT_VERSION);
   app.footer(
-      "Status: 0 success; 1 no action matches, or problems were found;\n"
+      "Status: 0 success; 1 no action matches, problems were found, something was left out;\n"
       "2 wrong usage, unreadable or damaged input.");
   int status = kSuccess;
 
   std::vector<std::string> files;
   CLI::App* show = app.add_subcommand("show", "Print symbol, plug-in or options files as JSON");
   show->add_option("FILE", files, "Files to print")->required();
-  show->callback([&] { status = Show(files); });
+  show->callback([&] { status = ShowFiles(files); });
 
   std::string document;
   std::string output;
   CLI::App* pack = app.add_subcommand("pack", "Make a data file from a JSON document");
   pack->add_option("JSON", document, "The document; - reads standard input")->required();
   pack->add_option("-o,--output", output, "File to write")->required();
-  pack->callback([&] { status = Pack(document, output); });
+  pack->callback([&] { status = PackDocument(document, output); });
 
   std::string symbol;
   std::string stroke = "-";
@@ -178,7 +109,51 @@ int Main(int argc, char** argv) {
                            ->check(CLI::Range(1, 5))
                            ->needs(pairs);
   check->callback([&, given] {
-    status = Check(dir, shape, given->count() != 0 ? tolerance : kOptionsTolerance);
+    status = CheckDirectory(dir, shape, given->count() != 0 ? tolerance : kOptionsTolerance);
+  });
+
+  CLI::App* exporting =
+      app.add_subcommand("export", "Put symbols, plug-ins and options into one document");
+  exporting
+      ->add_option("DIR|FILE", files, "Installation directories (all that they hold) and files")
+      ->required();
+  exporting->add_option("-o,--output", output, "File to write; - is the standard output")
+      ->required();
+  exporting->callback([&] { status = ExportFiles(files, output); });
+
+  Existing existing = Existing::kKeep;
+  bool dry_run = false;
+  CLI::App* importing =
+      app.add_subcommand("import", "Put what a document holds into an installation directory");
+  importing->add_option("JSON", document, "The document; - reads standard input")->required();
+  importing->add_option("DIR", dir, "The installation directory")->required();
+  importing->add_flag("--dry-run", dry_run, "Only say what would be done");
+  CLI::Option* merge = importing->add_flag_callback(
+      "--merge", [&] { existing = Existing::kMerge; },
+      "Add to plug-ins that are there the actions that they do not have");
+  importing
+      ->add_flag_callback(
+          "--replace", [&] { existing = Existing::kReplace; },
+          "Replace what is there, options too; it goes to replaced/ in DIR")
+      ->excludes(merge);
+  importing->callback([&] { status = ImportFiles(document, dir, existing, dry_run); });
+
+  CLI::App* icon = app.add_subcommand("icon", "Draw a symbol's icon or its stroke");
+  icon->add_option("FILE", document, "The symbol file")->required();
+  icon->add_option("-o,--output", output, "FILE.png: the icon; FILE.svg: the stroke")->required();
+  icon->callback([&] { status = DrawIcon(document, output); });
+
+  SheetForm form;
+  CLI::App* sheet = app.add_subcommand("sheet", "Make a cheat sheet of all gestures");
+  sheet->add_option("DIR", dir, "The installation directory")->required();
+  sheet->add_option("-o,--output", output, "File to write: FILE.html or FILE.svg")->required();
+  sheet->add_flag("--part", form.part, "Of HTML only the sections, for a page of your own");
+  sheet->add_option("--paper", form.paper, "Of SVG only this sheet of A4 paper, from 1")
+      ->check(CLI::Range(1, 10000));
+  sheet->callback([&] { status = MakeSheet(dir, output, form); });
+
+  app.add_subcommand("formats", "Print the description of the file formats")->callback([&] {
+    Write(FileFormats());
   });
 
   try {

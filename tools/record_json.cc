@@ -5,6 +5,8 @@
 #include <cstring>
 #include <iterator>
 #include <limits>
+#include <nlohmann/json.hpp>
+#include <optional>
 #include <span>
 #include <type_traits>
 
@@ -12,6 +14,7 @@
 #include "core/option_fields.h"
 #include "core/strings.h"
 #include "core/value_names.h"
+#include "keymap/key_strokes.h"
 #include "recognition/symbol_icon.h"
 
 namespace gromlit {
@@ -288,9 +291,22 @@ uint8_t ReadType(const Json& type, const std::string& where) {
   Fail(where, Shown(type) + " is no command type and no number 0..255");
 }
 
+// The key of a hot key that is given as text alone, on the keyboard that the library is packed for.
+void ResolveKeys(const std::string& text, const std::string& where, GromlitCmd* cmd) {
+  static const Keymap map = PackingKeymap();
+  if (map == nullptr) Fail(where, "needs the system's data of keyboards (xkb-data), or \"keys\"");
+  const std::optional<KeyStroke> stroke = FindKeyStroke(map.get(), text);
+  if (!stroke.has_value())
+    Fail(where, "no key stroke of the keyboard pc105 us: " + Shown(Json(BytesToText(text))));
+  cmd->keycode[0] = stroke->keycode;
+  cmd->keystate[0] = stroke->state;
+  cmd->nkeys = 1;
+}
+
 void ReadCommand(const Json& object, const std::string& where, GromlitCmd* cmd) {
   ObjectReader in(object, where);
-  if (const Json* type = in.Find("type")) cmd->type = ReadType(*type, in.Where("type"));
+  const Json* type = in.Find("type");
+  if (type != nullptr) cmd->type = ReadType(*type, in.Where("type"));
   if (const Json* keys = in.List("keys", kMaxKeys)) {
     for (size_t i = 0; i < keys->size(); i++) {
       ObjectReader::ToPair((*keys)[i], Item(in.Where("keys"), i), &cmd->keycode[i],
@@ -298,8 +314,12 @@ void ReadCommand(const Json& object, const std::string& where, GromlitCmd* cmd) 
     }
     cmd->nkeys = static_cast<uint8_t>(keys->size());
   }
-  in.Number("nkeys", &cmd->nkeys);
   const std::string text = in.Bytes("text");
+  // A number is what a record holds, whatever it is; the name is what an author means.
+  const bool named = type != nullptr && type->is_string() && cmd->type == kHotKey;
+  if (named && in.Find("keys") == nullptr && !text.empty())
+    ResolveKeys(text, in.Where("text"), cmd);
+  in.Number("nkeys", &cmd->nkeys);
   if (!text.empty()) {
     // Not a string function: the text may hold NULs.
     cmd->text = static_cast<char*>(std::calloc(text.size() + 1, 1));

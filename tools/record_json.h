@@ -2,10 +2,12 @@
 //
 // Fields carry the names of the records' fields. Absent keys are zero or empty, unknown and
 // repeated keys are errors. A byte of a string is the code point of the same number
-// (U+0000..U+00FF), so that any byte survives.
+// (U+0000..U+00FF), so that any byte survives. A command of type "HotKey", so named, with a text
+// and without "keys" gets the key of its text, such as "Control-Shift-t", on the keyboard pc105 us.
+// Whoever looks into a document includes <nlohmann/json.hpp>, which takes seconds to compile.
 #pragma once
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
 #include <stdexcept>
 #include <string>

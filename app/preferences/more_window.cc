@@ -1,14 +1,16 @@
 #include "app/preferences/more_window.h"
 
 #include <cerrno>
+#include <string>
 
 #include "actions/launch.h"
-#include "app/preferences/choices.h"
 #include "app/windows/dialogs.h"
 #include "app/windows/top_level.h"
+#include "core/choices.h"
 #include "core/option_files.h"
 #include "display/display.h"
 #include "display/draw_button.h"
+#include "places/autostart.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/text.h"
@@ -29,6 +31,8 @@ constexpr int kButtonRoom = 48;  // for the buttons, below the last row
 
 constexpr const char* kTitle = "Gromlit: More Preferences";
 constexpr const char* kHelpFile = "help/preferences.html";
+constexpr const char* kAutostart = "Start with the Desktop";
+constexpr const char* kAutostartSentence = "Gromlit is there as soon as you have logged in.";
 constexpr const char* kNotSaved = "The choices hold until Gromlit ends, but were not saved.";
 
 int RowHeight() {
@@ -39,16 +43,18 @@ int RowY(int row) {
   return kFirstRow + row * RowHeight();
 }
 
+void SetBox(XCheckBox* box, bool on) {
+  const int wanted = on ? 1 : 0;
+  if (box->state == wanted) return;
+  box->state = wanted;
+  DrawCheckBox(box);
+}
+
 // Sets the boxes to what these options, or nobody's, would have; draws those that change.
 template <typename State>
 void SetBoxes(MoreOptions* options, State state) {
   const auto choices = Choices();
-  for (size_t i = 0; i < choices.size(); i++) {
-    const int wanted = state(choices[i]) ? 1 : 0;
-    if (options->boxes[i]->state == wanted) continue;
-    options->boxes[i]->state = wanted;
-    DrawCheckBox(options->boxes[i]);
-  }
+  for (size_t i = 0; i < choices.size(); i++) SetBox(options->boxes[i], state(choices[i]));
 }
 
 void TakeOver(const MoreOptions* options, GromlitUserOptions* into) {
@@ -57,13 +63,32 @@ void TakeOver(const MoreOptions* options, GromlitUserOptions* into) {
     TurnChoice(into, choices[i], options->boxes[i]->state != 0);
 }
 
+// False after a dialog with the reason.
+bool TellDesktop(bool start) {
+  std::string error;
+  if (AutostartChosen() == start || ChooseAutostart(start, GromlitPath, &error)) return true;
+  ShowFailure(((start ? "Gromlit will not start with the desktop:\n"
+                      : "Gromlit still starts with the desktop:\n") +
+               error)
+                  .c_str());
+  return false;
+}
+
+// One caption and its sentence.
+void DrawRow(const MoreOptions* options, int row, const char* caption, const char* sentence) {
+  const int y = RowY(row) + txtCharht - kCaptionRise;
+  DrawText(options->window, options->gc, kCaptionX, y, caption);
+  DrawText(options->window, options->gc, kCaptionX, y + txtCharht + 2, sentence);
+}
+
 }  // namespace
 
 void CreateMoreOptions(GromlitUserOptions* working) {
   more = new MoreOptions{};
   more->working = working;
   more->width = kWidth;
-  more->height = RowY(static_cast<int>(Choices().size())) + kButtonRoom;
+  const int rows = static_cast<int>(Choices().size());
+  more->height = RowY(rows + 1) + kButtonRoom;
   more->window = MakeEditorWindow({.title = kTitle,
                                    .icontitle = kTitle,
                                    .name = "MorePreferences",
@@ -76,6 +101,7 @@ void CreateMoreOptions(GromlitUserOptions* working) {
   for (size_t i = 0; i < Choices().size(); i++)
     more->boxes.push_back(
         MakeCheckBox(more, more->window, nullptr, kMargin, RowY(static_cast<int>(i))));
+  more->autostart = MakeCheckBox(more, more->window, nullptr, kMargin, RowY(rows));
   const int y = more->height - 40;
   more->bhelp = MakeButton(more, more->window, "Help", moreClickHelp, kMargin, y);
   more->brecommended = MakeButtonSized(more, more->window, "Recommended", moreClickRecommended,
@@ -86,6 +112,7 @@ void CreateMoreOptions(GromlitUserOptions* working) {
 
 void moreClickOpen(void*) {
   SetBoxes(more, [](const Choice& choice) { return IsOn(*user, choice); });
+  SetBox(more->autostart, AutostartChosen());
   ShowTopLevel(more->window);
 }
 
@@ -102,6 +129,7 @@ void moreClickSave(void*) {
     ShowSaveFailure(kNotSaved, errno);
     return;
   }
+  if (!TellDesktop(more->autostart->state != 0)) return;
   HideTopLevel(more->window);
 }
 
@@ -117,11 +145,8 @@ void DrawMoreOptions(MoreOptions* options, XEvent*) {
   XClearWindow(dpy, options->window);
   XSetForeground(dpy, options->gc, black.pixel);
   int row = 0;
-  for (const Choice& choice : Choices()) {
-    const int y = RowY(row++) + txtCharht - kCaptionRise;
-    DrawText(options->window, options->gc, kCaptionX, y, choice.caption);
-    DrawText(options->window, options->gc, kCaptionX, y + txtCharht + 2, choice.sentence);
-  }
+  for (const Choice& choice : Choices()) DrawRow(options, row++, choice.caption, choice.sentence);
+  DrawRow(options, row, kAutostart, kAutostartSentence);
 }
 
 }  // namespace gromlit

@@ -1,17 +1,19 @@
 // The window behind the preferences' button "More...": a check box and a sentence for each choice
-// beyond the stated behaviour (app/preferences/choices.h).
+// beyond the stated behaviour (core/choices.h), and one for starting with the desktop
+// (places/autostart.h).
 //
 //   event          what happens                                                function
 //   -----          ------------                                                --------
 //   opened         boxes set from the options in force, window mapped          moreClickOpen
 //   box turned     nothing but the box                                         -
-//   Recommended    boxes set to what a new user starts with                    moreClickRecommended
+//   Recommended    boxes of options set to what a new user starts with         moreClickRecommended
 //   OK             boxes that differ from the options into `user` and into     moreClickSave
-//                  the preferences' working copy; file written, unmapped
+//                  the preferences' working copy; file written; the desktop
+//                  told; unmapped
 //   Cancel, close  window unmapped                                             moreClickCancel
 //
 // When the file cannot be written, the changed options stay in force until the program ends, the
-// window stays open and a dialog gives the reason.
+// window stays open and a dialog gives the reason; the same when the desktop cannot be told.
 #pragma once
 
 #include <X11/Xlib.h>
@@ -36,6 +38,7 @@ struct MoreOptions {
   void (*changed)();            // called by OK once the options are in force; or null
   XLogo* logo;
   std::vector<XCheckBox*> boxes;  // one for each of Choices(), in that order
+  XCheckBox* autostart;           // below them: no option, but a file of the desktop's
   XButton* bhelp;
   XButton* brecommended;
   XButton* bsave;  // "OK"

@@ -47,6 +47,10 @@ struct Row {
   bool deafinxfwm4 = false;  // takes no key there that is sent, though it has the focus
 };
 
+void PrintTo(const Row& row, std::ostream* out) {
+  *out << row.name;
+}
+
 constexpr const char* kEvery = "Control Alt Shift Super";
 constexpr const char* kThree = "Control Alt Shift";
 

@@ -116,7 +116,7 @@ class ExecutionTest : public testing::ShellRun {
   }
   // The web service that the program was built for.
   static std::string WebService() {
-    std::ifstream cache(std::string(GROMLIT_BUILD) + "/CMakeCache.txt");
+    std::ifstream cache(testing::Built("CMakeCache.txt"));
     const std::string entry = "GROMLIT_WEB_HOST:STRING=";
     for (std::string line; std::getline(cache, line);)
       if (line.starts_with(entry)) return "http://" + line.substr(entry.size());

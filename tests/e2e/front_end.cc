@@ -417,28 +417,29 @@ void FrontEnd::ClickIn(Window window, int x, int y, int button) {
   if (Over(window, x, y)) player->Click(button);
 }
 
+int FrontEnd::Light(Window button) {
+  const Box box = BoxOf(button);
+  const Point corner = OriginOf(button);
+  const auto grey = [&](int px, int py) {
+    return static_cast<int>(player->Pixel(corner.x + px, corner.y + py) & 0xff);
+  };
+  return grey(0, 0) - grey(box.width - 1, box.height - 1);
+}
+
 // Presses and releases a button as slowly as the program draws it. A press whose grab has not been
 // taken yet when the next click comes would swallow that click.
 void FrontEnd::ClickChild(Window parent, int x, int y) {
   const Window button = WaitChild(parent, x, y);
   const Box box = BoxOf(button);
   if (button == 0 || !Over(button, box.width / 2, box.height / 2)) return;
-  // How it is lit: from above when it is up, from below when it is down, not at all as long as it
-  // has not been drawn, as in a window that has just come up.
-  const Point corner = OriginOf(button);
-  const auto light = [&] {
-    const auto grey = [&](int px, int py) {
-      return static_cast<int>(player->Pixel(corner.x + px, corner.y + py) & 0xff);
-    };
-    return grey(0, 0) - grey(box.width - 1, box.height - 1);
-  };
-  EXPECT_TRUE(WaitFor([&] { return light() > 0; })) << "the button is not drawn";
+  EXPECT_TRUE(WaitFor([&] { return Light(button) > 0; })) << "the button is not drawn";
   player->Press(1);
-  EXPECT_TRUE(WaitFor([&] { return light() < 0; })) << "the button does not go down";
+  EXPECT_TRUE(WaitFor([&] { return Light(button) < 0; })) << "the button does not go down";
   player->Release(1);
   // It comes up again, or has gone with its window, or a dialog has opened over it.
-  EXPECT_TRUE(WaitFor([&] { return !Viewable(button) || light() > 0 || UnderPointer() != button; }))
-      << "the button does not come up";
+  EXPECT_TRUE(WaitFor([&] {
+    return !Viewable(button) || Light(button) > 0 || UnderPointer() != button;
+  })) << "the button does not come up";
 }
 
 void FrontEnd::Enter(Window field) {

@@ -93,6 +93,9 @@ class FrontEnd : public ShellRun {
   bool FieldReads(Window field, const std::string& text, int caret = -1);
   // Waits until the open dialog shows these lines.
   bool DialogReads(const std::vector<std::string>& lines);
+  // How a button is lit: from above, above 0, when it is up; from below, below 0, when it is down;
+  // 0 as long as it has not been drawn, as in a window that has just come up.
+  int Light(Window button);
 
   // --- Doing ---
 

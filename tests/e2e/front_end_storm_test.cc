@@ -20,10 +20,10 @@ using testing::kDown;
 using testing::kEll;
 using testing::kLeft;
 using testing::kRight;
-using testing::kSanitized;
 using testing::kUp;
 using testing::Point;
 using testing::ProbeClient;
+using testing::Sanitized;
 using testing::Title;
 using testing::WaitFor;
 
@@ -198,7 +198,7 @@ class FrontEndStormTest : public testing::FrontEnd,
 };
 
 TEST_P(FrontEndStormTest, RandomClicksAndKeysEndNothingAndDamageNoFile) {
-  const int rounds = kSanitized ? 25 : 50;
+  const int rounds = Sanitized() ? 25 : 50;
   for (int round = 0; round < rounds; round++) {
     SCOPED_TRACE("round " + std::to_string(round) + ", seed " + std::to_string(seed_));
     std::vector<Window> windows;

@@ -174,6 +174,15 @@ class GestureStormTest : public testing::GromlitRun,
     if (AppOf(focus) < 0) XSetInputFocus(apps_, tops_[0], RevertToPointerRoot, CurrentTime);
     XSync(apps_, False);
   }
+  // Who has the keyboard, for a message.
+  std::string FocusName() {
+    Window focus = 0;
+    int revert;
+    XGetInputFocus(apps_, &focus, &revert);
+    const int app = AppOf(focus);
+    return app >= 0 ? "application " + std::to_string(app)
+                    : "window " + std::to_string(focus) + " of another program";
+  }
   // Whether the program waits for the next event: then the draw button is its own again, which it
   // leaves to the applications while it acts. Its loop polls two descriptors, all else in it one.
   bool Waits() const {
@@ -286,7 +295,7 @@ TEST_P(GestureStormTest, EveryStrokeAndEveryClickIsActedOnAsWhatItWas) {
     if (!wrong.empty()) {
       lost++;
       ADD_FAILURE() << "gesture " << i << " on application " << app << ", seed " << seed << ": "
-                    << wrong << "\n"
+                    << wrong << ", the keyboard is with " << FocusName() << "\n"
                     << WhereItStands();
       if (const char* directory = std::getenv("GROMLIT_SCREENSHOTS"))
         testing::SaveScreen(player->display(), std::string(directory) + "/gestures.png");

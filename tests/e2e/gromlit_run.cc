@@ -51,8 +51,7 @@ ProbeClient::ProbeClient(const std::string& directory, std::vector<std::string> 
   const std::string base = directory + "/probe" + std::to_string(number++);
   output_ = base + ".out";
   events_ = base + ".events";
-  std::vector<std::string> argv = {std::string(GROMLIT_BUILD) + "/tests/probe", "--output",
-                                   events_};
+  std::vector<std::string> argv = {Built("tests/probe"), "--output", events_};
   argv.insert(argv.end(), options.begin(), options.end());
   process_ = std::make_unique<Process>(argv, output_);
   const auto ready = [this] { return LinesOf(output_, "ready ").size() == 1; };
@@ -157,15 +156,14 @@ void GromlitRun::RestartWindowManager() {
 }
 
 void GromlitRun::StartGromlit(bool ready, std::vector<std::string> arguments) {
-  std::vector<std::string> argv = {std::string(GROMLIT_BUILD) + "/gromlit"};
+  std::vector<std::string> argv = {Built("gromlit")};
   if (arguments.empty()) arguments = {"-path", install->path()};
   argv.insert(argv.end(), arguments.begin(), arguments.end());
   const char* path = std::getenv("PATH");
-  gromlit =
-      std::make_unique<Process>(argv, *install / "gromlit.log",
-                                std::vector<std::string>{"PATH=" + std::string(GROMLIT_BUILD) +
-                                                         "/tests:" + (path != nullptr ? path : "")},
-                                install->path());
+  gromlit = std::make_unique<Process>(
+      argv, *install / "gromlit.log",
+      std::vector<std::string>{"PATH=" + Built("tests") + ":" + (path != nullptr ? path : "")},
+      install->path());
   if (ready) {
     ASSERT_TRUE(WaitFor([this] { return GromlitIsReady(); }, std::chrono::seconds(30)))
         << GromlitOutput();
@@ -288,7 +286,13 @@ Window GromlitRun::HideMainWindow() {
   // Not before it has come: a window manager takes its time.
   EXPECT_TRUE(WaitFor([&] { return in_state(IsViewable); }));
   XWithdrawWindow(player->display(), main, 0);
-  EXPECT_TRUE(WaitFor([&] { return in_state(IsUnmapped); }));
+  // A window manager is done with it, and has given the keyboard to another window, when it is back
+  // on the root window.
+  EXPECT_TRUE(WaitFor([&] {
+    const auto children = ChildrenOf(player->display(), player->root());
+    return in_state(IsUnmapped) &&
+           std::find(children.begin(), children.end(), main) != children.end();
+  }));
   return main;
 }
 

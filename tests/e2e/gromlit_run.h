@@ -17,19 +17,11 @@
 #include <vector>
 
 #include "core/gromlit.h"
+#include "tests/support/built.h"
 #include "tests/support/temp_install.h"
 #include "tests/support/x_server.h"
 
 namespace gromlit::testing {
-
-// Whether the program is slower and larger than it is for its users.
-#if defined(__SANITIZE_ADDRESS__)
-inline constexpr bool kSanitized = true;
-#elif defined(__has_feature)
-inline constexpr bool kSanitized = __has_feature(address_sanitizer);
-#else
-inline constexpr bool kSanitized = false;
-#endif
 
 struct Point {
   int x;

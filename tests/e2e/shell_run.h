@@ -27,7 +27,7 @@ struct Conditions {
 
 class ShellRun : public GromlitRun {
  protected:
-  static std::string Binary() { return std::string(GROMLIT_BUILD) + "/gromlit"; }
+  static std::string Binary() { return Built("gromlit"); }
 
   // What the running or ended program has printed. Its standard error lies where GromlitOutput()
   // looks, so that a sanitizer's report is found at the end.
@@ -46,7 +46,7 @@ class ShellRun : public GromlitRun {
     const char* path = std::getenv("PATH");
     std::vector<std::string> environment = {
         "OUT=" + OutFile(), "ERR=" + ErrFile(),
-        "PATH=" + std::string(GROMLIT_BUILD) + "/tests:" + (path != nullptr ? path : "")};
+        "PATH=" + Built("tests") + ":" + (path != nullptr ? path : "")};
     environment.insert(environment.end(), conditions.environment.begin(),
                        conditions.environment.end());
     return std::make_unique<Process>(

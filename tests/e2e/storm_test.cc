@@ -15,10 +15,10 @@ namespace {
 
 using testing::kClickToRaise;
 using testing::kRight;
-using testing::kSanitized;
 using testing::Player;
 using testing::Point;
 using testing::ProbeClient;
+using testing::Sanitized;
 using testing::WaitFor;
 
 constexpr int kKeyA = 38;  // the "a" key of the usual keymap
@@ -124,7 +124,7 @@ TEST_P(RandomStormTest, RandomButtonsAndMotionsNeverLeaveThePointerFrozenOrGrabb
   Seed();
   if (GetParam()) StartWindowManager("openbox", kClickToRaise);
   StartAll();
-  const int rounds = kSanitized ? 30 : 100;
+  const int rounds = Sanitized() ? 30 : 100;
   for (int round = 0; round < rounds; round++) {
     for (int i = 0; i < 100; i++) Hand();
     EndRound(round);
@@ -251,7 +251,7 @@ TEST_F(RestartStormTest, WindowManagerThatGoesHostileEventsAndABacklogLeaveThePo
   Seed();
   StartWindowManager("openbox", kClickToRaise);
   StartAll();
-  const int rounds = Rounds(kSanitized ? 4 : 8);
+  const int rounds = Rounds(Sanitized() ? 4 : 8);
   for (int round = 0; round < rounds; round++) {
     bool stopped = false;
     for (int i = 0; i < 100; i++) {
@@ -341,7 +341,7 @@ TEST_F(StormTest, AThousandStrokesAllActAndMemoryStaysTheSame) {
     return to;
   };
   const size_t warm = 50;
-  const size_t count = kSanitized ? 200 : 1000;
+  const size_t count = Sanitized() ? 200 : 1000;
   ASSERT_EQ(strokes(0, warm), warm);
   const long before = Resident();
   ASSERT_EQ(strokes(warm, count), count);
@@ -349,7 +349,7 @@ TEST_F(StormTest, AThousandStrokesAllActAndMemoryStaysTheSame) {
   std::printf("resident before %ld kB, after %ld kB\n", before, after);
   RecordProperty("growth_kB", std::to_string(after - before));
   // The sanitizers keep freed memory for a while.
-  if (!kSanitized) {
+  if (!Sanitized()) {
     EXPECT_LT(after - before, 1024);
   }
   EXPECT_EQ(probe.Lines("KeyPress").size(), count);

@@ -16,8 +16,8 @@ namespace {
 namespace fs = std::filesystem;
 using testing::Exists;
 using testing::kRight;
-using testing::kSanitized;
 using testing::ProbeClient;
+using testing::Sanitized;
 using testing::Title;
 using testing::WaitFor;
 
@@ -191,13 +191,12 @@ TEST_F(WorkingDayTest, FiveHundredCreationsRenamesAndDeletionsTakeNoWindowsAndLi
   ASSERT_NO_FATAL_FAILURE(Show(list_.size() - 1));
   EXPECT_EQ(Err(), "");
   const std::string report = *install / "report";
-  EXPECT_EQ(testing::Process(
-                {std::string(GROMLIT_BUILD) + "/gromlit-tool", "check", install->path()}, report)
-                .Wait(),
-            0)
+  EXPECT_EQ(
+      testing::Process({testing::Built("gromlit-tool"), "check", install->path()}, report).Wait(),
+      0)
       << testing::ReadText(report);
   // The quarantine of freed memory hides what the program itself needs.
-  if (!kSanitized) {
+  if (!Sanitized()) {
     EXPECT_LE(grown, 4L * kOperations) << "kilobytes";
   }
 }

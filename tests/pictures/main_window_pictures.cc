@@ -128,6 +128,34 @@ TEST_F(MainWindowPictures, TheQuestions) {
   DialogRight();
 }
 
+TEST_F(MainWindowPictures, TheTrayIcon) {
+  const testing::Process tray(
+      {"trayer", "--edge", "bottom", "--align", "right", "--widthtype", "pixel", "--width", "230",
+       "--heighttype", "pixel", "--height", "28", "--iconspacing", "4"},
+      *install / "tray.log");
+  StartClient("Game", "game");
+  Open();
+  Window icon = 0;
+  ASSERT_TRUE(WaitFor([&] {
+    icon = testing::FindClient(player->display(), "Gromlit.Tray");
+    return icon != 0 && Viewable(icon);
+  }));
+  const auto open = [&] {
+    Still(Bare(icon));  // at its place
+    ASSERT_TRUE(Over(client->window(), 20, 20));
+    ClickIn(icon, 6, 6, 3);
+    ASSERT_TRUE(WaitFor([this] { return Menu() != 0; }));
+  };
+  open();
+  Window menu = Menu();
+  GoToRow(menu, 2);
+  ForBoth("tray", Still(Around(Bare(menu), Bare(icon))));
+  GoToRow(menu, 1);
+  player->Click(1);
+  ASSERT_TRUE(WaitFor([&] { return !Viewable(menu); }));
+  ForBoth("tray-paused", Still(Bare(icon)));
+}
+
 TEST_F(MainWindowPictures, TheNotices) {
   StartClient("Notes", "notes");
   PackPlugin("Notes.notes", "Notes", kMaxActions);

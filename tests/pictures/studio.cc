@@ -63,7 +63,7 @@ void SaveTo(const char* folder, const std::string& name, const Picture& picture)
 
 void Studio::SetUp() {
   FrontEnd::SetUp();
-  const std::string skeleton = std::string(GROMLIT_BUILD) + "/share/gromlit";
+  const std::string skeleton = Built("share/gromlit");
   ASSERT_TRUE(fs::is_directory(skeleton)) << skeleton;
   fs::copy(skeleton, install->path(),
            fs::copy_options::recursive | fs::copy_options::overwrite_existing);
@@ -101,7 +101,7 @@ void Studio::Open() {
 
 void Studio::PackPlugin(const std::string& classname, const std::string& appname, int count) {
   nlohmann::json all = nlohmann::json::array();
-  const std::string library = std::string(GROMLIT_BUILD) + "/share/gromlit/plugins/";
+  const std::string library = Built("share/gromlit/plugins/");
   for (const char* name : {"Default", "Desktop", "XTerm.xterm"}) {
     const nlohmann::json plugin = ShowFile(library + name + GromlitPluginFileExt);
     for (const auto& action : plugin["actions"]) all.push_back(action);
@@ -114,8 +114,7 @@ void Studio::PackPlugin(const std::string& classname, const std::string& appname
     document["actions"].push_back(all[i % all.size()]);
   const std::string json = *install / "plugin.json";
   WriteText(json, document.dump());
-  Process pack(
-      {std::string(GROMLIT_BUILD) + "/gromlit-tool", "pack", json, "-o", PluginFile(classname)});
+  Process pack({Built("gromlit-tool"), "pack", json, "-o", PluginFile(classname)});
   ASSERT_EQ(pack.Wait(), 0);
 }
 

@@ -17,7 +17,7 @@ const std::vector<literal::Point> kDown = {{4, 0}, {4, 31}};
 constexpr Matching kSignature = {kBySignature, 3};
 
 // A plug-in of three actions: right, down, and down again.
-class FindAction3 : public testing::Test {
+class FindAction3 : public ::testing::Test {
  protected:
   void SetUp() override {
     const GromlitSymbol syms[] = {SymbolOfCells(kRight), SymbolOfCells(kDown),

@@ -8,23 +8,12 @@
 #include <vector>
 
 #include "core/gromlit.h"
+#include "tests/support/built.h"
 #include "tests/unit/recognition/literal.h"
-
-#if defined(__SANITIZE_ADDRESS__)
-#define GROMLIT_TEST_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define GROMLIT_TEST_SANITIZED 1
-#endif
-#endif
 
 namespace gromlit {
 
-#ifdef GROMLIT_TEST_SANITIZED
-inline constexpr bool kSanitized = true;
-#else
-inline constexpr bool kSanitized = false;
-#endif
+using testing::Sanitized;
 
 // A seed for a random test: GROMLIT_TEST_SEED when it is set, else a new one. Printed either way.
 uint64_t TestSeed();

@@ -15,7 +15,7 @@ namespace {
 
 // A symbol of each gesture from every tenth stroke of the first three people, and all strokes of
 // the others.
-class RecordedShapes : public testing::Test {
+class RecordedShapes : public ::testing::Test {
  protected:
   static constexpr int kSources = 3;
   void SetUp() override {

@@ -158,7 +158,7 @@ TEST(SignatureMatch, AgreesWithTheExhaustiveSearchOnAllSignaturesUpToFourLetters
     for (const char letter : {'a', 'b', 'c', 'd', '-'}) all.push_back(all[i] + letter);
   }
   ASSERT_EQ(all.size(), 781U);
-  const size_t step = kSanitized ? 7 : 1;
+  const size_t step = Sanitized() ? 7 : 1;
   size_t matches = 0;
   for (size_t d = 0; d < all.size(); d += step) {
     for (const std::string& sym : all) {
@@ -257,7 +257,7 @@ class RandomPairs {
 TEST(SignatureMatch, AgreesWithTheExhaustiveSearchOnAMillionRandomPairs) {
   const uint64_t seed = TestSeed();
   RandomPairs random(seed);
-  const int pairs = kSanitized ? 60000 : 1000000;
+  const int pairs = Sanitized() ? 60000 : 1000000;
   int made = 0;
   int moved = 0;  // of these, other texts than the drawn one
   int matches = 0;
@@ -433,7 +433,7 @@ TEST(FindSignature, FindsEveryRecordedStrokeAsTheExhaustiveSearchDoes) {
   int found = 0;
   int right = 0;
   int nothing = 0;
-  const size_t step = kSanitized ? 8 : 1;
+  const size_t step = Sanitized() ? 8 : 1;
   for (size_t i = 0; i < strokes.size(); i += step) {
     const std::string drawn = LiveSignature(strokes[i]);
     const int action = FindSignature(&plugin.record, drawn.c_str());
@@ -456,7 +456,8 @@ TEST(FindSignature, FindsEveryStrokeAmongTheStrokesOfItsOwnSignature) {
   const std::vector<RecordedStroke> strokes = ReadRecordedStrokes(&missing);
   if (strokes.empty()) GTEST_SKIP() << missing;
   // Strokes themselves as templates, 128 at a time: each finds itself or an earlier action.
-  for (size_t base = 0; base < strokes.size(); base += size_t{kMaxActions} * (kSanitized ? 6 : 1)) {
+  for (size_t base = 0; base < strokes.size();
+       base += size_t{kMaxActions} * (Sanitized() ? 6 : 1)) {
     std::vector<std::string> signatures;
     for (size_t i = base; i < std::min(base + kMaxActions, strokes.size()); ++i) {
       signatures.push_back(LiveSignature(strokes[i]));

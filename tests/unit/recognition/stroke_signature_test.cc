@@ -176,7 +176,7 @@ TEST(StrokeSignature, AgreesWithThePlainFormOnRandomStrokes) {
   };
   std::set<std::string> kinds;
   size_t crossings = 0;
-  const int rounds = kSanitized ? 20000 : 200000;
+  const int rounds = Sanitized() ? 20000 : 200000;
   for (int round = 0; round < rounds; ++round) {
     // Mostly small boxes, where points fall on the lines and ratios on the limits.
     const int reach = round % 8 == 0 ? 32767 : between(1, 60);
@@ -267,7 +267,7 @@ TEST(VectorLineToPoints, AppendsFromTheGivenIndexAndCountsTheFinalPoint) {
 
 TEST(VectorLineToPoints, AgreesWithThePlainFormOnEverySegmentOfTheGrid) {
   // Every start cell and every end cell; a fraction of them under the sanitizers.
-  const int step = kSanitized ? 13 : 1;
+  const int step = Sanitized() ? 13 : 1;
   int16_t x[64];
   int16_t y[64];
   for (int k = 0; k < 32 * 32 * 32 * 32; k += step) {
@@ -326,7 +326,7 @@ TEST(SymVectorToPoints, OfTheLongestSymbolFitsTheArrays) {
 }
 
 TEST(SymVectorToPoints, GivesEveryTwoPointSymbolThePlainFormsSignature) {
-  const int step = kSanitized ? 101 : 3;  // a prime each: no column or row is left out
+  const int step = Sanitized() ? 101 : 3;  // a prime each: no column or row is left out
   for (int k = 0; k < 32 * 32 * 32 * 32; k += step) {
     const GromlitSymbol sym =
         SymbolOfCells({{k & 31, (k >> 5) & 31}, {(k >> 10) & 31, (k >> 15) & 31}});
@@ -340,7 +340,7 @@ TEST(SymVectorToPoints, GivesEveryTwoPointSymbolThePlainFormsSignature) {
 
 TEST(SymVectorToPoints, AgreesWithThePlainFormOnRandomSymbols) {
   std::mt19937_64 random(TestSeed());
-  const int rounds = kSanitized ? 2000 : 20000;
+  const int rounds = Sanitized() ? 2000 : 20000;
   for (int round = 0; round < rounds; ++round) {
     GromlitSymbol sym = {};
     sym.npoints = static_cast<uint8_t>(random() % (kMaxPoints + 1));

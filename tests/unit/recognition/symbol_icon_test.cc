@@ -155,7 +155,7 @@ TEST(IconLine, KeepsTheBitsThatAreThere) {
 }
 
 TEST(IconLine, SetsThePlainFormsBitsInEitherDirectionForEverySegment) {
-  const int step = kSanitized ? 13 : 1;
+  const int step = Sanitized() ? 13 : 1;
   for (int k = 0; k < 32 * 32 * 32 * 32; k += step) {
     const Point from = {k & 31, (k >> 5) & 31};
     const Point to = {(k >> 10) & 31, (k >> 15) & 31};
@@ -213,7 +213,7 @@ TEST(VectorToBitmap, StaysInsideTheIconForDamagedSymbols) {
 
 TEST(VectorToBitmap, IsTheUnionOfThePlainFormsLines) {
   std::mt19937_64 random(TestSeed());
-  for (int round = 0; round < (kSanitized ? 500 : 5000); ++round) {
+  for (int round = 0; round < (Sanitized() ? 500 : 5000); ++round) {
     std::vector<Point> cells(random() % (kMaxPoints + 1));
     for (Point& cell : cells)
       cell = {static_cast<int>(random() % 32), static_cast<int>(random() % 32)};

@@ -1,5 +1,6 @@
 #include "tests/unit/tools/run_tool.h"
 
+#include "tests/support/built.h"
 #include "tests/support/files.h"
 #include "tests/support/process.h"
 #include "tests/unit/core/golden.h"
@@ -10,7 +11,7 @@ ToolResult RunTool(const std::vector<std::string>& arguments, const std::string&
                    const std::string& output, const std::function<void()>& prepare) {
   const TempDir scratch;
   WriteText(scratch / "in", input);
-  std::vector<std::string> argv = {GROMLIT_TOOL};
+  std::vector<std::string> argv = {Built("gromlit-tool")};
   argv.insert(argv.end(), arguments.begin(), arguments.end());
   const std::string out = output.empty() ? scratch / "out" : output;
   Process tool({.argv = argv,

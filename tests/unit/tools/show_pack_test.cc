@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <nlohmann/json.hpp>
+
 #include "tests/support/temp_install.h"
 #include "tests/unit/core/golden.h"
 #include "tests/unit/tools/run_tool.h"
@@ -219,6 +221,33 @@ TEST_F(ShowPack, CountsTheKeysWhereTheirNumberIsNotGiven) {
       R"({"kind":"plugin","actions":[{"commands":[{"keys":[[1,2],[3,4],[0,0]]},{"keys":[[1,2]],"nkeys":0}]}]})");
   EXPECT_EQ(std::to_integer<int>(plugin.at(1177 + 1012 + 1)), 3);
   EXPECT_EQ(std::to_integer<int>(plugin.at(1177 + 1012 + 56 + 1)), 0);
+}
+
+TEST_F(ShowPack, TakesTheKeysOfAHotKeyFromItsText) {
+  const auto keys_of = [this](const std::string& command) {
+    const Bytes plugin = Pack(R"({"kind":"plugin","actions":[{"commands":[)" + command + "]}]}");
+    const auto at = [&](size_t i) { return std::to_integer<int>(plugin.at(1177 + 1012 + i)); };
+    return std::vector<int>{at(1), at(2) | at(3) << 8, at(18) | at(19) << 8};
+  };
+  EXPECT_EQ(keys_of(R"({"type":"HotKey","text":"Control-Shift-t"})"), (std::vector{1, 28, 5}));
+  EXPECT_EQ(keys_of(R"({"type":"HotKey","text":"Control-plus"})"), (std::vector{1, 21, 5}));
+  EXPECT_EQ(keys_of(R"({"type":"HotKey","text":"Super-Prior"})"), (std::vector{1, 112, 64}));
+  // What is given counts, and other commands have texts of their own.
+  EXPECT_EQ(keys_of(R"({"type":"HotKey","keys":[[9,1]],"text":"F5"})"), (std::vector{1, 9, 1}));
+  EXPECT_EQ(keys_of(R"({"type":"HotKey","keys":[],"text":"F5"})"), (std::vector{0, 0, 0}));
+  EXPECT_EQ(keys_of(R"({"type":"Text","text":"F5"})"), (std::vector{0, 0, 0}));
+}
+
+TEST_F(ShowPack, RefusesATextThatIsNoKeyStroke) {
+  for (const char* text : {"Control-Shift-Nothing", "Control-", "Strg-c", "Control-adiaeresis"}) {
+    const ToolResult result = RunTool({"pack", "-", "-o", file},
+                                      R"({"kind":"plugin","actions":[{"commands":[
+                                      {"type":"HotKey","text":")" +
+                                          std::string(text) + "\"}]}]}");
+    EXPECT_EQ(result.status, 2) << text;
+    EXPECT_NE(result.err.find("actions[0].commands[0].text: no key stroke"), std::string::npos)
+        << result.err;
+  }
 }
 
 TEST_F(ShowPack, KnowsTheSixTypesByNameAndAllByNumber) {

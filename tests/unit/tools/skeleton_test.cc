@@ -10,6 +10,7 @@
 
 #include "core/strings.h"
 #include "recognition/signature_match.h"
+#include "tests/support/built.h"
 #include "tests/support/files.h"
 #include "tests/support/temp_install.h"
 #include "tests/unit/recognition/starter_gestures.h"
@@ -27,7 +28,7 @@ using Files = std::map<std::string, std::unique_ptr<DataFile>>;
 
 Files ReadAll(const std::string& directory) {
   Files files;
-  for (const auto& entry : fs::directory_iterator(GROMLIT_SKELETON "/" + directory)) {
+  for (const auto& entry : fs::directory_iterator(testing::Built("share/gromlit/" + directory))) {
     auto file = std::make_unique<DataFile>();
     std::string error;
     EXPECT_TRUE(ReadDataFile(entry.path().c_str(), file.get(), &error)) << entry << error;
@@ -37,12 +38,12 @@ Files ReadAll(const std::string& directory) {
 }
 
 TEST(Skeleton, HasAnEmptyOptionsDirectory) {
-  ASSERT_TRUE(fs::is_directory(GROMLIT_SKELETON "/options"));
-  EXPECT_TRUE(fs::is_empty(GROMLIT_SKELETON "/options"));
+  ASSERT_TRUE(fs::is_directory(testing::Built("share/gromlit/options")));
+  EXPECT_TRUE(fs::is_empty(testing::Built("share/gromlit/options")));
 }
 
 TEST(Skeleton, IsClean) {
-  const ToolResult result = RunTool({"check", GROMLIT_SKELETON});
+  const ToolResult result = RunTool({"check", testing::Built("share/gromlit")});
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.out + result.err, "");
 }
@@ -205,7 +206,7 @@ TEST(Skeleton, BindsTheSymbolsOfTheLibrary) {
 // that of scripts/recognition-report. The seed is fixed: the shares are properties of the library.
 TEST(Skeleton, IsRecognisedInWhicheverWayItIsDrawn) {
   constexpr int kDrawings = 6;
-  std::vector<GromlitPlugin*> plugins = ReadStarterPlugins(GROMLIT_SKELETON);
+  std::vector<GromlitPlugin*> plugins = ReadStarterPlugins(testing::Built("share/gromlit").c_str());
   ASSERT_NE(DefaultPlugin, nullptr);
   struct {
     MatchingWay way;

@@ -448,8 +448,8 @@ TEST_F(RealInput, LockPressedMeanwhileCounts) {
 TEST_F(RealInput, NothingIsDownWhenRequestsHaveLeft) {
   for (int i = 0; i < 40; i++) {
     MakeStroke({}, kKeyC, ControlMask | ShiftMask | Mod1Mask);
-    XSync(player->display(), False);
-    EXPECT_EQ(KeysDown(), std::vector<int>{});
+    // The server need not have come to them yet; nothing else that is ours would let go of a key.
+    EXPECT_TRUE(testing::WaitFor([&] { return KeysDown().empty(); }));
   }
   FinishInput();
 }

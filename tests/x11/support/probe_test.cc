@@ -4,6 +4,7 @@
 #include <X11/Xatom.h>
 #include <X11/Xutil.h>
 
+#include "tests/support/built.h"
 #include "tests/support/temp_install.h"
 #include "tests/support/x_server.h"
 
@@ -14,7 +15,7 @@ class ProbeTest : public ::testing::Test {
  protected:
   // Starts a probe with these options and waits until it is ready; its window in `window`.
   void Start(std::vector<std::string> options) {
-    options.insert(options.begin(), PROBE);
+    options.insert(options.begin(), testing::Built("tests/probe"));
     options.insert(options.end(), {"--output", files / "events"});
     probe = std::make_unique<Process>(options, files / "output");
     ASSERT_TRUE(WaitFor([this] { return Output().find("ready ") != std::string::npos; }))
@@ -100,7 +101,7 @@ TEST_F(ProbeTest, NamesItselfInTheEncodingItWasTold) {
   EXPECT_EQ(name.encoding, Atom{XA_STRING});
   EXPECT_STREQ(reinterpret_cast<const char*>(name.value), "plain");
   XFree(name.value);
-  Process other({PROBE, "--title-utf8", "other"}, files / "second");
+  Process other({testing::Built("tests/probe"), "--title-utf8", "other"}, files / "second");
   ASSERT_TRUE(WaitFor([this] {
     return Exists(files / "second") &&
            ReadText(files / "second").find("ready ") != std::string::npos;
@@ -166,7 +167,7 @@ TEST_F(ProbeTest, RefusesOptionsThatItDoesNotKnow) {
   const std::vector<std::vector<std::string>> wrong = {
       {"--nonsense"}, {"--class", "one"}, {"--geometry", "12"}, {"--child", "10x10+0+0,1,2"}};
   for (std::vector<std::string> words : wrong) {
-    words.insert(words.begin(), PROBE);
+    words.insert(words.begin(), testing::Built("tests/probe"));
     Process refused(words, files / "usage");
     EXPECT_EQ(refused.Wait(), 2) << words[1];
   }

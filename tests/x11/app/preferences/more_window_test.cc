@@ -3,12 +3,16 @@
 
 #include "app/preferences/more_window.h"
 
+#include <cstdlib>
+#include <filesystem>
 #include <iterator>
 #include <memory>
+#include <optional>
 
-#include "app/preferences/choices.h"
 #include "app/preferences/user_options_window.h"
 #include "app/windows/dialogs.h"
+#include "app/windows/top_level.h"
+#include "core/choices.h"
 #include "core/option_files.h"
 #include "display/display.h"
 #include "display/draw_button.h"
@@ -120,6 +124,63 @@ TEST_F(MoreWindowTest, EveryBoxIsAnOptionOfItsOwn) {
     EXPECT_EQ(user->temp2, 0);
     EXPECT_EQ(user->temp3, 0);
   }
+}
+
+// A variable with another value while the object lives.
+class Environment {
+ public:
+  Environment(const char* name, const std::string& value) : name_(name) {
+    if (const char* former = std::getenv(name); former != nullptr) former_ = former;
+    setenv(name, value.c_str(), 1);
+  }
+  ~Environment() {
+    if (former_.has_value())
+      setenv(name_, former_->c_str(), 1);
+    else
+      unsetenv(name_);
+  }
+  Environment(const Environment&) = delete;
+  Environment& operator=(const Environment&) = delete;
+
+ private:
+  const char* name_;
+  std::optional<std::string> former_;
+};
+
+TEST_F(MoreWindowTest, StartingWithTheDesktopIsAFileOfTheDesktops) {
+  const testing::TempDir home;
+  const Environment config("XDG_CONFIG_HOME", home.path());
+  const Environment path("PATH", home / "bin");
+  const std::string entry = home / "autostart/gromlit.desktop";
+  Open();
+  EXPECT_EQ(more->autostart->state, 0);
+  Click(more->autostart->window);
+  EXPECT_FALSE(testing::Exists(entry)) << "before OK";
+  Click(more->bsave->window);
+  EXPECT_TRUE(Viewable()) << "without a launcher";
+  EXPECT_FALSE(testing::Exists(entry));
+  HideTopLevel(notice->window);
+
+  std::filesystem::create_directory(home / "bin");
+  testing::WriteText(home / "bin/gromlit-session", "");
+  std::filesystem::permissions(home / "bin/gromlit-session", std::filesystem::perms::owner_all);
+  Click(more->brecommended->window);
+  EXPECT_EQ(more->autostart->state, 1);
+  Click(more->bsave->window);
+  EXPECT_FALSE(Viewable());
+  EXPECT_NE(testing::ReadText(entry).find("/bin/gromlit-session\" -path \"" +
+                                          std::string(GromlitPath) + "\"\n"),
+            std::string::npos)
+      << testing::ReadText(entry);
+  Open();
+  EXPECT_EQ(more->autostart->state, 1);
+  Click(more->autostart->window);
+  Click(more->bcancel->window);
+  EXPECT_TRUE(testing::Exists(entry));
+  Open();
+  Click(more->autostart->window);
+  Click(more->bsave->window);
+  EXPECT_FALSE(testing::Exists(entry));
 }
 
 TEST_F(MoreWindowTest, EveryTextFitsTheWindow) {

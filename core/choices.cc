@@ -1,6 +1,9 @@
-#include "app/preferences/choices.h"
+#include "core/choices.h"
 
-#include "recognition/find_action.h"
+#include <algorithm>
+#include <iterator>
+
+#include "core/option_files.h"
 
 namespace gromlit {
 namespace {
@@ -48,6 +51,21 @@ void TurnChoice(GromlitUserOptions* options, const Choice& choice, bool on) {
   } else {
     *field &= ~choice.value;
   }
+}
+
+void ChooseRecommended(GromlitUserOptions* options) {
+  for (const Choice& choice : kChoices) TurnChoice(options, choice, choice.recommended);
+}
+
+bool LacksRecommended(const GromlitUserOptions& options) {
+  return std::any_of(std::begin(kChoices), std::end(kChoices), [&](const Choice& choice) {
+    return choice.recommended && !IsOn(options, choice);
+  });
+}
+
+int RecommendedChoices() {
+  return static_cast<int>(std::count_if(std::begin(kChoices), std::end(kChoices),
+                                        [](const Choice& choice) { return choice.recommended; }));
 }
 
 }  // namespace gromlit

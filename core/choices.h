@@ -11,6 +11,10 @@
 
 namespace gromlit {
 
+// A file in the installation directory that has the program tell, once, of recommended choices that
+// are off.
+inline constexpr const char* kNewsFile = "notice";
+
 struct Choice {
   const char* caption;
   const char* sentence;  // what it does, in a line of its own
@@ -29,5 +33,14 @@ bool IsOn(const GromlitUserOptions& options, const Choice& choice);
 // Turns a choice on or off. Bits beside a bit stay; a field whose value is neither 0 nor the
 // choice's stays as it is when the choice is turned off.
 void TurnChoice(GromlitUserOptions* options, const Choice& choice, bool on);
+
+// Turns every choice to what is recommended: the first start of a new user.
+void ChooseRecommended(GromlitUserOptions* options);
+
+// Whether a recommended choice is off.
+bool LacksRecommended(const GromlitUserOptions& options);
+
+// How many choices are recommended.
+int RecommendedChoices();
 
 }  // namespace gromlit
