@@ -15,6 +15,7 @@
 
 #include "bench/protractor.h"
 #include "bench/recognition_svg.h"
+#include "bench/starter_report.h"
 #include "recognition/find_action.h"
 #include "recognition/shape_match.h"
 #include "tests/unit/recognition/stroke_sets.h"
@@ -22,9 +23,8 @@
 namespace gromlit {
 namespace {
 
-constexpr uint32_t kSeed = 20070;  // of walks, hooks, simulated drawings and chosen samples
+constexpr uint32_t kSeed = 20070;  // of walks, hooks and chosen samples
 constexpr int kWalks = 2000;
-constexpr int kDrawings = 500;  // of each symbol of the starter library
 constexpr int kTolerances = 5;
 constexpr int kMedium = 3;
 constexpr int kVeryHigh = 5;
@@ -302,7 +302,7 @@ void PrintOwnHand(const RecordedSet& set) {
   }
 }
 
-// --- Hooks, and drawings of the starter library -------------------------------------------------
+// --- Hooks ---------------------------------------------------------------------------------------
 
 void PrintHooks(const RecordedSet& set) {
   Head(
@@ -324,41 +324,6 @@ void PrintHooks(const RecordedSet& set) {
     }
     Row({std::to_string(percent) + " %", shape.Cells(), signature.Cells()});
   }
-}
-
-void PrintStarter() {
-  Library library;
-  ReadSymbolLibrary(GROMLIT_SKELETON, &library);
-  std::mt19937 random(kSeed);
-  Count shape[kTolerances + 1];
-  Count signature;
-  Count nearness[2];
-  for (int i = 0; i < library.size(); i++) {
-    for (int k = 0; k < kDrawings; k++) {
-      const Stroke drawing = SimulatedDrawing(*library.symbol(i), &random);
-      const ShapeRanking ranking = RankByShape(library.plugin(), drawing);
-      for (int t = 1; t <= kTolerances; t++) shape[t].Add(Found(ranking, t), i);
-      signature.Add(BySignature(library, drawing), i);
-    }
-  }
-  Head("Simulated drawings of the starter library, " + std::to_string(library.size()) +
-           " symbols, " + std::to_string(kDrawings) + " of each",
-       {"way", "right", "wrong", "nothing"});
-  const auto row = [](const std::string& name, const Count& count) {
-    Row({name, Percent(count.Right()), Percent(count.Wrong()), Percent(100 - count.Run())});
-  };
-  for (int t = 1; t <= kTolerances; t++)
-    row(std::string("shape, ") + kToleranceNames[t - 1], shape[t]);
-  row("signatures", signature);
-  for (int i = 0; i < kWalks; i++) {
-    const Stroke walk = RandomWalk(&random);
-    nearness[0].Add(FindAction(library.plugin(), walk, {kByShape, kMedium}), kMaxActions);
-    nearness[1].Add(BySignature(library, walk), kMaxActions);
-  }
-  std::printf(
-      "\nOf %d random walks, %.1f %% run an action of the starter library by shape at Medium and "
-      "%.1f %% by signature: its straight lines, hooks and bows are what a steady walk draws.\n",
-      kWalks, nearness[0].Run(), nearness[1].Run());
 }
 
 bool WriteText(const std::string& path, const std::string& text) {
@@ -411,7 +376,8 @@ int Report(const char* pictures) {
                {{tuned, all & ~tuned}, {all & ~tuned, tuned}});
   PrintOwnHand(set);
   PrintHooks(set);
-  PrintStarter();
+  PrintStarterLibrary(GROMLIT_SKELETON);
+  PrintStarterPeople(GROMLIT_SKELETON, set);
   if (pictures == nullptr || WritePictures(pictures, strangers)) return 0;
   std::fprintf(stderr, "recognition report: the pictures cannot be written to %s\n", pictures);
   return 2;
@@ -421,5 +387,16 @@ int Report(const char* pictures) {
 }  // namespace gromlit
 
 int main(int argc, char** argv) {
+  const std::string word = argc > 1 ? argv[1] : "";
+  if (word == "--starter") {
+    std::string missing;
+    gromlit::PrintStarterLibrary(GROMLIT_SKELETON);
+    gromlit::PrintStarterPeople(GROMLIT_SKELETON, gromlit::ReadRecordedSet(&missing));
+    return 0;
+  }
+  if (word == "--starter-confusions") {
+    gromlit::PrintStarterConfusions(GROMLIT_SKELETON);
+    return 0;
+  }
   return gromlit::Report(argc > 1 ? argv[1] : nullptr);
 }

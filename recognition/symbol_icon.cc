@@ -1,7 +1,9 @@
 #include "recognition/symbol_icon.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
+#include <numbers>
 #include <utility>
 
 namespace gromlit {
@@ -79,6 +81,28 @@ void VectorToBitmap(GromlitSymbol* sym) {
     IconLine(sym, x, y, nextx, nexty);
     x = nextx;
     y = nexty;
+  }
+}
+
+void AddArrowHead(GromlitSymbol* sym) {
+  constexpr int kAway = 4;  // cells over which the way into the tip is judged: curves bend
+  constexpr double kLength = 6;
+  constexpr double kSpread = 35 * std::numbers::pi / 180;
+  const int npoints = std::min<int>(sym->npoints, kMaxPoints);
+  if (npoints < 2) return;
+  const int x = CellOf(sym->x[npoints]);
+  const int y = CellOf(sym->y[npoints]);
+  int k = npoints - 1;
+  const auto away = [&] { return std::hypot(x - CellOf(sym->x[k]), y - CellOf(sym->y[k])); };
+  while (k > 1 && away() < kAway) --k;
+  if (away() == 0) return;
+  const double back = std::atan2(CellOf(sym->y[k]) - y, CellOf(sym->x[k]) - x);
+  const auto inside = [](double v) {
+    return std::clamp(static_cast<int>(std::lround(v)), 0, kIconSize - 1);
+  };
+  for (const double side : {-kSpread, kSpread}) {
+    IconLine(sym, x, y, inside(x + kLength * std::cos(back + side)),
+             inside(y + kLength * std::sin(back + side)));
   }
 }
 

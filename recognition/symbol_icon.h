@@ -24,4 +24,8 @@ void IconLine(GromlitSymbol* sym, int x1, int y1, int x2, int y2);
 // Redraws the whole icon from the vector; a symbol of fewer than two points gets an empty icon.
 void VectorToBitmap(GromlitSymbol* sym);
 
+// Adds the head of an arrow to the icon, at the vector's end, so that the icon says the way of the
+// pen. Nothing for a symbol whose points all lie in one cell.
+void AddArrowHead(GromlitSymbol* sym);
+
 }  // namespace gromlit

@@ -251,7 +251,7 @@ std::string Item(const std::string& where, size_t index) {
 
 void ReadIcon(const Json& icon, const std::string& where, GromlitSymbol* sym) {
   if (!icon.is_array() || icon.size() != kIconSize)
-    FailExpected(where, "\"auto\" or 32 rows are", icon);
+    FailExpected(where, "\"auto\", \"arrow\" or 32 rows are", icon);
   for (size_t r = 0; r < kIconSize; r++) {
     const std::string row = ObjectReader::ToBytes(icon[r], Item(where, r));
     if (row.size() != kIconSize || row.find_first_not_of("#.") != std::string::npos)
@@ -275,6 +275,9 @@ void ReadSymbol(ObjectReader* in, GromlitSymbol* sym) {
   const Json* icon = in->Find("icon");
   if (icon == nullptr || *icon == "auto") {
     VectorToBitmap(sym);
+  } else if (*icon == "arrow") {
+    VectorToBitmap(sym);
+    AddArrowHead(sym);
   } else {
     ReadIcon(*icon, in->Where("icon"), sym);
   }

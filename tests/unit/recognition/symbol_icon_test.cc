@@ -228,5 +228,38 @@ TEST(VectorToBitmap, IsTheUnionOfThePlainFormsLines) {
   }
 }
 
+// --- The head of an arrow ----------------------------------------------------------------------
+
+GromlitSymbol Arrow(const std::vector<Point>& points) {
+  GromlitSymbol sym = {};
+  for (const Point& p : points) {
+    sym.npoints++;
+    sym.x[sym.npoints] = static_cast<uint16_t>(p.x);
+    sym.y[sym.npoints] = static_cast<uint16_t>(p.y);
+  }
+  VectorToBitmap(&sym);
+  AddArrowHead(&sym);
+  return sym;
+}
+
+TEST(ArrowHead, StandsAtTheEndAndPointsOn) {
+  const GromlitSymbol right = Arrow({{40, 136}, {240, 136}});  // cells 3 to 28 of row 15
+  EXPECT_NE(iconGet(&right, 23, 12), 0);
+  EXPECT_NE(iconGet(&right, 23, 18), 0);
+  EXPECT_EQ(iconGet(&right, 8, 12), 0);
+  EXPECT_NE(Rows(right), Rows(Arrow({{240, 136}, {40, 136}})));
+  const GromlitSymbol up = Arrow({{136, 240}, {136, 40}});
+  EXPECT_NE(iconGet(&up, 12, 8), 0);
+  EXPECT_NE(iconGet(&up, 18, 8), 0);
+}
+
+TEST(ArrowHead, StaysInTheIconAndNeedsAWay) {
+  EXPECT_EQ(Rows(Arrow({{136, 136}, {136, 136}})), Cells({{15, 15}}));
+  EXPECT_EQ(Rows(Arrow({{136, 136}})), Cells({}));
+  EXPECT_EQ(Rows(Arrow({})), Cells({}));
+  const GromlitSymbol corner = Arrow({{264, 16}, {256, 16}});  // its wings would leave at the top
+  EXPECT_NE(iconGet(&corner, 30, 0), 0);
+}
+
 }  // namespace
 }  // namespace gromlit

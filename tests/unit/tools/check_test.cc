@@ -72,6 +72,28 @@ TEST_F(Check, OfNoDirectoryIsWrongUsage) {
   EXPECT_THAT(result.err, HasSubstr("file: Not a directory"));
 }
 
+// Matching by shape has use for a second symbol that matching by signature cannot tell from the
+// first one; whichever runs, the same is done.
+TEST_F(Check, LeavesAnotherSymbolForTheSameActionAlone) {
+  const auto plugin = [](const std::string& name, const std::string& points,
+                         const std::string& key) {
+    return R"({"kind":"plugin","classname":"A.a","actions":[{"name":"Find","symbol":{"name":"s",)"
+           R"("points":[[16,16],[264,16],[264,264]]},"commands":[{"type":"HotKey","keys":[[41,4]]}]},)"
+           R"({"name":")" +
+           name + R"(","symbol":{"name":"t","points":)" + points +
+           R"(},"commands":[{"type":"HotKey","keys":[[)" + key + "]]}]}]}";
+  };
+  const std::string wide = "[[16,16],[264,16],[264,128]]";
+  Pack("plugins/A.a.sla", plugin("Find", wide, "41,4"));
+  EXPECT_THAT(Problems(), IsEmpty());
+  Pack("plugins/A.a.sla", plugin("Find", "[[16,16],[264,16],[264,264]]", "41,4"));
+  EXPECT_THAT(Problems(), ElementsAre(HasSubstr("can never run"))) << "the very same symbol";
+  Pack("plugins/A.a.sla", plugin("Find", wide, "42,4"));
+  EXPECT_THAT(Problems(), ElementsAre(HasSubstr("can never run"))) << "another key";
+  Pack("plugins/A.a.sla", plugin("Search", wide, "41,4"));
+  EXPECT_THAT(Problems(), ElementsAre(HasSubstr("can never run"))) << "another name";
+}
+
 TEST_F(Check, ReportsMissingDataDirectories) {
   ASSERT_EQ(rmdir((install / "options").c_str()), 0);
   EXPECT_THAT(Problems(), ElementsAre("options: No such file or directory"));

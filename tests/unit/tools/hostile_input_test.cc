@@ -147,7 +147,7 @@ TEST_F(HostileInput, WrongValueIsNamed) {
        "points[0]: a pair of numbers is expected, not a list of 1"},
       {R"({"kind":"symbol","points":[[1,2.5]]})", "points[0]: a whole number is expected, not 2.5"},
       {R"({"kind":"symbol","icon":"none"})",
-       "icon: \"auto\" or 32 rows are expected, not \"none\""},
+       "icon: \"auto\", \"arrow\" or 32 rows are expected, not \"none\""},
       {R"({"kind":"plugin","actions":[3]})", "actions[0]: an object is expected, not 3"},
       {R"({"kind":"symbol","name":"12345678901234567890123456789012"})",
        "name: longer than 31 bytes: \"12345678901234567890123456789012\""},
