@@ -41,9 +41,13 @@ void DropNothings(Json* object, std::initializer_list<std::string_view> kept = {
 // `from` is the record that the document was made of.
 void ShortenSymbol(const GromlitSymbol& from, Json* symbol) {
   GromlitSymbol drawn = from;
+  const auto as_drawn = [&] { return std::equal(drawn.icon, drawn.icon + kIconSize, from.icon); };
   VectorToBitmap(&drawn);
-  if (std::equal(drawn.icon, drawn.icon + kIconSize, from.icon)) {
+  if (as_drawn()) {
     symbol->erase("icon");
+  } else {
+    AddArrowHead(&drawn);
+    if (as_drawn()) (*symbol)["icon"] = "arrow";
   }
   DropNothings(symbol);
 }
