@@ -63,11 +63,16 @@ void MakeParts(GromlitApp* gromlit) {
   gromlit->sbar = MakeScrollbar(gromlit->window, gromlit->width - kScrollbarWidth - border,
                                 gromlit->icony, below);
   gromlit->sbar->range = gromlit->nrows * GridCellHeight(gromlit);
+  gromlit->sbar->row = GridCellHeight(gromlit);
   gromlit->sbar->scrollarg = gromlit;
   gromlit->sbar->scroll = [](void* arg, int offset) {
     GromlitIconScroll(static_cast<GromlitApp*>(arg), offset);
   };
   XMapWindow(dpy, gromlit->sbar->window);
+}
+
+void TurnGridWheel(GromlitApp* gromlit, int rows) {
+  ScrollRows(gromlit->sbar, rows);
 }
 
 XMenu* MakePopup(GromlitApp* gromlit) {
@@ -111,6 +116,7 @@ GromlitApp* MakeGromlitApp(int ncols, int nrows) {
   On<ButtonPress, GromlitAppButtonPress>(gromlit);
   On<MotionNotify, GromlitAppMotionNotify>(gromlit);
   On<ResizeRequest, GromlitAppResizeNotify>(gromlit);
+  OnWheel<TurnGridWheel>(gromlit);
   showWindow = gromlit->window;
   return gromlit;
 }
