@@ -2,8 +2,16 @@
 
 #include "display/display.h"
 #include "toolkit/bevel.h"
+#include "toolkit/manners.h"
+#include "toolkit/menu_hand.h"
 
 namespace gromlit {
+namespace {
+
+constexpr int kMarkWidth = 16;
+constexpr int kMarkRight = 8;  // pixels from the mark to the button's right edge
+
+}  // namespace
 
 XButton* MakePulldownButton(void* owner, Window parent, const char* label, int x, int y, int width,
                             XMenu* menu) {
@@ -30,16 +38,22 @@ void UpdatePulldownButton(XButton* button, const char* label) {
 
 void DrawPulldownButton(XButton* button, XEvent*) {
   DrawButton(button);
-  XDrawBevel(kRaised, button->window, button->gc, button->width - 24, button->height / 2 - 4, 16,
-             8);
+  XDrawBevel(kRaised, button->window, button->gc, button->width - kMarkRight - kMarkWidth,
+             button->height / 2 - 4, kMarkWidth, 8);
 }
 
-void PulldownButtonPress(XButton* button, XEvent*) {
+void PulldownButtonPress(XButton* button, XEvent* event) {
   if (button->menu == nullptr || button->state == kButtonInactive) return;
   int x;
   int y;
   Window child;
   XTranslateCoordinates(dpy, button->window, root, 0, 0, &x, &y, &child);
+  if (ModernManners()) {
+    // Below the mark, and nowhere near the pointer.
+    OpenMenuByHand(button->menu, {x, y, button->width - kMarkRight, button->height, true},
+                   &event->xbutton);
+    return;
+  }
   PopUpMenuGrabbed(x, y, button->menu);
 }
 

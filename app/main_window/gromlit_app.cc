@@ -156,7 +156,7 @@ void GromlitAppButtonPress(GromlitApp* gromlit, XEvent* event) {
     ClickAction(gromlit, n, twice);
     if (twice) gromlit->edit(nullptr, gromlit);
   } else if (press.button == Button3) {
-    PopUpMenuGrabbed(press.x_root, press.y_root, gromlit->popup);
+    PopUpMenuGrabbed(press.x_root, press.y_root, gromlit->popup, &press);
   }
 }
 
