@@ -277,6 +277,8 @@ void MenuMotionNotify(XMenu* menu, XEvent* event) {
 }
 
 void MenuButtonRelease(XMenu* menu, XEvent* event) {
+  // It was on its way when the press that closed the menu was read.
+  if (menu->open == 0) EndLeaving();
   if (menu->open == 0) return;
   if (MenuInHand() != nullptr) {
     HandRelease(event->xbutton);
