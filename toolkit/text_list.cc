@@ -5,10 +5,14 @@
 #include <algorithm>
 #include <climits>
 #include <cstdint>
+#include <string_view>
 
 #include "display/display.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
+#include "toolkit/focus.h"
+#include "toolkit/list_keys.h"
+#include "toolkit/manners.h"
 #include "toolkit/text.h"
 #include "toolkit/text_editor.h"
 
@@ -17,6 +21,7 @@ namespace {
 
 constexpr int kInset = 4;  // pixels from the edges to the lines
 constexpr int kTextX = 6;
+constexpr long kEvents = ExposureMask | ButtonPressMask | KeyPressMask | KeyReleaseMask;
 
 int VisibleLines(const XTextList* tl) {
   return tl->itemheight > 0 ? std::max(tl->height - 2 * kInset, 0) / tl->itemheight : 0;
@@ -38,6 +43,17 @@ void TurnListWheel(XTextList* tl, int rows) {
   if (tl->sb != nullptr) ScrollRows(tl->sb, rows);
 }
 
+// Selects a line and shows that.
+void PickLine(XTextList* tl, int picked) {
+  if (picked >= tl->nitems || picked == tl->selected) return;
+  const int former = tl->selected - tl->top;
+  if (former >= 0 && former < tl->visible && tl->selected < tl->nitems) InvertRow(tl, former);
+  tl->selected = picked;
+  const int row = picked - tl->top;
+  if (row >= 0 && row < tl->visible) InvertRow(tl, row);
+  if (tl->select != nullptr) tl->select(tl->selectarg, tl->items[picked]);
+}
+
 void Refresh(XTextList* tl) {
   if (tl->sb != nullptr) {
     tl->sb->row = tl->itemheight;
@@ -56,12 +72,13 @@ XTextList* MakeTextList(Window parent, int x, int y, int width, int height, XFon
   tl->selected = -1;
   tl->fontinfo = fontinfo;
   tl->itemheight = fontinfo->max_bounds.ascent + fontinfo->max_bounds.descent;
-  tl->window = MakeChildWindow(parent, x, y, width, height, white.pixel,
-                               ExposureMask | ButtonPressMask | KeyPressMask | KeyReleaseMask);
+  tl->window = MakeChildWindow(parent, x, y, width, height, white.pixel, kEvents);
   tl->gc = MakeWindowGC(tl->window, fontinfo->fid);
   tl->wobj = AllocWindowObj(tl->window, tl);
   On<Expose, DrawTextList>(tl);
   On<ButtonPress, TextListClick>(tl);
+  On<KeyPress, TextListKeyPress>(tl);
+  On<FocusOut, TextListFocusOut>(tl);
   OnWheel<TurnListWheel>(tl);
   return tl;
 }
@@ -104,16 +121,44 @@ void DrawTextList(XTextList* tl, XEvent*) {
 
 void TextListClick(XTextList* tl, XEvent* event) {
   if (tl->itemheight <= 0) return;
+  AskForKeys(tl->window, kEvents, &tl->keys);
+  if (tl->keys != 0) TakeFocus(tl->window);
   const int row = (event->xbutton.y - kInset) / tl->itemheight;
   // Above the list, or in the strip at the bottom that is too low for another line.
   if (row < 0 || row >= tl->visible) return;
   const int picked = tl->top + row;
-  if (picked >= tl->nitems || picked == tl->selected) return;
-  const int former = tl->selected - tl->top;
-  if (former >= 0 && former < tl->visible && tl->selected < tl->nitems) InvertRow(tl, former);
-  tl->selected = picked;
-  InvertRow(tl, row);
-  if (tl->select != nullptr) tl->select(tl->selectarg, tl->items[picked]);
+  PickLine(tl, picked);
+}
+
+void TextListKeyPress(XTextList* tl, XEvent* event) {
+  if (!ModernManners()) return;
+  char bytes[32];
+  KeySym key;
+  const int count = LookupKey(&event->xkey, bytes, sizeof bytes, &key);
+  const ListGrid lines = {tl->nitems, 1, tl->visible, tl->top};
+  int to = MovedByKey(key, tl->selected, lines);
+  if (to < 0 && TakeLetter(&tl->ahead, event->xkey, {bytes, static_cast<size_t>(count)})) {
+    to = FirstTyped(tl->ahead, tl->nitems, [&](int i) {
+      return std::string_view(tl->items[i] != nullptr ? tl->items[i] : "");
+    });
+    if (to < 0) return;
+  }
+  if (to < 0) {
+    PassKeyUp(tl->window, event);
+    return;
+  }
+  if (const int rows = RowsToSee(to, lines); rows != 0) {
+    if (tl->sb != nullptr) {
+      ScrollRows(tl->sb, rows);
+    } else {
+      SetTextListTop(tl, tl->top + rows);
+    }
+  }
+  PickLine(tl, to);
+}
+
+void TextListFocusOut(XTextList*, XEvent* event) {
+  FocusLost(event->xfocus);
 }
 
 void ListKeyPress(XTextList*, XEvent* event) {

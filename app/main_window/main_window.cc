@@ -24,9 +24,7 @@ constexpr int kBorder = 4;
 constexpr int kIconWidth = 64;
 
 void MakeWindow(GromlitApp* gromlit) {
-  gromlit->window =
-      CreateTopLevel(gromlit->width, gromlit->height,
-                     ExposureMask | EnterWindowMask | LeaveWindowMask | ButtonPressMask);
+  gromlit->window = CreateTopLevel(gromlit->width, gromlit->height, kGromlitAppEvents);
   gromlit->mbar = MakeGromlitMenuBar(gromlit, gromlit->window, 0, 0, gromlit->width);
   XMapWindow(dpy, gromlit->mbar->window);
   gromlit->height += gromlit->mbar->height;
@@ -116,6 +114,13 @@ GromlitApp* MakeGromlitApp(int ncols, int nrows) {
   On<ButtonPress, GromlitAppButtonPress>(gromlit);
   On<MotionNotify, GromlitAppMotionNotify>(gromlit);
   On<ResizeRequest, GromlitAppResizeNotify>(gromlit);
+  gromlit->otherkeys = gromlit->wobj->eh[KeyPress];
+  On<KeyPress, GromlitAppKeyPress>(gromlit);
+  // The bar asks for keys, so that those pressed over it come to it.
+  gromlit->mbar->keyarg = gromlit;
+  gromlit->mbar->key = [](void* arg, XEvent* event) {
+    GromlitAppKeyPress(static_cast<GromlitApp*>(arg), event);
+  };
   OnWheel<TurnGridWheel>(gromlit);
   showWindow = gromlit->window;
   return gromlit;

@@ -12,6 +12,11 @@
 // `done`, which is the OK of the dialog around the chooser, waits for the release, as the OK button
 // does: a release that comes when the dialog is gone would go to the widget below it.
 //
+// With today's manners it is worked by keys, too: arrows, Home, End and the page keys move the
+// selection, the first letters of a name select it, Return on the selected symbol is `done`. A
+// press gives it the keyboard; keys that come to the window around it may be handed on to its
+// handler.
+//
 // When the library holds more symbols than can be listed, a row behind the last one says how many
 // are missing.
 #pragma once
@@ -20,6 +25,7 @@
 
 #include "core/gromlit.h"
 #include "toolkit/scrollbar.h"
+#include "toolkit/type_ahead.h"
 #include "toolkit/window_object.h"
 
 namespace gromlit {
@@ -54,6 +60,8 @@ struct SymbolDisplay {
   void (*done)(void* arg);  // called when a symbol was chosen by a double click
   void* donearg;
   int measuring;  // 1 while the scrollbar learns its range, so that its callback does not draw
+  TypeAhead ahead;
+  int keys;  // whether it asks for keys; see AskForKeys
 };
 
 // Server time of the last press in the chooser, milliseconds, as the 32 bits of it.
@@ -74,6 +82,12 @@ void ScrollSymbolDisplay(SymbolDisplay* sd, int pos);
 // Handlers.
 void SymbolDisplayButtonPress(SymbolDisplay* sd, XEvent* event);
 void SymbolDisplayButtonRelease(SymbolDisplay* sd, XEvent* event);
+void SymbolDisplayKeyPress(SymbolDisplay* sd, XEvent* event);
+void SymbolDisplayFocusOut(SymbolDisplay* sd, XEvent* event);
+
+// What SymbolDisplayKeyPress does, for an owner to which keys come. False when the chooser has no
+// use for the key, and with plain manners.
+bool SymbolDisplayTakesKey(SymbolDisplay* sd, XKeyEvent* key);
 
 // The selected symbol; null when none is.
 GromlitSymbol* SelectedSymbol(const SymbolDisplay* sd);
