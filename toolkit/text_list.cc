@@ -43,6 +43,19 @@ void TurnListWheel(XTextList* tl, int rows) {
   if (tl->sb != nullptr) ScrollRows(tl->sb, rows);
 }
 
+// Lets the list have keys, or no more, as the manners are now.
+void FollowManners(XTextList* tl) {
+  const int before = tl->keys;
+  AskForKeys(tl->window, kEvents, &tl->keys);
+  if (tl->keys == before) return;
+  if (tl->keys != 0) {
+    On<KeyPress, TextListKeyPress>(tl);
+    On<FocusOut, TextListFocusOut>(tl);
+  } else {
+    SetHandler(tl->wobj, KeyPress, NoHandler);
+  }
+}
+
 // Selects a line and shows that.
 void PickLine(XTextList* tl, int picked) {
   if (picked >= tl->nitems || picked == tl->selected) return;
@@ -77,8 +90,6 @@ XTextList* MakeTextList(Window parent, int x, int y, int width, int height, XFon
   tl->wobj = AllocWindowObj(tl->window, tl);
   On<Expose, DrawTextList>(tl);
   On<ButtonPress, TextListClick>(tl);
-  On<KeyPress, TextListKeyPress>(tl);
-  On<FocusOut, TextListFocusOut>(tl);
   OnWheel<TurnListWheel>(tl);
   return tl;
 }
@@ -105,6 +116,7 @@ void ListScrollUp(XTextList* tl, int ypos) {
 }
 
 void DrawTextList(XTextList* tl, XEvent*) {
+  FollowManners(tl);
   FillRectangle(tl->window, tl->gc, white.pixel, 0, 0, tl->width, tl->height);
   DrawOutline(tl->window, tl->gc, lgrey.pixel, 0, 0, tl->width, tl->height);
   XDrawBevel(kSunken, tl->window, tl->gc, 1, 1, tl->width - 1, tl->height - 1);
@@ -121,7 +133,7 @@ void DrawTextList(XTextList* tl, XEvent*) {
 
 void TextListClick(XTextList* tl, XEvent* event) {
   if (tl->itemheight <= 0) return;
-  AskForKeys(tl->window, kEvents, &tl->keys);
+  FollowManners(tl);
   if (tl->keys != 0) TakeFocus(tl->window);
   const int row = (event->xbutton.y - kInset) / tl->itemheight;
   // Above the list, or in the strip at the bottom that is too low for another line.

@@ -455,7 +455,7 @@ TEST_F(MenuHandTest, ChainOfWideMenusCanBeChosenFromToItsEnd) {
   const std::string wide(90, 'W');
   XMenu* next = nullptr;
   std::vector<XMenu*> chain;
-  for (int i = 0; i < 5; i++) {
+  for (int i = 0; i < 10; i++) {
     std::vector<XMenuItem*> items;
     if (next != nullptr) items.push_back(Item("more...", next));
     while (items.size() < 20) items.push_back(Item(wide.c_str()));
@@ -463,19 +463,26 @@ TEST_F(MenuHandTest, ChainOfWideMenusCanBeChosenFromToItsEnd) {
     chain.insert(chain.begin(), next);
   }
   ASSERT_GT(2 * next->width, kScreen);
-  OpenPopup(chain[0], 20, 600);
-  for (size_t i = 0; i + 1 < chain.size(); i++) {
-    player->MoveTo(chain[i]->x + chain[i]->width / 2, chain[i]->y + 4 + ih / 2);
-    Pump();
-    ASSERT_TRUE(Mapped(chain[i + 1])) << i;
-    Inside(chain[i + 1]);
-    EXPECT_EQ(chain[i]->selected, 0) << i;
+  for (const int y : {30, 600, kHigh - 30}) {
+    calls.clear();
+    OpenPopup(chain[0], 20, y);
+    for (size_t i = 0; i + 1 < chain.size(); i++) {
+      // The rows of a menu that is folded begin below its arrow.
+      const int row = chain[i]->scrolls != 0 ? 1 : 0;
+      player->MoveTo(chain[i]->x + chain[i]->width / 2, chain[i]->y + 4 + row * ih + ih / 2);
+      Pump();
+      ASSERT_TRUE(Mapped(chain[i + 1])) << i << " from " << y;
+      ASSERT_EQ(chain[i]->selected, 0) << i << " from " << y;
+      ASSERT_EQ(chain[i + 1]->selected, -1) << "it opened below the pointer";
+      Inside(chain[i + 1]);
+    }
+    Save("wide-" + std::to_string(y));
+    MoveToPoint(chain[9]->x + 50,
+                chain[9]->y + chain[9]->height - 4 - ih / 2 - (chain[9]->scrolls != 0 ? ih : 0));
+    ClickHere();
+    EXPECT_EQ(calls.size(), 10U) << "from " << y;
+    EXPECT_EQ(calls.front(), wide);
   }
-  Save("wide");
-  MoveToItem(chain[4], 19);
-  ClickHere();
-  EXPECT_EQ(calls.size(), 5U);
-  EXPECT_EQ(calls.front(), wide);
 }
 
 TEST_F(MenuHandTest, MenuLongerThanTheScreenScrolls) {
