@@ -205,7 +205,8 @@ void PullDownMenu(int x, int y, XMenu* menu) {
 bool PopUpMenuGrabbed(int x, int y, XMenu* menu, const XButtonEvent* press) {
   if (ModernManners()) return OpenMenuByHand(menu, {x, y, 0, 0, false}, press);
   EndLeaving();
-  if (grabbed != nullptr && grabbed != menu) PopDownMenu(grabbed);
+  // It may itself be open with today's manners, of which nothing must be left.
+  if (grabbed != nullptr && (grabbed != menu || MenuInHand() != nullptr)) PopDownMenu(grabbed);
   PopUpMenu(x, y, menu);
   // Presses are left out: only a release ends the interaction. When the menu opens after all
   // buttons went up, which is so for a click that was handed on, that is the next click's.

@@ -130,7 +130,7 @@ void MenuBarButtonPress(XMenuBar* bar, XEvent* event) {
 }
 
 void MenuBarMotionNotify(XMenuBar* bar, XEvent* event) {
-  if (bar->held == 0) return;
+  if (bar->held == 0 || BarInHand() == bar) return;
   XMotionEvent& e = event->xmotion;
   if (XMenu* menu = MenuBelow(bar, e.y); menu != nullptr) {
     // The menu begins 8 pixels further left and 2 higher than this says; submenus are found by
@@ -162,7 +162,13 @@ void MenuBarKeyPress(XMenuBar* bar, XEvent* event) {
 
 bool MenuBarOpenByHand(XMenuBar* bar, int i, const XButtonEvent* press) {
   if (i < 0 || i >= bar->nitems || bar->items[i]->menu == nullptr) return false;
-  if (bar->selected >= 0) DrawTitleBevel(bar, kFlat, bar->selected);
+  // Of a press when the manners were plain, whose release comes here no more.
+  LetGo(bar);
+  if (bar->selected >= 0 && BarInHand() != bar) {
+    ShutTitle(bar);
+  } else if (bar->selected >= 0) {
+    DrawTitleBevel(bar, kFlat, bar->selected);
+  }
   bar->selected = i;
   DrawTitleBevel(bar, kRaised, i);
   Window child;

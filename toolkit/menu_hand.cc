@@ -246,7 +246,9 @@ void PointAt(int x, int y) {
     // The pointer has come back from a submenu.
     if (XMenu* submenu = OpenSubmenu(spot.menu); submenu != nullptr) Select(submenu, -1);
     Select(spot.menu, spot.item);
-    OpenSelected(spot.menu);
+    // One that would cover the items that the hand is on its way to waits for a click.
+    const XMenu* submenu = spot.menu->items[spot.item]->submenu;
+    if (submenu != nullptr && FitsBeside(submenu, spot.menu, hand.area)) OpenSelected(spot.menu);
     return;
   }
   const int title = spot.menu == nullptr ? TitleWithMenuAt(x, y) : -1;

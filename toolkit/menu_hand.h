@@ -25,7 +25,8 @@
 //   leaving    no button is down (the release missed) closed     LookForRelease
 //   any        the first menu is closed or filled     closed     EndMenuHand
 //
-//   A release or Return on an item that opens a submenu leaves that open.
+//   A release or Return on an item that opens a submenu leaves that open. Motion opens it, too,
+//   where it has room beside its menu: one that would cover the items there waits for a click.
 //
 // INV-HAND-1: the keyboard is grabbed for menus only while INV-MENU-1 lets the pointer be, and is
 //   given back with it. Refused, it is not asked for again; the pointer does without it.

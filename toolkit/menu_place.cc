@@ -80,6 +80,12 @@ void PlaceBelow(XMenu* menu, const MenuAnchor& anchor, const XRectangle& area) {
   PlaceOffStrip(menu, {anchor.y, anchor.y + anchor.height}, Down(area));
 }
 
+bool FitsBeside(const XMenu* menu, const XMenu* parent, const XRectangle& area) {
+  const Span across = Across(area);
+  return parent->x + parent->width + menu->width <= across.to ||
+         parent->x - menu->width >= across.from;
+}
+
 void PlaceBeside(XMenu* menu, const XMenu* parent, int item, const XRectangle& area) {
   const Span across = Across(area);
   const Span down = Down(area);

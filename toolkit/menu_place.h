@@ -30,6 +30,10 @@ void PlaceAtPoint(XMenu* menu, int x, int y, const XRectangle& area);
 void PlaceBelow(XMenu* menu, const MenuAnchor& anchor, const XRectangle& area);
 void PlaceBeside(XMenu* menu, const XMenu* parent, int item, const XRectangle& area);
 
+// Whether a menu has room on either side of the one that opens it. Without, it covers the items
+// around the one that it belongs to.
+bool FitsBeside(const XMenu* menu, const XMenu* parent, const XRectangle& area);
+
 // Gives a menu all its rows again and forgets the arrows. Returns whether its height has changed.
 bool UnfoldMenu(XMenu* menu);
 

@@ -9,10 +9,12 @@
 
 #include "core/option_files.h"
 #include "display/draw_button.h"
+#include "tests/support/process.h"
 #include "toolkit/hidden.h"
 #include "toolkit/menu_bar.h"
 #include "toolkit/menu_hand.h"
 #include "toolkit/pulldown_button.h"
+#include "toolkit/release_watch.h"
 
 namespace gromlit {
 namespace {
@@ -463,25 +465,32 @@ TEST_F(MenuHandTest, ChainOfWideMenusCanBeChosenFromToItsEnd) {
     chain.insert(chain.begin(), next);
   }
   ASSERT_GT(2 * next->width, kScreen);
+  const auto row = [this](const XMenu* menu, int i) {
+    // The rows of a menu that is folded begin below its arrow.
+    MoveIn(menu, menu->width / 2, 4 + (menu->scrolls != 0 ? i + 1 : i) * ih + ih / 2);
+  };
   for (const int y : {30, 600, kHigh - 30}) {
-    calls.clear();
-    OpenPopup(chain[0], 20, y);
-    for (size_t i = 0; i + 1 < chain.size(); i++) {
-      // The rows of a menu that is folded begin below its arrow.
-      const int row = chain[i]->scrolls != 0 ? 1 : 0;
-      player->MoveTo(chain[i]->x + chain[i]->width / 2, chain[i]->y + 4 + row * ih + ih / 2);
-      Pump();
-      ASSERT_TRUE(Mapped(chain[i + 1])) << i << " from " << y;
-      ASSERT_EQ(chain[i]->selected, 0) << i << " from " << y;
-      ASSERT_EQ(chain[i + 1]->selected, -1) << "it opened below the pointer";
-      Inside(chain[i + 1]);
+    for (const size_t last : {size_t{4}, size_t{9}}) {
+      calls.clear();
+      OpenPopup(chain[0], 20, y);
+      for (size_t i = 0; i < last; i++) {
+        row(chain[i], 0);
+        ASSERT_EQ(chain[i]->selected, 0) << i << " from " << y;
+        // It would cover the items that the hand is perhaps on its way to.
+        ASSERT_FALSE(Mapped(chain[i + 1])) << i << " from " << y;
+        ClickHere();
+        ASSERT_TRUE(Mapped(chain[i + 1])) << i << " from " << y;
+        ASSERT_EQ(chain[i + 1]->selected, -1) << "it opened below the pointer";
+        Inside(chain[i + 1]);
+      }
+      if (last == 9) Save("wide-" + std::to_string(y));
+      row(chain[last], 0);
+      row(chain[last], 3);
+      EXPECT_EQ(chain[last]->selected, 3);
+      ClickHere();
+      EXPECT_EQ(calls.size(), last + 1) << "from " << y;
+      EXPECT_EQ(calls.front(), wide);
     }
-    Save("wide-" + std::to_string(y));
-    MoveToPoint(chain[9]->x + 50,
-                chain[9]->y + chain[9]->height - 4 - ih / 2 - (chain[9]->scrolls != 0 ? ih : 0));
-    ClickHere();
-    EXPECT_EQ(calls.size(), 10U) << "from " << y;
-    EXPECT_EQ(calls.front(), wide);
   }
 }
 
@@ -580,6 +589,29 @@ TEST_F(MenuHandTest, PulldownOpensBelowItsMark) {
   EXPECT_EQ(menu->y, 300);
   Release();
   EXPECT_FALSE(Mapped(menu));
+}
+
+// Of two monitors side by side the one with the pointer counts.
+TEST_F(MenuHandTest, MenusStayOnTheirMonitor) {
+  const std::string size = "640/300x1024/200";
+  const auto monitor = [&](const char* name, const char* left, const char* output) {
+    testing::Process set({"xrandr", "--setmonitor", name, size + "+" + left + "+0", output});
+    ASSERT_EQ(set.Wait(), 0);
+  };
+  monitor("left", "0", "screen");
+  monitor("right", "640", "none");
+  XMenu* child = Menu({Item("Child")});
+  XMenu* menu = Menu({Item("more", child), Item("Plain")});
+  OpenPopup(menu, 635, kY);
+  EXPECT_EQ(menu->x + menu->width, 635);
+  MoveToItem(menu, 0);
+  EXPECT_EQ(child->x + child->width, menu->x);
+  Type(XK_Escape);
+  OpenPopup(menu, 645, kY);
+  EXPECT_EQ(menu->x, 645);
+  Type(XK_Escape);
+  for (const char* name : {"left", "right"})
+    testing::Process({"xrandr", "--delmonitor", name}).Wait();
 }
 
 // --- The menu bar -----------------------------------------------------------------------------
@@ -684,6 +716,109 @@ TEST_F(MenuHandTest, BarThatGoesFromTheScreenTakesItsMenuAlong) {
   ClickHere();
   EXPECT_EQ(calls, Names({"Open"}));
   EXPECT_TRUE(HoldsNothing());
+}
+
+// --- Costs ------------------------------------------------------------------------------------
+
+TEST_F(MenuHandTest, Costs) {
+  using testing::Cost;
+  using testing::CostOf;
+  XMenu* menu = Menu({Item("One"), Item("Two")});
+  OpenPopup(menu);
+  Type(XK_Escape);
+  EXPECT_EQ(CostOf([&] { PopUpMenuGrabbed(kX, kY, menu, nullptr); }), (Cost{9, 3}))
+      << "with the highlight of the first item, as it is opened by a key";
+  Pump();
+  XMotionEvent motion{};
+  motion.x_root = kX + 10;
+  motion.y_root = kY + 4 + ih / 2;
+  EXPECT_EQ(CostOf([&] { HandMotion(motion); }), (Cost{0, 0})) << "the same item";
+  motion.y_root += ih;
+  EXPECT_EQ(CostOf([&] { HandMotion(motion); }), (Cost{7, 0})) << "as with plain manners";
+  EXPECT_EQ(CostOf([&] { PopDownMenu(menu); }), (Cost{3, 0}));
+  Pump();
+  // Who has chosen plain ones pays nothing of this.
+  user->temp4 = kPlainManners;
+  EXPECT_EQ(CostOf([&] { PopUpMenuGrabbed(kX, kY, menu); }), (Cost{3, 1}));
+  EXPECT_EQ(CostOf([&] { PopDownMenu(menu); }), (Cost{2, 0}));
+}
+
+// --- Storm ------------------------------------------------------------------------------------
+
+// Whatever a hand and a keyboard do, in whatever order it is read: in the end everything is closed
+// and given back.
+TEST_F(MenuHandTest, StormOfInputLeavesNothingBehind) {
+  XMenu* deep = Menu({Item("Deepest"), Item("and more")});
+  XMenu* child = Menu({Item("Child"), Item("deeper", deep)});
+  XMenu* popup = Menu({Item("Plain"), Item("more", child), Item("Last")});
+  XMenu* file = Menu(Rows(120));
+  XMenu* edit = Menu({Item("Cut"), Item("more", child)});
+  XMenuBar* bar = Bar(200, 300, {MakePulldown("File", file), MakePulldown("Edit", edit)});
+  XButton* button = MakePulldownButton(nullptr, top, "Button", 400, 500, 140, popup);
+  XRaiseWindow(dpy, button->window);
+  host.menu = popup;
+  const std::vector<KeySym> keys = {XK_Up,     XK_Down, XK_Left, XK_Right,     XK_Return,
+                                    XK_Escape, XK_End,  XK_m,    XK_Page_Down, XK_F10};
+  unsigned seed = 4711;
+  const auto random = [&](int n) {
+    seed = seed * 1664525 + 1013904223;
+    return static_cast<int>((seed >> 8) % static_cast<unsigned>(n));
+  };
+  const std::vector<XMenu*> menus = {popup, child, deep, file, edit};
+  for (int walk = 0; walk < 50; walk++) {
+    player->MoveTo(400, 400);
+    for (int step = 0; step < 30; step++) {
+      switch (random(9)) {
+        case 0:
+        case 1:
+          player->MoveTo(180 + random(400), 280 + random(260));
+          break;
+        case 2:
+          if (const XMenu* at = menus[static_cast<size_t>(random(5))]; at->open != 0) {
+            player->MoveTo(at->x + random(at->width), at->y + random(at->height));
+          }
+          break;
+        case 3:
+          player->Press(1 + random(5));
+          break;
+        case 4:
+          player->Release(1 + random(5));
+          break;
+        case 5:
+          player->Click(1 + random(5));
+          break;
+        case 6:
+          player->Type(keys[static_cast<size_t>(random(static_cast<int>(keys.size())))]);
+          break;
+        case 7:
+          if (random(4) == 0) MenuBarOpenByHand(bar, random(2), nullptr);
+          if (random(8) == 0) Remake(deep, {Item("Deepest"), Item("and more")});
+          if (random(16) == 0) CloseGrabbedMenu();
+          break;
+        default:
+          ScrollRestedMenu();
+          Pump();
+      }
+    }
+    for (int number = 1; number <= 5; number++) player->Release(number);
+    Pump();
+    // A hand that has had enough.
+    MoveToPoint(2, 2);
+    host.menu = nullptr;
+    ClickHere();
+    host.menu = popup;
+    for (const XMenu* menu : menus) {
+      ASSERT_FALSE(Mapped(menu)) << menu->items[0]->label << " in walk " << walk;
+    }
+    ASSERT_EQ(bar->selected, -1) << "walk " << walk;
+    ASSERT_TRUE(PumpUntil([&] {
+      LookForRelease();
+      return HoldsNothing();
+    })) << "walk "
+        << walk;
+    ASSERT_FALSE(MenuHoldsPointer());
+    ASSERT_EQ(MenuInHand(), nullptr);
+  }
 }
 
 }  // namespace
