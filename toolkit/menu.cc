@@ -7,9 +7,7 @@
 #include "toolkit/child_window.h"
 #include "toolkit/image.h"
 #include "toolkit/manners.h"
-#include "toolkit/menu_hand.h"
 #include "toolkit/menu_parts.h"
-#include "toolkit/menu_place.h"
 #include "toolkit/text.h"
 #include "toolkit/title_row.h"
 
@@ -203,7 +201,7 @@ void PullDownMenu(int x, int y, XMenu* menu) {
 }
 
 bool PopUpMenuGrabbed(int x, int y, XMenu* menu, const XButtonEvent* press) {
-  if (ModernManners()) return OpenMenuByHand(menu, {x, y, 0, 0, false}, press);
+  if (ModernManners()) return PopUpMenuByHand(x, y, menu, press);
   EndLeaving();
   // It may itself be open with today's manners, of which nothing must be left.
   if (grabbed != nullptr && (grabbed != menu || MenuInHand() != nullptr)) PopDownMenu(grabbed);

@@ -138,9 +138,6 @@ void PullUpMenu(XMenu* menu);
 // Closes a menu and the chain of its open submenus.
 void PopDownMenu(XMenu* menu);
 
-// Gives the window the size that the record has.
-void ResizeMenu(XMenu* menu);
-
 // Handlers; the drawing does not look at its event. Keys count with today's manners alone.
 void DrawMenu(XMenu* menu, XEvent* event = nullptr);
 void MenuButtonPress(XMenu* menu, XEvent* event);
@@ -150,6 +147,11 @@ void MenuKeyPress(XMenu* menu, XEvent* event);
 // Runs the highlighted items, the deepest submenu's first, and closes the menu. An item that opened
 // a submenu is run too, after the item that was chosen there.
 void MenuButtonRelease(XMenu* menu, XEvent* event);
+
+// Scrolls the menu under the pointer, or the last one that scrolls, by a number of rows, upwards
+// when it is negative. `menu` is the one that has the pointer; nothing when it was opened with
+// plain manners, or is closed.
+void MenuWheel(XMenu* menu, int rows);
 
 // Moves the highlight to the item under the pointer and opens and closes submenus. The event's
 // position is in the menu's coordinates and is overwritten when a submenu takes it over.

@@ -63,6 +63,40 @@ void LetGo(XMenuBar* bar) {
   if (heldbar == bar) heldbar = nullptr;
 }
 
+// --- What menus with today's manners ask of the bar ---
+
+int OpenTitleOf(const XMenuBar* bar) {
+  return bar->selected;
+}
+
+// As long as the bar stays where it was when a title was opened.
+int TitleWithMenuAt(const XMenuBar* bar, int x, int y) {
+  if (y < bar->rooty || y >= bar->rooty + bar->height) return -1;
+  if (x < bar->rootx || x >= bar->rootx + bar->width) return -1;
+  const int i = TitleAt(bar->itemx, bar->itemwidth, bar->nitems, x - bar->rootx);
+  return i >= 0 && bar->items[i]->menu != nullptr ? i : -1;
+}
+
+int TitleBeside(const XMenuBar* bar, int by) {
+  const int n = bar->nitems;
+  for (int i = 1; i < n; i++) {
+    const int title = ((bar->selected + by * i) % n + n) % n;
+    if (bar->items[title]->menu != nullptr) return title;
+  }
+  return -1;
+}
+
+void LetTitleGo(XMenuBar* bar) {
+  if (bar->selected >= 0) DrawTitleBevel(bar, kFlat, bar->selected);
+  bar->selected = -1;
+}
+
+constexpr MenuTitles kTitles = {.open = MenuBarOpenByHand,
+                                .selected = OpenTitleOf,
+                                .at = TitleWithMenuAt,
+                                .beside = TitleBeside,
+                                .letgo = LetTitleGo};
+
 }  // namespace
 
 XPulldown** MakePulldownArray(int n) {
@@ -175,20 +209,9 @@ bool MenuBarOpenByHand(XMenuBar* bar, int i, const XButtonEvent* press) {
   XTranslateCoordinates(dpy, bar->window, root, 0, 0, &bar->rootx, &bar->rooty, &child);
   const MenuAnchor title = {bar->rootx + bar->itemx[i] - kTitleMargin, bar->rooty,
                             bar->itemwidth[i] + 2 * kTitleMargin, bar->itemheight + 4, false};
-  if (OpenMenuByHand(bar->items[i]->menu, title, press, bar)) return true;
-  MenuBarLetTitleGo(bar);
+  if (OpenMenuByHand(bar->items[i]->menu, title, press, bar, &kTitles)) return true;
+  LetTitleGo(bar);
   return false;
-}
-
-int MenuBarTitleAt(const XMenuBar* bar, int x, int y) {
-  if (y < bar->rooty || y >= bar->rooty + bar->height) return -1;
-  if (x < bar->rootx || x >= bar->rootx + bar->width) return -1;
-  return TitleAt(bar->itemx, bar->itemwidth, bar->nitems, x - bar->rootx);
-}
-
-void MenuBarLetTitleGo(XMenuBar* bar) {
-  if (bar->selected >= 0) DrawTitleBevel(bar, kFlat, bar->selected);
-  bar->selected = -1;
 }
 
 void ShutHiddenMenuBar() {

@@ -81,18 +81,9 @@ void MenuBarTrackMouse(XMenuBar* mbar, XEvent* event);
 // Keys that come to the bar's window, because the pointer is there, go to `key`.
 void MenuBarKeyPress(XMenuBar* bar, XEvent* event);
 
-// --- For toolkit/menu_hand.cc and for keys -----------------------------------------------------
-
 // Opens the menu of a title with today's manners; `press` as for OpenMenuByHand. The title that was
 // open is shut. False when there is no such menu, or the pointer is refused: then all is shut.
 bool MenuBarOpenByHand(XMenuBar* bar, int i, const XButtonEvent* press);
-
-// The title at a position of the root window, as long as the bar stays where it was when a title
-// was opened; -1 for none.
-int MenuBarTitleAt(const XMenuBar* bar, int x, int y);
-
-// Shows that no title is open. Leaves the menu alone.
-void MenuBarLetTitleGo(XMenuBar* bar);
 
 // Shuts the bar that is held if it has gone from the screen, with the menu that is open. Round
 // trips only while one is held.

@@ -10,8 +10,7 @@
 
 #include "display/display.h"
 #include "display/monitors.h"
-#include "toolkit/child_window.h"
-#include "toolkit/menu_bar.h"
+#include "toolkit/bevel.h"
 #include "toolkit/menu_parts.h"
 #include "toolkit/press_time.h"
 #include "toolkit/release_watch.h"
@@ -30,14 +29,15 @@ constexpr long kPointerEvents = ButtonPressMask | ButtonReleaseMask | PointerMot
 constexpr unsigned kButtons = Button1Mask | Button2Mask | Button3Mask;
 
 struct Hand {
-  XMenu* menu;      // the first one; null while none is open
-  XMenuBar* bar;    // that it hangs on; or null
-  XRectangle area;  // that the menus are to stay in
-  bool keyboard;    // is grabbed
-  bool standing;    // the menus stay without a button; false: the opening press is held
-  bool pressed;     // a press on a menu awaits its release
-  bool moved;       // the pointer has left the opening press
-  int pressx;       // of that press
+  XMenu* menu;               // the first one; null while none is open
+  XMenuBar* bar;             // that it hangs on; or null
+  const MenuTitles* titles;  // of the bar
+  XRectangle area;           // that the menus are to stay in
+  bool keyboard;             // is grabbed
+  bool standing;             // the menus stay without a button; false: the opening press is held
+  bool pressed;              // a press on a menu awaits its release
+  bool moved;                // the pointer has left the opening press
+  int pressx;                // of that press
   int pressy;
   uint32_t presstime;
   int x;  // where the pointer was last, as far as is known
@@ -216,7 +216,7 @@ void SelectByKey(XMenu* menu, int item) {
 }
 
 bool OpenTitle(int i, const XButtonEvent* press) {
-  return MenuBarOpenByHand(hand.bar, i, press);
+  return hand.titles->open(hand.bar, i, press);
 }
 
 // --- The pointer ------------------------------------------------------------------------------
@@ -228,11 +228,9 @@ void RestOn(XMenu* menu, int step) {
   hand.next = Clock::now();
 }
 
-// The bar's title at a position; -1 for none, and for one that opens nothing.
-int TitleWithMenuAt(int x, int y) {
-  if (hand.bar == nullptr) return -1;
-  const int i = MenuBarTitleAt(hand.bar, x, y);
-  return i >= 0 && hand.bar->items[i]->menu != nullptr ? i : -1;
+// The bar's title at a position; -1 for none.
+int TitleAtPointer(int x, int y) {
+  return hand.bar != nullptr ? hand.titles->at(hand.bar, x, y) : -1;
 }
 
 // Follows the pointer.
@@ -251,8 +249,8 @@ void PointAt(int x, int y) {
     if (submenu != nullptr && FitsBeside(submenu, spot.menu, hand.area)) OpenSelected(spot.menu);
     return;
   }
-  const int title = spot.menu == nullptr ? TitleWithMenuAt(x, y) : -1;
-  if (title >= 0 && title != hand.bar->selected) {
+  const int title = spot.menu == nullptr ? TitleAtPointer(x, y) : -1;
+  if (title >= 0 && title != hand.titles->selected(hand.bar)) {
     OpenTitle(title, nullptr);
   } else if (OpenSubmenu(Deepest()) == nullptr) {
     Select(Deepest(), -1);
@@ -295,8 +293,8 @@ void Place(XMenu* menu, const MenuAnchor& anchor) {
 
 }  // namespace
 
-bool OpenMenuByHand(XMenu* menu, const MenuAnchor& anchor, const XButtonEvent* press,
-                    XMenuBar* bar) {
+bool OpenMenuByHand(XMenu* menu, const MenuAnchor& anchor, const XButtonEvent* press, XMenuBar* bar,
+                    const MenuTitles* titles) {
   EndLeaving();
   XMenu* former = MenuWithPointer();
   const bool follows = bar != nullptr && hand.menu != nullptr && hand.bar == bar;
@@ -315,6 +313,7 @@ bool OpenMenuByHand(XMenu* menu, const MenuAnchor& anchor, const XButtonEvent* p
   }
   hand.menu = menu;
   hand.bar = bar;
+  hand.titles = titles;
   hand.resting = nullptr;
   hand.ahead = {};
   hand.keyboard =
@@ -333,6 +332,10 @@ bool OpenMenuByHand(XMenu* menu, const MenuAnchor& anchor, const XButtonEvent* p
   // Not before the new one has the pointer: the server would take it from a window that is gone.
   if (follows && former != menu) PopDownMenu(former);
   return true;
+}
+
+bool PopUpMenuByHand(int x, int y, XMenu* menu, const XButtonEvent* press) {
+  return OpenMenuByHand(menu, {x, y, 0, 0, false}, press);
 }
 
 XMenu* MenuInHand() {
@@ -360,14 +363,14 @@ void EndMenuHand(const XMenu* menu) {
   const Hand ended = hand;
   hand = {};
   if (ended.keyboard) XUngrabKeyboard(dpy, CurrentTime);
-  if (ended.bar != nullptr) MenuBarLetTitleGo(ended.bar);
+  if (ended.bar != nullptr) ended.titles->letgo(ended.bar);
 }
 
 void HandPress(const XButtonEvent& press) {
   const int title = SpotAt(press.x_root, press.y_root).menu == nullptr
-                        ? TitleWithMenuAt(press.x_root, press.y_root)
+                        ? TitleAtPointer(press.x_root, press.y_root)
                         : -1;
-  if (title >= 0 && title != hand.bar->selected) {
+  if (title >= 0 && title != hand.titles->selected(hand.bar)) {
     OpenTitle(title, &press);
   } else if (SpotAt(press.x_root, press.y_root).menu == nullptr) {
     Leave();
@@ -420,13 +423,8 @@ void HandKey(XKeyEvent* key) {
   // Shows the neighbour of the open title.
   const auto turn = [](int by) {
     if (hand.bar == nullptr) return;
-    const int n = hand.bar->nitems;
-    for (int i = 1; i < n; i++) {
-      const int title = ((hand.bar->selected + by * i) % n + n) % n;
-      if (hand.bar->items[title]->menu == nullptr) continue;
-      if (OpenTitle(title, nullptr)) SelectByKey(hand.menu, 0);
-      return;
-    }
+    const int title = hand.titles->beside(hand.bar, by);
+    if (title >= 0 && OpenTitle(title, nullptr)) SelectByKey(hand.menu, 0);
   };
   switch (sym) {
     case XK_Down:

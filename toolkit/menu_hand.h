@@ -43,41 +43,32 @@ namespace gromlit {
 
 struct XMenuBar;
 
+// What a menu bar lends to the menus that hang on its titles.
+struct MenuTitles {
+  // Opens the menu of a title, by OpenMenuByHand.
+  bool (*open)(XMenuBar* bar, int i, const XButtonEvent* press);
+  // The open title; -1 for none.
+  int (*selected)(const XMenuBar* bar);
+  // The title at a position of the root window; -1 for none, and for one that opens nothing.
+  int (*at)(const XMenuBar* bar, int x, int y);
+  // The next title that opens something, to the right (1) or to the left (-1) of the open one,
+  // round at the ends.
+  int (*beside)(const XMenuBar* bar, int by);
+  // Shows that no title is open.
+  void (*letgo)(XMenuBar* bar);
+};
+
 // Opens a menu on an anchor, or at the pointer's place when that has no size. `press` is the event
 // that opens it; null for a key: then the first item is highlighted. `bar` is the menu bar whose
-// title `bar->selected` opens it; or null. Menus that held the pointer are closed first, but for
-// those of the same bar, from which pointer and keyboard are taken over. Round trips: two for the
-// grabs, one to three for the monitor. Returns false, with the menu closed, when the pointer is
-// refused.
+// selected title opens it, with its `titles`; or null. Menus that held the pointer are closed
+// first, but for those of the same bar, from which pointer and keyboard are taken over. Round
+// trips: two for the grabs, one to three for the monitor. Returns false, with the menu closed, when
+// the pointer is refused.
 bool OpenMenuByHand(XMenu* menu, const MenuAnchor& anchor, const XButtonEvent* press,
-                    XMenuBar* bar = nullptr);
+                    XMenuBar* bar = nullptr, const MenuTitles* titles = nullptr);
 
-// The first of the menus that are open with today's manners; null for none.
-XMenu* MenuInHand();
-
-// The bar that they hang on; or null.
+// The bar that the open menus hang on; or null.
 XMenuBar* BarInHand();
-
-// Whether a press that closed menus still waits for its release, which holds the pointer.
-bool HandIsLeaving();
-
-// Gives the pointer back for which HandIsLeaving; nothing otherwise.
-void EndLeaving();
-
-// To be called by whoever gives the pointer of the first menu back: gives the keyboard back and
-// lets the bar's title go.
-void EndMenuHand(const XMenu* menu);
-
-// The events of the first menu's window.
-void HandPress(const XButtonEvent& press);
-void HandRelease(const XButtonEvent& release);
-void HandMotion(const XMotionEvent& motion);
-void HandKey(XKeyEvent* key);
-
-// Scrolls the menu under the pointer, or the last one that scrolls, by a number of rows, upwards
-// when it is negative. `menu` is the one that has the pointer; nothing when it was opened with
-// plain manners, or is closed.
-void MenuWheel(XMenu* menu, int rows);
 
 // While the pointer rests on an arrow: how long the event loop may wait until the next row,
 // milliseconds, else -1; and the scrolling by a row, when it is due.

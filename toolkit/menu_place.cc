@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "display/display.h"
+#include "toolkit/menu_parts.h"
 
 namespace gromlit {
 namespace {

@@ -34,17 +34,7 @@ void PlaceBeside(XMenu* menu, const XMenu* parent, int item, const XRectangle& a
 // around the one that it belongs to.
 bool FitsBeside(const XMenu* menu, const XMenu* parent, const XRectangle& area);
 
-// Gives a menu all its rows again and forgets the arrows. Returns whether its height has changed.
-bool UnfoldMenu(XMenu* menu);
-
-// The row of the window in which an item is; may be none that can be seen.
-int MenuRow(const XMenu* menu, int item);
-
 // Whether an item's row can be seen.
 bool ShowsItem(const XMenu* menu, int item);
-
-// Draws the two arrows of a menu that scrolls; the one that leads nowhere is grey. The context's
-// foreground is black afterwards.
-void DrawMenuArrows(XMenu* menu);
 
 }  // namespace gromlit

@@ -9,6 +9,7 @@
 #include "core/option_files.h"
 #include "toolkit/menu_bar.h"
 #include "toolkit/menu_hand.h"
+#include "toolkit/menu_parts.h"
 #include "toolkit/text_list.h"
 
 namespace gromlit {
