@@ -61,6 +61,7 @@ void ShowPage(XTabBar* tbar, ActionTab* tab, int clear, const TabPage& page) {
     ClearTabField(tab);
     if (page.checkbox != nullptr) tab->checkbox->state = 0;
   }
+  tab->ed->recordskeys = page.hotkeys ? 1 : 0;
   if (page.hotkeys) {
     On<KeyPress, ActionHotKeyPress>(tab->ed);
   } else {
@@ -103,6 +104,7 @@ XTabBar* MakeActionTabBar(Window parent, int x, int y, int width, int height) {
   const int inner = tbar->width - 2 * kMargin;
   tab->ed = MakeTextEditor(tbar->window, kMargin, kFieldY, inner, kEditorHeight);
   tab->ed->owner = tab;
+  tab->ed->recordskeys = 1;
   On<KeyPress, ActionHotKeyPress>(tab->ed);
   tab->checkbox = MakeCheckBox(tab, tbar->window, actClickFilebox, kMargin, kCheckBoxY);
   tab->checkbox->state = 0;
