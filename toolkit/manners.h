@@ -7,9 +7,9 @@
 namespace gromlit {
 
 // Whether the user has chosen today's manners. May change while the program runs: a widget asks
-// when something happens to it, not when it is made.
+// when something happens to it, not when it is made. Plain before the options have been read.
 inline bool ModernManners() {
-  return MannersOf(user) == kModernManners;
+  return user != nullptr && MannersOf(user) == kModernManners;
 }
 
 }  // namespace gromlit

@@ -34,8 +34,13 @@ void SetCount(XTextList* tl, int n) {
   if (tl->selected >= tl->nitems) tl->selected = -1;
 }
 
+void TurnListWheel(XTextList* tl, int rows) {
+  if (tl->sb != nullptr) ScrollRows(tl->sb, rows);
+}
+
 void Refresh(XTextList* tl) {
   if (tl->sb != nullptr) {
+    tl->sb->row = tl->itemheight;
     const int64_t range = static_cast<int64_t>(tl->nitems) * tl->itemheight;
     UpdateScrollbarRange(tl->sb, static_cast<int>(std::min<int64_t>(range, INT_MAX)));
   }
@@ -57,6 +62,7 @@ XTextList* MakeTextList(Window parent, int x, int y, int width, int height, XFon
   tl->wobj = AllocWindowObj(tl->window, tl);
   On<Expose, DrawTextList>(tl);
   On<ButtonPress, TextListClick>(tl);
+  OnWheel<TurnListWheel>(tl);
   return tl;
 }
 

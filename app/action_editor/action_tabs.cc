@@ -55,7 +55,7 @@ struct TabPage {
 
 void ShowPage(XTabBar* tbar, ActionTab* tab, int clear, const TabPage& page) {
   XUnmapWindow(dpy, tab->sys->window);
-  if (page.checkbox == nullptr) XUnmapWindow(dpy, tab->checkbox->window);
+  if (page.checkbox == nullptr) HideCheckBox(tab->checkbox);
   if (clear != kTabRedrawn) {
     tabDeselectCommand();
     ClearTabField(tab);
@@ -74,6 +74,8 @@ void ShowPage(XTabBar* tbar, ActionTab* tab, int clear, const TabPage& page) {
   DrawCheckBox(tab->checkbox);
   // After the help, which clears the ground.
   DrawText(tbar->window, txtgc, kCheckLabelX, tab->checkbox->y + txtCharht, page.checkbox);
+  PlaceCaption(tab->checkbox, kCheckLabelX + TextWidth(txtFontinfo, page.checkbox),
+               tab->checkbox->y - 2, tab->checkbox->y + txtCharht + 4);
 }
 
 // Keysyms of keys that only change what other keys mean.
@@ -176,7 +178,7 @@ void tabWebsite(XTabBar* tbar, void* arg, int clear) {
 void tabSystem(XTabBar* tbar, void* arg, int) {
   auto* tab = static_cast<ActionTab*>(arg);
   XUnmapWindow(dpy, tab->ed->window);
-  XUnmapWindow(dpy, tab->checkbox->window);
+  HideCheckBox(tab->checkbox);
   SystemCommandUpdate(tab->sys, kSystemLabel);
   tabDeselectCommand();
   XMapWindow(dpy, tab->sys->window);

@@ -8,6 +8,7 @@
 #include "app/windows/top_level.h"
 #include "display/display.h"
 #include "display/modes.h"
+#include "display/window_manager.h"
 #include "toolkit/child_window.h"
 #include "toolkit/image.h"
 #include "toolkit/logo.h"
@@ -63,11 +64,16 @@ void MakeParts(GromlitApp* gromlit) {
   gromlit->sbar = MakeScrollbar(gromlit->window, gromlit->width - kScrollbarWidth - border,
                                 gromlit->icony, below);
   gromlit->sbar->range = gromlit->nrows * GridCellHeight(gromlit);
+  gromlit->sbar->row = GridCellHeight(gromlit);
   gromlit->sbar->scrollarg = gromlit;
   gromlit->sbar->scroll = [](void* arg, int offset) {
     GromlitIconScroll(static_cast<GromlitApp*>(arg), offset);
   };
   XMapWindow(dpy, gromlit->sbar->window);
+}
+
+void TurnGridWheel(GromlitApp* gromlit, int rows) {
+  ScrollRows(gromlit->sbar, rows);
 }
 
 XMenu* MakePopup(GromlitApp* gromlit) {
@@ -111,8 +117,28 @@ GromlitApp* MakeGromlitApp(int ncols, int nrows) {
   On<ButtonPress, GromlitAppButtonPress>(gromlit);
   On<MotionNotify, GromlitAppMotionNotify>(gromlit);
   On<ResizeRequest, GromlitAppResizeNotify>(gromlit);
+  OnWheel<TurnGridWheel>(gromlit);
   showWindow = gromlit->window;
   return gromlit;
+}
+
+bool GromlitIsShown() {
+  return app != nullptr && CanBeSeen(app->window);
+}
+
+void ShowGromlit() {
+  if (app == nullptr) return;
+  XWindowAttributes attributes;
+  const bool elsewhere = XGetWindowAttributes(dpy, app->window, &attributes) != 0 &&
+                         attributes.map_state == IsUnviewable;
+  ShowTopLevel(app->window);
+  // Mapped, but on a desktop that is not shown: only the window manager can bring it here.
+  constexpr long kFromAUser = 2;
+  if (elsewhere) AskManager(app->window, "_NET_ACTIVE_WINDOW", {kFromAUser, CurrentTime, 0, 0, 0});
+}
+
+void HideGromlit() {
+  if (app != nullptr) HideTopLevel(app->window);
 }
 
 void appClickPlugins(void*) {}

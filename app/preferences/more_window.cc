@@ -1,5 +1,6 @@
 #include "app/preferences/more_window.h"
 
+#include <algorithm>
 #include <cerrno>
 
 #include "actions/launch.h"
@@ -116,9 +117,13 @@ void moreClickHelp(void*) {
 void DrawMoreOptions(MoreOptions* options, XEvent*) {
   XClearWindow(dpy, options->window);
   XSetForeground(dpy, options->gc, black.pixel);
-  int row = 0;
+  size_t row = 0;
   for (const Choice& choice : Choices()) {
-    const int y = RowY(row++) + txtCharht - kCaptionRise;
+    const int top = RowY(static_cast<int>(row));
+    const int y = top + txtCharht - kCaptionRise;
+    const int wider =
+        std::max(TextWidth(txtFontinfo, choice.caption), TextWidth(txtFontinfo, choice.sentence));
+    PlaceCaption(options->boxes[row++], kCaptionX + wider, top, top + RowHeight() - kRowGap);
     DrawText(options->window, options->gc, kCaptionX, y, choice.caption);
     DrawText(options->window, options->gc, kCaptionX, y + txtCharht + 2, choice.sentence);
   }

@@ -37,6 +37,7 @@ constexpr int kSensitivityWidth = 32;
 constexpr int kCommandWidth = 300;
 constexpr int kHelpLinesX = 332;
 
+constexpr const char* kSplashCaption = "Enable Gromlit Splash Screen";
 constexpr const char* kHelpFile = "help/preferences.html";
 constexpr const char* kNotSaved = "The preferences hold until Gromlit ends, but were not saved.";
 
@@ -265,7 +266,9 @@ void DrawUserOptions(UserOptions* options, XEvent*) {
   DrawText(window, gc, kMargin, 96, "Draw Button:");
   DrawText(window, gc, TolerancePulldownX(), 96, "Symbol Match Tolerance:");
   DrawText(window, gc, kMargin, line + 136, "Draw Sensitivity Pixels:");
-  DrawText(window, gc, 34, 2 * line + 176, "Enable Gromlit Splash Screen");
+  DrawText(window, gc, 34, 2 * line + 176, kSplashCaption);
+  PlaceCaption(options->dosplash, 34 + TextWidth(txtFontinfo, kSplashCaption), line + 176,
+               2 * line + 180);
   DrawText(window, gc, kMargin, 3 * line + 192, "Play Sound Command:");
   DrawText(window, gc, kMargin, 5 * line + 216, "Browser Command Line:");
   int y = 2 * line + 148;

@@ -139,6 +139,10 @@ int SymbolAt(const SymbolDisplay* sd, int x, int y) {
   return Listed(sd, index) ? index : -1;
 }
 
+void TurnDisplayWheel(SymbolDisplay* sd, int rows) {
+  ScrollRows(sd->sbar, rows);
+}
+
 void ScrollGrid(void* arg, int offset) {
   ScrollSymbolDisplay(static_cast<SymbolDisplay*>(arg), offset);
 }
@@ -176,12 +180,14 @@ SymbolDisplay* MakeSymbolDisplay(Window parent, int x, int y, void (*done)(void*
   sd->sbar = MakeScrollbar(sd->window, sd->width - kScrollbarWidth - kBorder, kBorder,
                            sd->height - 2 * kBorder);
   sd->sbar->range = 5 * SymbolCellHeight(sd);
+  sd->sbar->row = SymbolCellHeight(sd);
   sd->sbar->scroll = ScrollGrid;
   sd->sbar->scrollarg = sd;
   XMapWindow(dpy, sd->sbar->window);
   On<Expose, DrawSymbolDisplay>(sd);
   On<ButtonPress, SymbolDisplayButtonPress>(sd);
   On<ButtonRelease, SymbolDisplayButtonRelease>(sd);
+  OnWheel<TurnDisplayWheel>(sd);
   return sd;
 }
 
