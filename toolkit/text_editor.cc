@@ -13,6 +13,7 @@
 #include "toolkit/child_window.h"
 #include "toolkit/focus.h"
 #include "toolkit/manners.h"
+#include "toolkit/tab_order.h"
 #include "toolkit/text.h"
 #include "toolkit/text_editor_hands.h"
 
@@ -254,11 +255,8 @@ TextEditor* MakeTextEditor(Window parent, int x, int y, int width, int height) {
   txt->caretx = CaretX(txt);
   XSetWindowAttributes more{};
   more.cursor = txtCursor;
-  // FocusChange tells of the focus that is lost because a window was unmapped (see focus.h).
-  txt->window = MakeChildWindow(parent, x, y, width, height, white.pixel,
-                                ExposureMask | EnterWindowMask | LeaveWindowMask | ButtonPressMask |
-                                    KeyPressMask | FocusChangeMask,
-                                CWCursor, more);
+  txt->window =
+      MakeChildWindow(parent, x, y, width, height, white.pixel, kEditorEvents, CWCursor, more);
   txt->gc = MakeWindowGC(txt->window, txtFont);
   txt->wobj = AllocWindowObj(txt->window, txt);
   On<Expose, DrawTextEditor>(txt);
@@ -270,6 +268,7 @@ TextEditor* MakeTextEditor(Window parent, int x, int y, int width, int height) {
   On<ButtonPress, TextEditorButtonDown>(txt);
   On<MotionNotify, TextEditorDrag>(txt);
   On<ButtonRelease, TextEditorButtonUp>(txt);
+  SetHandler(txt->wobj, KeyRelease, NoteKeyRelease);
   return txt;
 }
 
@@ -316,6 +315,7 @@ void DrawTextEditor(TextEditor* txt, XEvent*) {
 
 void TextEditorEnter(TextEditor* txt, XEvent*) {
   TakeFocus(txt->window);
+  if (ModernManners()) SelectDrags(txt);
   txt->inside = 1;
   DrawFrame(txt, black.pixel);
   SetCaret(txt, kSolidCaret);

@@ -29,6 +29,11 @@ inline constexpr int kEditorTyped = 64;    // no key makes the text longer than 
 inline constexpr int kEditorHeight = 24;   // pixels; the drawing assumes it
 inline constexpr int kEditorTextX = 4;     // pixels; where the text begins
 
+// What a field is told of. FocusChange tells of the focus that is lost because a window was
+// unmapped (see focus.h).
+inline constexpr long kEditorEvents = ExposureMask | EnterWindowMask | LeaveWindowMask |
+                                      ButtonPressMask | KeyPressMask | FocusChangeMask;
+
 enum EditorCaret {
   kHollowCaret = 0,
   kSolidCaret = 1,
@@ -59,6 +64,8 @@ struct TextEditor {
   int clicks;      // presses in one place so far, 1..3; 0: none
   Time clicktime;  // of the last one, server time
   int clickx;      // and its place, pixels
+  int draggable;   // 1: told of drags
+  int dragging;    // 1 while button 1 is down that was pressed here
 };
 
 // Makes a field, not mapped, with no text and txtNoComplete. Owners use kEditorHeight.

@@ -14,8 +14,6 @@
 #include "toolkit/focus.h"
 #include "toolkit/line_edit.h"
 #include "toolkit/manners.h"
-#include "toolkit/menu.h"
-#include "toolkit/release_watch.h"
 #include "toolkit/selection.h"
 #include "toolkit/tab_order.h"
 #include "toolkit/text.h"
@@ -25,9 +23,6 @@ namespace {
 
 constexpr Time kMultiClick = 400;  // milliseconds between the presses of a double click at most
 constexpr int kSamePlace = 4;      // pixels between them, at most
-
-// The field that holds the pointer while a selection is dragged.
-TextEditor* holder = nullptr;
 
 LineEdit LineOf(const TextEditor* txt) {
   return {std::string(txt->buffer, static_cast<size_t>(txt->len)), static_cast<size_t>(txt->index),
@@ -185,24 +180,6 @@ size_t PlaceAt(const TextEditor* txt, int x) {
   return text.size();
 }
 
-void LoseDrag() {
-  TextEditor* txt = holder;
-  if (txt == nullptr) return;
-  holder = nullptr;
-  if (!MenuHoldsPointer()) XUngrabPointer(dpy, CurrentTime);
-}
-
-void BeginDrag(TextEditor* txt) {
-  // Taken away from a menu, the pointer would leave it open on the screen.
-  if (MenuHoldsPointer()) return;
-  if (XGrabPointer(dpy, txt->window, False, ButtonReleaseMask | Button1MotionMask, GrabModeAsync,
-                   GrabModeAsync, None, None, CurrentTime) != GrabSuccess) {
-    return;
-  }
-  holder = txt;
-  AwaitRelease(LoseDrag);
-}
-
 int CountClick(TextEditor* txt, const XButtonEvent& press) {
   const bool again = press.time - txt->clicktime <= kMultiClick && txt->clicks > 0 &&
                      std::abs(press.x - txt->clickx) < kSamePlace;
@@ -222,6 +199,7 @@ bool EditWithModernKey(TextEditor* txt, XEvent* event) {
   key = PlainKey(key);
   const WindowKey meaning = WindowKeyOf(key, press->state);
   if (meaning == WindowKey::kConfirm && txt->complete != txtNoComplete) {
+    if (IsKeyRepeat(*press)) return false;
     txt->complete(txt);
     return true;
   }
@@ -244,6 +222,7 @@ void TextEditorButtonDown(TextEditor* txt, XEvent* event) {
   const XButtonEvent& press = event->xbutton;
   if (press.button != Button1 && press.button != Button2) return;
   TakeFocus(txt->window);
+  txt->dragging = 0;
   LineEdit line = LineOf(txt);
   const size_t at = PlaceAt(txt, press.x);
   if (press.button == Button2) {
@@ -254,7 +233,7 @@ void TextEditorButtonDown(TextEditor* txt, XEvent* event) {
     const int clicks = CountClick(txt, press);
     if (clicks == 1) {
       PutCaret(&line, at, (press.state & ShiftMask) != 0);
-      BeginDrag(txt);
+      txt->dragging = 1;
     } else if (clicks == 2) {
       SelectWord(&line, at);
     } else {
@@ -267,7 +246,7 @@ void TextEditorButtonDown(TextEditor* txt, XEvent* event) {
 }
 
 void TextEditorDrag(TextEditor* txt, XEvent* event) {
-  if (holder != txt) return;
+  if (txt->dragging == 0 || !ModernManners()) return;
   LineEdit line = LineOf(txt);
   PutCaret(&line, PlaceAt(txt, event->xmotion.x), true);
   if (static_cast<int>(line.caret) == txt->index) return;
@@ -276,11 +255,16 @@ void TextEditorDrag(TextEditor* txt, XEvent* event) {
 }
 
 void TextEditorButtonUp(TextEditor* txt, XEvent* event) {
-  if (holder != txt || event->xbutton.button != Button1) return;
-  holder = nullptr;
-  ForgetRelease();
-  if (!MenuHoldsPointer()) XUngrabPointer(dpy, CurrentTime);
-  OwnSelected(LineOf(txt), event->xbutton.time);
+  if (txt->dragging == 0 || event->xbutton.button != Button1) return;
+  txt->dragging = 0;
+  if (ModernManners()) OwnSelected(LineOf(txt), event->xbutton.time);
+}
+
+void SelectDrags(TextEditor* txt) {
+  if (txt->draggable != 0) return;
+  txt->draggable = 1;
+  XSelectInput(dpy, txt->window,
+               kEditorEvents | KeyReleaseMask | ButtonReleaseMask | Button1MotionMask);
 }
 
 void ForgetPaste(TextEditor* txt) {

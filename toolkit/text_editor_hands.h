@@ -32,6 +32,10 @@ void TextEditorButtonDown(TextEditor* txt, XEvent* event);
 void TextEditorDrag(TextEditor* txt, XEvent* event);
 void TextEditorButtonUp(TextEditor* txt, XEvent* event);
 
+// Has the field told of drags and releases; the server keeps the pointer for it from press to
+// release. One request, once.
+void SelectDrags(TextEditor* txt);
+
 // What was asked to be pasted into this field is not any more: its text is another one.
 void ForgetPaste(TextEditor* txt);
 
