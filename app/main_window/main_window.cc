@@ -10,6 +10,7 @@
 #include "display/modes.h"
 #include "display/window_manager.h"
 #include "toolkit/child_window.h"
+#include "toolkit/dialog.h"
 #include "toolkit/image.h"
 #include "toolkit/logo.h"
 #include "toolkit/menu.h"
@@ -28,6 +29,7 @@ void MakeWindow(GromlitApp* gromlit) {
   gromlit->window =
       CreateTopLevel(gromlit->width, gromlit->height,
                      ExposureMask | EnterWindowMask | LeaveWindowMask | ButtonPressMask);
+  dialogowner = gromlit->window;
   gromlit->mbar = MakeGromlitMenuBar(gromlit, gromlit->window, 0, 0, gromlit->width);
   XMapWindow(dpy, gromlit->mbar->window);
   gromlit->height += gromlit->mbar->height;

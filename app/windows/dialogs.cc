@@ -79,6 +79,7 @@ void MakeAboutDialog() {
 
 void MakeConfirmDialog() {
   confirm = MakeDialog("Confirm", ConfirmDeleteSymbolMsg, DialogYes, 0, 0);
+  confirm->careful = 1;
 }
 
 void MakeEditNameDialog(void (*yesfn)(XDialog* dlog)) {
