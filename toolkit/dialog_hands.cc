@@ -107,9 +107,18 @@ Window FrameOf(Window window) {
   }
 }
 
-// Whether a window is the program's, or a frame around one that is.
+bool HasClass(Window window) {
+  XClassHint hint{};
+  if (XGetClassHint(dpy, window, &hint) == 0) return false;
+  const XData<char> name(hint.res_name);
+  const XData<char> classpart(hint.res_class);
+  return true;
+}
+
+// Whether a window is the program's, or a frame around one that is. A menu, which has no class, is
+// about to close.
 bool HoldsOwn(Window window, int levels) {
-  if (IsOwnWindow(window)) return true;
+  if (IsOwnWindow(window)) return HasClass(window);
   if (levels == 0) return false;
   Window rootwin;
   Window parent;

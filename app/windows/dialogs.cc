@@ -88,6 +88,7 @@ void MakeEditNameDialog(void (*yesfn)(XDialog* dlog)) {
   TextEditor* txt = MakeTextEditor(editname->window, 50, logoImage->height + txtCharht + 16 + 8,
                                    200, kEditorHeight);
   editname->child = txt;
+  txt->limit = sizeof(GromlitPlugin::appname) - 1;
   XMapWindow(dpy, txt->window);
 }
 
