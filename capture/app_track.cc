@@ -1,6 +1,8 @@
 #include "capture/app_track.h"
 
 #include "app/main_window/shown_plugin.h"
+#include "app/tray/tray_icon.h"
+#include "app/tray/tray_menu.h"
 #include "display/display.h"
 #include "display/modes.h"
 #include "display/x_handles.h"
@@ -32,7 +34,8 @@ void CreateAppTrack() {
 
 bool IsOwnTarget(const Target& target) {
   // The root window has a window object, too, which makes nothing there ours.
-  return target.client != root && (IsOwnWindow(target.client) || IsOwnWindow(target.app));
+  return target.client != root &&
+         (IsOwnWindow(target.client) || IsOwnWindow(target.app) || IsTrayIcon(target.click));
 }
 
 void GromlitAppTrackEnter(void*, XEvent* event) {
@@ -47,7 +50,9 @@ void GromlitAppTrackEnter(void*, XEvent* event) {
   const Target entered = FindApplication(crossing.window, crossing.x_root, crossing.y_root);
   // The program's own windows are found inside a window manager's frames. On the way to one of them
   // the main window must keep what its menus are about to act on.
-  if (entered.app == None || IsOwnTarget(entered)) return;
+  if (IsOwnTarget(entered)) return;
+  NoteEntered(entered, crossing.window);
+  if (entered.app == None) return;
   int updated = 0;
   UpdateGromlitApp(app, entered.cname.data(), &updated);
   if (updated != 0) DrawGromlitApp(app);

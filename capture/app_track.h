@@ -12,7 +12,8 @@ namespace gromlit {
 // is not the program's own reports crossings.
 void CreateAppTrack();
 
-// Whether a position belongs to one of the program's own windows, in whatever frame.
+// Whether a position belongs to one of the program's own windows, in whatever frame; the icon lies
+// in the system tray's. That needs the window for clicks (FindTargets).
 bool IsOwnTarget(const Target& target);
 
 // EnterNotify: shows the plug-in of the application that was entered. Nothing while an action is

@@ -14,6 +14,7 @@
 #include "app/main_window/find_new_plugin.h"
 #include "app/main_window/shown_plugin.h"
 #include "app/symbols/drawn_symbol.h"
+#include "app/tray/tray_icon.h"
 #include "capture/app_track.h"
 #include "capture/plugin_match.h"
 #include "capture/stroke_log.h"
@@ -95,6 +96,7 @@ class Capture {
   const XButtonEvent press_;  // its time goes with every call, so that none acts on a newer grab
   const long mask_;           // events of the widened grab
   bool own_ = false;          // the press is on one of the program's own windows
+  bool onicon_ = false;       // it is on the icon in the tray: a click, however the hand shakes
   Target target_;             // the application below the press
   GromlitPluginList* headplugin_ = nullptr;  // looked up on the first motion
   Trail trail_;
@@ -117,6 +119,7 @@ void Capture::Search(const Target* application) {
                                    : FindTargets(press_.subwindow, press_.x_root, press_.y_root);
   // A window manager's frame is not ours, but the window in it may be.
   own_ = IsOwnTarget(target_);
+  onicon_ = IsTrayIcon(target_.click);
 }
 
 // From here on the press is the program's: what is not frozen any more cannot be replayed. This
@@ -213,6 +216,7 @@ void Capture::BeginDrawing(const XMotionEvent& motion) {
 }
 
 void Capture::Motion(const XMotionEvent& motion) {
+  if (onicon_) return;
   if (!trail_.drawmapped) BeginDrawing(motion);
   AddPoint(motion.x_root, motion.y_root);
   MoveTrail(&trail_, motion.x_root, motion.y_root);
@@ -242,6 +246,11 @@ bool Capture::IsStroke() const {
 
 void Capture::Release(const XButtonEvent& release) {
   HideStrokeLabel(&draw_->label);
+  if (onicon_) {
+    ClickTrayIcon({target_.click, target_.winx, target_.winy, press_.x_root, press_.y_root},
+                  press_.button);
+    return;
+  }
   if (!IsStroke()) {
     Click();
     return;
@@ -347,7 +356,7 @@ void GromlitDrawButtonPress(GromlitDraw* draw, XEvent* event) {
   // Nothing is frozen on account of a synthetic press; replaying could release a real one that
   // waits behind it, whose capture would then never end.
   if (press.send_event) return;
-  if ((press.state & ~DrawLocks()) != 0 || editingPlugin != 0) {
+  if ((press.state & ~DrawLocks()) != 0 || editingPlugin != 0 || gesturesPaused != 0) {
     Replay(press);
     return;
   }

@@ -9,11 +9,13 @@
 //   idle       press with a modifier that    idle       replayed to the window under the pointer
 //              is no lock chosen to be drawn
 //              with, or another button, or
-//              while an action is being edited
+//              while an action is being edited,
+//              or while gestures are paused
 //   idle       press over an application     idle       replayed, once its class is known
 //              that is hands off
 //   idle       press                         pressed    Thaw (widened grab), then Search
-//   pressed    motion                        drawing    BeginDrawing, then as in drawing
+//   pressed    motion                        drawing    BeginDrawing, then as in drawing; over the
+//                                                       tray icon pressed, and nothing is drawn
 //   drawing    motion                        drawing    AddPoint, MoveTrail
 //   pressed,   draw button released          idle       Click, Recognise, or TakeDrawnSymbol over
 //   drawing                                             the symbol editor

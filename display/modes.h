@@ -13,6 +13,10 @@ namespace gromlit {
 // Written by app/action_editor.
 inline int editingPlugin = 0;
 
+// Non-zero while gestures are paused: every press of the draw button goes to the application that
+// it is over. Written by display/pause.
+inline int gesturesPaused = 0;
+
 // Reserved for the drawing of a symbol; nothing writes or reads it.
 inline int drawingSymbol = 0;
 

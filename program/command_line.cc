@@ -5,9 +5,12 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 #include <string_view>
 
+#include "core/printable.h"
 #include "core/strings.h"
+#include "program/remote_call.h"
 
 namespace gromlit {
 
@@ -25,6 +28,7 @@ constexpr const char* kOptionText[] = {
 constexpr const char* kFurtherText[] = {
     "    -help, -h, --help      Print this text",
     "    --version              Print the version",
+    "    -remote word           Have the running gromlit obey the word:",
 };
 
 void PrintHelp() {
@@ -34,6 +38,7 @@ void PrintHelp() {
     if (*line != '\0') std::printf("%s\n", line);
   }
   for (const char* line : kFurtherText) std::printf("%s\n", line);
+  std::printf("%27s%s\n", "", RemoteWordList().c_str());
 }
 
 // Words that count as a whole, before an option's letter does: these print and end the program.
@@ -48,6 +53,20 @@ void ObeyWholeWord(std::string_view word) {
   }
 }
 
+RemoteWord RemoteWordOrExit(const char* name) {
+  if (name == nullptr) {
+    std::fprintf(stderr, "-remote needs a word: %s\n", RemoteWordList().c_str());
+    std::exit(kRemoteWrong);
+  }
+  const std::optional<RemoteWord> word = FindRemoteWord(name);
+  if (!word) {
+    std::fprintf(stderr, "unknown word '%s' after -remote; there are: %s\n",
+                 Printable(name).c_str(), RemoteWordList().c_str());
+    std::exit(kRemoteWrong);
+  }
+  return *word;
+}
+
 }  // namespace
 
 void usage() {
@@ -58,11 +77,16 @@ void usage() {
 }
 
 CommandLine ParseCommandLine(int argc, char** argv) {
-  CommandLine line{.display = nullptr, .path = nullptr, .argc = argc, .argv = argv};
+  CommandLine line{.display = nullptr, .path = nullptr, .remote = {}, .argc = argc, .argv = argv};
   if (argc > 0) ProgramName = argv[0];
   for (int i = 1; i < argc; i++) {
     const char* option = argv[i];
     ObeyWholeWord(option);
+    if (StrCmp(option, "-remote") == 0) {
+      i++;
+      line.remote = RemoteWordOrExit(i < argc ? argv[i] : nullptr);
+      continue;
+    }
     if (option[0] != '-') usage();
     const char* ignored;
     const char** value;

@@ -9,11 +9,14 @@
 // Everything else is what these need at start-up (start_up.cc), the files (core/), and the front
 // end (app/, drawn with toolkit/).
 #include "program/command_line.h"
+#include "program/remote_call.h"
 #include "program/start_up.h"
 #include "toolkit/event_loop.h"
 
 int main(int argc, char** argv) {
   const gromlit::CommandLine line = gromlit::ParseCommandLine(argc, argv);
+  gromlit::HoldStandardDescriptors();
+  if (line.remote) return gromlit::CallRunning(line.display, *line.remote);
   gromlit::StartUp(line);
   gromlit::EventLoop();
 }

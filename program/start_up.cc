@@ -24,6 +24,7 @@
 #include "app/symbols/symbol_commands.h"
 #include "app/symbols/symbol_dialog.h"
 #include "app/symbols/symbol_editor.h"
+#include "app/tray/tray_icon.h"
 #include "app/windows/dialogs.h"
 #include "app/windows/splash.h"
 #include "app/windows/top_level.h"
@@ -39,6 +40,7 @@
 #include "display/sent_events.h"
 #include "display/x_errors.h"
 #include "program/command_line.h"
+#include "program/remote_service.h"
 #include "toolkit/event_loop.h"
 #include "toolkit/focus.h"
 #include "toolkit/pulldown_button.h"
@@ -52,16 +54,6 @@ namespace {
 void IgnoreWriteSignals() {
   std::signal(SIGXFSZ, SIG_IGN);
   std::signal(SIGPIPE, SIG_IGN);
-}
-
-// Whoever started the program may have closed its standard descriptors. The connection to the
-// server or a file to save would get a free number among them, and a message printed there would
-// end up in the middle of the requests or of the file.
-void HoldStandardDescriptors() {
-  for (int fd = STDIN_FILENO; fd <= STDERR_FILENO; fd++) {
-    // The lowest free number is the missing one, since those below it are held by now.
-    if (fcntl(fd, F_GETFD) < 0 && open("/dev/null", O_RDWR) < 0) return;
-  }
 }
 
 // The program prints a few lines in days of running. Each must be there when it is due and not when
@@ -139,8 +131,14 @@ void GiveBack() {
 
 }  // namespace
 
+void HoldStandardDescriptors() {
+  for (int fd = STDIN_FILENO; fd <= STDERR_FILENO; fd++) {
+    // The lowest free number is the missing one, since those below it are held by now.
+    if (fcntl(fd, F_GETFD) < 0 && open("/dev/null", O_RDWR) < 0) return;
+  }
+}
+
 void StartUp(const CommandLine& line) {
-  HoldStandardDescriptors();
   IgnoreWriteSignals();
   PrintAtOnce();
   OpenStrokeLog();
@@ -173,7 +171,9 @@ void StartUp(const CommandLine& line) {
   ShowMainWindow();
   // From here on windows of other clients are asked about that may be gone already.
   XSetErrorHandler(GromlitXErrorHandler);
+  ServeRemote();
   CreateAppTrack();
+  WatchForTrays();
 }
 
 }  // namespace gromlit

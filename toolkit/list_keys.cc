@@ -5,9 +5,8 @@
 #include <algorithm>
 
 #include "display/display.h"
-#include "display/x_handles.h"
 #include "toolkit/manners.h"
-#include "toolkit/window_object.h"
+#include "toolkit/tab_order.h"
 
 namespace gromlit {
 namespace {
@@ -73,22 +72,11 @@ void AskForKeys(Window window, long events, int* asked) {
   const int wanted = ModernManners() ? 1 : 0;
   if (wanted == *asked) return;
   *asked = wanted;
-  XSelectInput(dpy, window, wanted != 0 ? events | KeyPressMask | FocusChangeMask : events);
-}
-
-void PassKeyUp(Window window, XEvent* event) {
-  Window rootwin;
-  Window parent = None;
-  Window* children = nullptr;
-  unsigned nchildren;
-  if (XQueryTree(dpy, window, &rootwin, &parent, &children, &nchildren) == 0) return;
-  const XData<Window> list(children);
-  if (parent == None || parent == root || !IsOwnWindow(parent)) return;
-  XKeyEvent& key = event->xkey;
-  Window child;
-  XTranslateCoordinates(dpy, root, parent, key.x_root, key.y_root, &key.x, &key.y, &child);
-  key.window = parent;
-  DispatchEvent(event);
+  if (wanted != 0) {
+    SelectKeys(window);
+  } else {
+    XSelectInput(dpy, window, events);
+  }
 }
 
 }  // namespace gromlit

@@ -27,12 +27,8 @@ int RowsToSee(int item, const ListGrid& grid);
 bool IsChoosingKey(KeySym key);
 
 // Has a window of the program told of `events`, and with today's manners of its keys and of the
-// focus, too. `asked` remembers which of both is in force; 0 at first. One request for a change.
+// focus, too. `asked` remembers which of both is in force; 0 at first. One request and one round
+// trip for a change.
 void AskForKeys(Window window, long events, int* asked);
-
-// A key that a window has no use for goes to the handler of the program's window that it lies in,
-// in that window's coordinates; nowhere when that one's parent is none of the program's. Two round
-// trips.
-void PassKeyUp(Window window, XEvent* event);
 
 }  // namespace gromlit

@@ -13,6 +13,7 @@
 #include "toolkit/focus.h"
 #include "toolkit/list_keys.h"
 #include "toolkit/manners.h"
+#include "toolkit/tab_order.h"
 #include "toolkit/text.h"
 #include "toolkit/text_editor.h"
 
@@ -50,9 +51,12 @@ void FollowManners(XTextList* tl) {
   if (tl->keys == before) return;
   if (tl->keys != 0) {
     On<KeyPress, TextListKeyPress>(tl);
-    On<FocusOut, TextListFocusOut>(tl);
+    // By its handler it is known that Tab may stop here.
+    On<FocusIn, TextListFocus>(tl);
+    On<FocusOut, TextListFocus>(tl);
   } else {
     SetHandler(tl->wobj, KeyPress, NoHandler);
+    SetHandler(tl->wobj, FocusIn, NoHandler);
   }
 }
 
@@ -120,6 +124,10 @@ void DrawTextList(XTextList* tl, XEvent*) {
   FillRectangle(tl->window, tl->gc, white.pixel, 0, 0, tl->width, tl->height);
   DrawOutline(tl->window, tl->gc, lgrey.pixel, 0, 0, tl->width, tl->height);
   XDrawBevel(kSunken, tl->window, tl->gc, 1, 1, tl->width - 1, tl->height - 1);
+  if (tl->focused != 0 && ModernManners()) {
+    DrawOutline(tl->window, tl->gc, dgrey.pixel, kInset, kInset - 1, tl->width - 2 * kInset,
+                tl->height - 2 * kInset + 1);
+  }
   XSetForeground(dpy, tl->gc, black.pixel);
   const int rows = std::min(tl->visible, tl->nitems - tl->top);
   for (int row = 0; row < rows; row++) {
@@ -156,7 +164,7 @@ void TextListKeyPress(XTextList* tl, XEvent* event) {
     if (to < 0) return;
   }
   if (to < 0) {
-    PassKeyUp(tl->window, event);
+    HandKeyUp(tl->window, event);
     return;
   }
   if (const int rows = RowsToSee(to, lines); rows != 0) {
@@ -169,8 +177,11 @@ void TextListKeyPress(XTextList* tl, XEvent* event) {
   PickLine(tl, to);
 }
 
-void TextListFocusOut(XTextList*, XEvent* event) {
-  FocusLost(event->xfocus);
+void TextListFocus(XTextList* tl, XEvent* event) {
+  if (event->type == FocusOut) FocusLost(event->xfocus);
+  if (!IsFocusMove(event->xfocus)) return;
+  tl->focused = event->type == FocusIn ? 1 : 0;
+  DrawTextList(tl);
 }
 
 void ListKeyPress(XTextList*, XEvent* event) {

@@ -32,7 +32,8 @@ struct XTextList {
   void* selectarg;                              // the owner's
   void (*select)(void* arg, const char* item);  // another line was picked; or null
   TypeAhead ahead;
-  int keys;  // whether it asks for its focus, too; see AskForKeys
+  int keys;     // whether it asks for its focus, too; see AskForKeys
+  int focused;  // whether it has the keyboard, which a dark frame shows
 };
 
 // Makes an empty list, not mapped.
@@ -56,7 +57,7 @@ void TextListClick(XTextList* tl, XEvent* event);
 
 // Keys with today's manners; one that the list has no use for goes to the window that it lies in.
 void TextListKeyPress(XTextList* tl, XEvent* event);
-void TextListFocusOut(XTextList* tl, XEvent* event);
+void TextListFocus(XTextList* tl, XEvent* event);
 
 // Recognises Up and Down and does nothing with them; installed on no list.
 void ListKeyPress(XTextList* tl, XEvent* event);

@@ -8,7 +8,9 @@
 #include "app/windows/top_level.h"
 #include "display/display.h"
 #include "display/modes.h"
+#include "display/window_manager.h"
 #include "toolkit/child_window.h"
+#include "toolkit/dialog.h"
 #include "toolkit/image.h"
 #include "toolkit/logo.h"
 #include "toolkit/menu.h"
@@ -25,6 +27,7 @@ constexpr int kIconWidth = 64;
 
 void MakeWindow(GromlitApp* gromlit) {
   gromlit->window = CreateTopLevel(gromlit->width, gromlit->height, kGromlitAppEvents);
+  dialogowner = gromlit->window;
   gromlit->mbar = MakeGromlitMenuBar(gromlit, gromlit->window, 0, 0, gromlit->width);
   XMapWindow(dpy, gromlit->mbar->window);
   gromlit->height += gromlit->mbar->height;
@@ -124,6 +127,25 @@ GromlitApp* MakeGromlitApp(int ncols, int nrows) {
   OnWheel<TurnGridWheel>(gromlit);
   showWindow = gromlit->window;
   return gromlit;
+}
+
+bool GromlitIsShown() {
+  return app != nullptr && CanBeSeen(app->window);
+}
+
+void ShowGromlit() {
+  if (app == nullptr) return;
+  XWindowAttributes attributes;
+  const bool elsewhere = XGetWindowAttributes(dpy, app->window, &attributes) != 0 &&
+                         attributes.map_state == IsUnviewable;
+  ShowTopLevel(app->window);
+  // Mapped, but on a desktop that is not shown: only the window manager can bring it here.
+  constexpr long kFromAUser = 2;
+  if (elsewhere) AskManager(app->window, "_NET_ACTIVE_WINDOW", {kFromAUser, CurrentTime, 0, 0, 0});
+}
+
+void HideGromlit() {
+  if (app != nullptr) HideTopLevel(app->window);
 }
 
 void appClickPlugins(void*) {}

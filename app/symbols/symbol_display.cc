@@ -15,6 +15,7 @@
 #include "toolkit/list_keys.h"
 #include "toolkit/manners.h"
 #include "toolkit/press_time.h"
+#include "toolkit/tab_order.h"
 #include "toolkit/text.h"
 #include "toolkit/text_editor.h"
 
@@ -122,6 +123,12 @@ void DrawUnlisted(SymbolDisplay* sd) {
   }
 }
 
+// The frame on the border that shows that keys come here, or takes it away.
+void DrawFocus(SymbolDisplay* sd) {
+  DrawOutline(sd->window, sd->gc, sd->focused != 0 && ModernManners() ? dgrey.pixel : lgrey.pixel,
+              1, 1, sd->width - 3, sd->height - 3);
+}
+
 void DrawGrid(SymbolDisplay* sd) {
   XClearWindow(dpy, sd->window);
   FillRectangle(sd->window, sd->gc, white.pixel, kBorder, kBorder, sd->width - 2 * kBorder,
@@ -130,6 +137,7 @@ void DrawGrid(SymbolDisplay* sd) {
              sd->height - 2 * kBorder);
   DrawSymbols(sd);
   DrawUnlisted(sd);
+  if (sd->focused != 0) DrawFocus(sd);
   if (sd->selected >= 0) InvertCell(sd, sd->selected);
 }
 
@@ -157,6 +165,28 @@ void SelectCell(SymbolDisplay* sd, int index) {
 
 void ScrollGrid(void* arg, int offset) {
   ScrollSymbolDisplay(static_cast<SymbolDisplay*>(arg), offset);
+}
+
+// False when the chooser has no use for the key.
+bool TakeKey(SymbolDisplay* sd, XKeyEvent* key) {
+  char bytes[32];
+  KeySym sym;
+  const int count = LookupKey(key, bytes, sizeof bytes, &sym);
+  if (IsChoosingKey(sym)) {
+    if (SelectedSymbol(sd) == nullptr) return false;
+    sd->done(sd->donearg);
+    return true;
+  }
+  const ListGrid cells = {sd->count, sd->ncols, sd->nrows, sd->top};
+  int to = MovedByKey(sym, sd->selected, cells);
+  if (to < 0) {
+    if (!TakeLetter(&sd->ahead, *key, {bytes, static_cast<size_t>(count)})) return false;
+    to = FirstTyped(sd->ahead, sd->count, [&](int i) { return FieldText(sd->syms[i]->name); });
+  }
+  if (to < 0 || to == sd->selected) return true;
+  if (const int rows = RowsToSee(to, cells); rows != 0) ScrollRows(sd->sbar, rows);
+  SelectCell(sd, to);
+  return true;
 }
 
 }  // namespace
@@ -199,7 +229,10 @@ SymbolDisplay* MakeSymbolDisplay(Window parent, int x, int y, void (*done)(void*
   On<ButtonPress, SymbolDisplayButtonPress>(sd);
   On<ButtonRelease, SymbolDisplayButtonRelease>(sd);
   On<KeyPress, SymbolDisplayKeyPress>(sd);
-  On<FocusOut, SymbolDisplayFocusOut>(sd);
+  SetHandler(sd->wobj, KeyRelease, NoteKeyRelease);
+  // By its handler it is known that Tab may stop here.
+  On<FocusIn, SymbolDisplayFocus>(sd);
+  On<FocusOut, SymbolDisplayFocus>(sd);
   OnWheel<TurnDisplayWheel>(sd);
   return sd;
 }
@@ -249,34 +282,15 @@ void SymbolDisplayButtonRelease(SymbolDisplay* sd, XEvent* event) {
   sd->done(sd->donearg);
 }
 
-bool SymbolDisplayTakesKey(SymbolDisplay* sd, XKeyEvent* key) {
-  if (!ModernManners()) return false;
-  char bytes[32];
-  KeySym sym;
-  const int count = LookupKey(key, bytes, sizeof bytes, &sym);
-  if (IsChoosingKey(sym)) {
-    if (SelectedSymbol(sd) == nullptr) return false;
-    sd->done(sd->donearg);
-    return true;
-  }
-  const ListGrid cells = {sd->count, sd->ncols, sd->nrows, sd->top};
-  int to = MovedByKey(sym, sd->selected, cells);
-  if (to < 0) {
-    if (!TakeLetter(&sd->ahead, *key, {bytes, static_cast<size_t>(count)})) return false;
-    to = FirstTyped(sd->ahead, sd->count, [&](int i) { return FieldText(sd->syms[i]->name); });
-  }
-  if (to < 0 || to == sd->selected) return true;
-  if (const int rows = RowsToSee(to, cells); rows != 0) ScrollRows(sd->sbar, rows);
-  SelectCell(sd, to);
-  return true;
-}
-
 void SymbolDisplayKeyPress(SymbolDisplay* sd, XEvent* event) {
-  if (!SymbolDisplayTakesKey(sd, &event->xkey) && ModernManners()) PassKeyUp(sd->window, event);
+  if (ModernManners() && !TakeKey(sd, &event->xkey)) HandKeyUp(sd->window, event);
 }
 
-void SymbolDisplayFocusOut(SymbolDisplay*, XEvent* event) {
-  FocusLost(event->xfocus);
+void SymbolDisplayFocus(SymbolDisplay* sd, XEvent* event) {
+  if (event->type == FocusOut) FocusLost(event->xfocus);
+  if (!IsFocusMove(event->xfocus)) return;
+  sd->focused = event->type == FocusIn ? 1 : 0;
+  DrawFocus(sd);
 }
 
 }  // namespace gromlit

@@ -14,8 +14,7 @@
 //
 // With today's manners it is worked by keys, too: arrows, Home, End and the page keys move the
 // selection, the first letters of a name select it, Return on the selected symbol is `done`. A
-// press gives it the keyboard; keys that come to the window around it may be handed on to its
-// handler.
+// press gives it the keyboard, as Tab does, and the dialog around it when it comes up.
 //
 // When the library holds more symbols than can be listed, a row behind the last one says how many
 // are missing.
@@ -61,7 +60,8 @@ struct SymbolDisplay {
   void* donearg;
   int measuring;  // 1 while the scrollbar learns its range, so that its callback does not draw
   TypeAhead ahead;
-  int keys;  // whether it asks for keys; see AskForKeys
+  int keys;     // whether it asks for keys; see AskForKeys
+  int focused;  // whether it has the keyboard, which a frame shows
 };
 
 // Server time of the last press in the chooser, milliseconds, as the 32 bits of it.
@@ -83,11 +83,7 @@ void ScrollSymbolDisplay(SymbolDisplay* sd, int pos);
 void SymbolDisplayButtonPress(SymbolDisplay* sd, XEvent* event);
 void SymbolDisplayButtonRelease(SymbolDisplay* sd, XEvent* event);
 void SymbolDisplayKeyPress(SymbolDisplay* sd, XEvent* event);
-void SymbolDisplayFocusOut(SymbolDisplay* sd, XEvent* event);
-
-// What SymbolDisplayKeyPress does, for an owner to which keys come. False when the chooser has no
-// use for the key, and with plain manners.
-bool SymbolDisplayTakesKey(SymbolDisplay* sd, XKeyEvent* key);
+void SymbolDisplayFocus(SymbolDisplay* sd, XEvent* event);
 
 // The selected symbol; null when none is.
 GromlitSymbol* SelectedSymbol(const SymbolDisplay* sd);

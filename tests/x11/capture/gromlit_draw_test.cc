@@ -12,6 +12,7 @@
 #include "core/option_files.h"
 #include "display/draw_button.h"
 #include "display/modes.h"
+#include "display/pause.h"
 #include "display/x_errors.h"
 #include "tests/support/round_trips.h"
 #include "toolkit/dialog.h"
@@ -37,6 +38,7 @@ class GromlitDrawTest : public testing::MainWindowFixture {
     XSetErrorHandler(GromlitXErrorHandler);  // windows vanish on purpose here
   }
   void TearDown() override {
+    PauseGestures(false);
     user->showactions = 1;
     user->button = 3;
     MainWindowFixture::TearDown();
@@ -233,6 +235,34 @@ TEST_F(GromlitDrawTest, PressWhileAnActionIsEditedIsLeftToTheApplication) {
   ExpectPressAndRelease();
 }
 
+TEST_F(GromlitDrawTest, PauseLeavesEveryPressToTheApplicationUntilItEnds) {
+  const GromlitPlugin* edit = Showing("Edit.edit");
+  Make("Edit", "edit");
+  HideMain();
+  PauseGestures(true);
+  player->MoveTo(750, 150);
+  for (int i = 0; i < 2; i++) {
+    player->Press(3);
+    Pump();
+    ExpectPressAndRelease();
+  }
+  EXPECT_FALSE(Acted());
+  PauseGestures(false);
+  DrawRight();
+  EXPECT_EQ(app->plugin, edit);
+  EXPECT_TRUE(Acted());
+  EXPECT_EQ(OthersNext().type, 0);
+}
+
+TEST_F(GromlitDrawTest, PauseTellsOfEachChangeOnce) {
+  static std::vector<int> told;
+  told.clear();
+  pauseChanged = [] { told.push_back(gesturesPaused); };
+  for (const bool pause : {false, true, true, false, false}) PauseGestures(pause);
+  pauseChanged = nullptr;
+  EXPECT_EQ(told, (std::vector<int>{1, 0}));
+}
+
 // The press of the draw button as the program reads it, and what answering it costs.
 class HandsOffTest : public GromlitDrawTest {
  protected:
@@ -268,6 +298,15 @@ TEST_F(HandsOffTest, PressOverTheApplicationIsReplayedAfterALookUpOfItsClass) {
 TEST_F(HandsOffTest, PressThatIsReplayedAnywayIsNotLookedUp) {
   Plugin("Game", "Game.game", 1)->spare1 = kHandsOff;
   editingPlugin = 1;
+  const testing::Trips trips = Press();
+  EXPECT_EQ(trips.waits, 0u);
+  EXPECT_EQ(trips.requests, 1u);
+  ExpectPressAndRelease();
+}
+
+TEST_F(HandsOffTest, PressWhileGesturesArePausedIsNotLookedUp) {
+  Plugin("Game", "Game.game", 1)->spare1 = kHandsOff;
+  PauseGestures(true);
   const testing::Trips trips = Press();
   EXPECT_EQ(trips.waits, 0u);
   EXPECT_EQ(trips.requests, 1u);

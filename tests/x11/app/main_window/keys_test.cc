@@ -203,6 +203,8 @@ TEST_F(KeysTest, ChooserIsTypedAt) {
   player->Click(1);
   Pump();
   EXPECT_EQ(Focus(), sd->window);
+  ASSERT_TRUE(PumpUntil([&] { return sd->focused == 1; }));
+  EXPECT_EQ(PixelOf(sd->window, 1, 40), kDarkGrey) << "a frame shows it";
   player->MoveTo(30, 600);
   Type(XK_End);
   EXPECT_EQ(sd->selected, 39);
@@ -265,11 +267,16 @@ TEST_F(KeysTest, ListIsTypedAt) {
   player->Click(1);
   Pump();
   EXPECT_EQ(Focus(), list->window);
+  ASSERT_TRUE(PumpUntil([&] { return list->focused == 1; }));
+  EXPECT_EQ(PixelOf(list->window, 4, 150), kDarkGrey) << "a frame shows it";
   user->temp4 = kPlainManners;
   Type(XK_Home);
   EXPECT_NE(list->selected, 0);
+  // The keyboard goes back to where it was.
+  XUnmapWindow(dpy, sheet);
+  ASSERT_TRUE(PumpUntil([&] { return list->focused == 0 && Focus() != None; }));
   XDestroyWindow(dpy, sheet);
-  ASSERT_TRUE(PumpUntil([] { return Focus() != None; }));
+  Pump();
 }
 
 }  // namespace
