@@ -30,4 +30,8 @@ void UpdatePulldownButton(XButton* button, const char* label);
 void DrawPulldownButton(XButton* button, XEvent* event = nullptr);
 void PulldownButtonPress(XButton* button, XEvent* event);
 
+// With today's manners: Space, Return and Down open the menu.
+void PulldownButtonKeyPress(XButton* button, XEvent* event);
+void PulldownButtonFocus(XButton* button, XEvent* event);
+
 }  // namespace gromlit

@@ -24,7 +24,7 @@ KeySym PlainKey(KeySym key);
 Window TopOf(Window window);
 
 // The windows on the screen in `top` that take the keyboard: rows from top to bottom, in a row from
-// left to right. Inactive buttons and those that open a menu are none. Two round trips for each
+// left to right. Inactive buttons are none. Two round trips for each
 // window in it.
 std::vector<Window> TabStops(Window top);
 

@@ -5,6 +5,7 @@
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "core/option_files.h"
@@ -16,6 +17,7 @@
 #include "toolkit/menu_parts.h"
 #include "toolkit/pulldown_button.h"
 #include "toolkit/release_watch.h"
+#include "toolkit/tab_order.h"
 
 namespace gromlit {
 namespace {
@@ -581,6 +583,27 @@ TEST_F(MenuHandTest, PulldownOpensBelowItsMark) {
   EXPECT_EQ(menu->y + menu->height, kHigh - 30);
   EXPECT_EQ(menu->x, 0);
   Type(XK_Escape);
+  // By the keyboard, of which it is a stop.
+  XMoveWindow(dpy, button->window, 400, 300);
+  Pump();
+  const std::vector<Window> stops = TabStops(top);
+  ASSERT_NE(std::find(stops.begin(), stops.end(), button->window), stops.end());
+  TakeKeys(button->window);
+  Pump();
+  EXPECT_EQ(PixelOf(button->window, 4, 10), kDarkGrey) << "a frame shows it";
+  EXPECT_EQ(PixelOf(button->window, 140 - 24, 10), kWhite) << "the mark is there, too";
+  calls.clear();
+  Type(XK_space);
+  ASSERT_TRUE(Mapped(menu));
+  EXPECT_EQ(menu->selected, 0);
+  TypeAll({XK_m, XK_Return});
+  EXPECT_EQ(calls, Names({"Middle"}));
+  EXPECT_TRUE(HoldsNothing());
+  Type(XK_Down);
+  EXPECT_TRUE(Mapped(menu)) << "the keyboard came back to the button";
+  Type(XK_Escape);
+  XSetInputFocus(dpy, PointerRoot, RevertToPointerRoot, CurrentTime);
+  Pump();
   // With plain manners over itself.
   user->temp4 = kPlainManners;
   XMoveWindow(dpy, button->window, 400, 300);
