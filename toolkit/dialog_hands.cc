@@ -37,7 +37,7 @@ void Stamp(XDialog* dlog) {
 // The first text field of a dialog, else the dialog itself.
 Window FirstField(const XDialog* dlog) {
   for (const Window stop : TabStops(dlog->window)) {
-    const WindowObj* entry = HasWindowObj(stop);
+    const WindowObj* entry = FindWindowObj(stop);
     if (entry != nullptr && ButtonOf(entry) == nullptr) return stop;
   }
   return dlog->window;

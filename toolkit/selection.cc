@@ -288,7 +288,7 @@ void PieceCame(void*, XEvent* event) {
 }
 
 bool IsPrepared() {
-  const WindowObj* entry = window != None ? HasWindowObj(window) : nullptr;
+  const WindowObj* entry = window != None ? FindWindowObj(window) : nullptr;
   return entry != nullptr && entry->obj == &wanted;
 }
 

@@ -40,7 +40,7 @@ Window ParentOf(Window window) {
 }
 
 bool TakesKeys(Window window) {
-  const WindowObj* entry = HasWindowObj(window);
+  const WindowObj* entry = FindWindowObj(window);
   if (entry == nullptr || entry->obj == nullptr || entry->eh[FocusIn] == NoHandler) return false;
   const XButton* button = ButtonOf(entry);
   return button == nullptr || (button->state != kButtonInactive && button->menu == nullptr);
@@ -172,7 +172,7 @@ void HandKeyUp(Window window, XEvent* event) {
     return;
   }
   for (Window outer = ParentOf(window); outer != None && outer != root; outer = ParentOf(outer)) {
-    const WindowObj* entry = HasWindowObj(outer);
+    const WindowObj* entry = FindWindowObj(outer);
     if (entry == nullptr || entry->obj == nullptr) return;  // a window manager's frame
     if (entry->eh[KeyPress] == NoHandler) continue;
     entry->eh[KeyPress](entry->obj, event);

@@ -28,21 +28,17 @@ void SetBytes(Window window, Atom property, Atom type, const std::string& bytes)
                   static_cast<int>(bytes.size()));
 }
 
-// The logo, made as narrow as the icon is, on nothing: width, height and the pixels, of which the
-// upper eight bits say how much is seen.
+// The letter that the logo begins with, a square of its height: width, height and the pixels, of
+// which the upper eight bits say how much is seen.
 std::vector<long> IconData() {
   constexpr unsigned long kOpaque = 0xff000000;
-  std::vector<long> data(2 + kIcon * kIcon, 0);
-  data[0] = data[1] = kIcon;
-  const int height = logoImage->height * kIcon / logoImage->width;
-  const int top = (kIcon - height) / 2;
-  for (int y = 0; y < height; y++) {
+  std::vector<long> data = {kIcon, kIcon};
+  for (int y = 0; y < kIcon; y++) {
     for (int x = 0; x < kIcon; x++) {
       // A screen of this depth has the colours in the pixel.
       const unsigned long pixel =
-          XGetPixel(logoImage, x * logoImage->width / kIcon, y * logoImage->height / height);
-      data[static_cast<size_t>(2 + (top + y) * kIcon + x)] =
-          static_cast<long>(kOpaque | (pixel & 0xffffff));
+          XGetPixel(logoImage, x * logoImage->height / kIcon, y * logoImage->height / kIcon);
+      data.push_back(static_cast<long>(kOpaque | (pixel & 0xffffff)));
     }
   }
   return data;

@@ -258,8 +258,9 @@ TEST_F(ModernDialogsTest, DesktopsAreToldWhatItIs) {
   const std::string icon = Property(dlog->window, "_NET_WM_ICON");
   ASSERT_EQ(icon.size(), sizeof(long) * (2 + 48 * 48));
   const auto* pixels = reinterpret_cast<const long*>(icon.data()) + 2;
-  EXPECT_EQ(pixels[0], 0);
-  EXPECT_EQ(pixels[24 * 48 + 24] >> 24 & 0xff, 0xff);
+  EXPECT_EQ(pixels[0] >> 24 & 0xff, 0xff);
+  EXPECT_EQ(static_cast<unsigned long>(pixels[24 * 48 + 24] & 0xffffff),
+            XGetPixel(logoImage, 24 * logoImage->height / 48, 24 * logoImage->height / 48));
   Window owner = None;
   XGetTransientForHint(dpy, dlog->window, &owner);
   EXPECT_EQ(owner, top);
