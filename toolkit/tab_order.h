@@ -28,8 +28,7 @@ KeySym PlainKey(KeySym key);
 Window TopOf(Window window);
 
 // The windows on the screen in `top` that take the keyboard: rows from top to bottom, in a row from
-// left to right. Inactive buttons are none. Two round trips for each
-// window in it.
+// left to right. Inactive buttons are none. Two round trips for each window in it.
 std::vector<Window> TabStops(Window top);
 
 // KeyRelease handler of what acts on keys only when a hand pressed them, and whether a press was
