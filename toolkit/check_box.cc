@@ -1,8 +1,11 @@
 #include "toolkit/check_box.h"
 
+#include <algorithm>
+
 #include "display/display.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
+#include "toolkit/manners.h"
 
 namespace gromlit {
 
@@ -10,6 +13,7 @@ XCheckBox* MakeCheckBox(void* owner, Window parent, void (*func)(void* arg, int 
                         int y) {
   auto* box = new XCheckBox{};
   box->owner = owner;
+  box->parent = parent;
   box->action = func;
   box->width = kCheckBoxSize;
   box->height = kCheckBoxSize;
@@ -25,6 +29,32 @@ XCheckBox* MakeCheckBox(void* owner, Window parent, void (*func)(void* arg, int 
   On<ButtonPress, CheckBoxDown>(box);
   XMapWindow(dpy, box->window);
   return box;
+}
+
+void PlaceCaption(XCheckBox* box, int right, int top, int bottom) {
+  if (!ModernManners()) {
+    if (box->caption != None) XUnmapWindow(dpy, box->caption);
+    return;
+  }
+  const int left = box->x + box->width;
+  const auto width = static_cast<unsigned>(std::max(right - left, 1));
+  const auto height = static_cast<unsigned>(std::max(bottom - top, 1));
+  if (box->caption == None) {
+    XSetWindowAttributes attributes{};
+    attributes.event_mask = ButtonPressMask;
+    box->caption = XCreateWindow(dpy, box->parent, left, top, width, height, 0, 0, InputOnly,
+                                 nullptr, CWEventMask, &attributes);
+    SetHandler(AllocWindowObj(box->caption, box), ButtonPress,
+               [](void* obj, XEvent* event) { CheckBoxDown(static_cast<XCheckBox*>(obj), event); });
+  } else {
+    XMoveResizeWindow(dpy, box->caption, left, top, width, height);
+  }
+  XMapWindow(dpy, box->caption);
+}
+
+void HideCheckBox(XCheckBox* box) {
+  XUnmapWindow(dpy, box->window);
+  if (box->caption != None) XUnmapWindow(dpy, box->caption);
 }
 
 void DrawCheckBox(XCheckBox* box, XEvent*) {

@@ -9,8 +9,11 @@
 #include "display/display.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
+#include "toolkit/dialog_hands.h"
 #include "toolkit/image.h"
+#include "toolkit/manners.h"
 #include "toolkit/menu.h"
+#include "toolkit/tab_order.h"
 #include "toolkit/text.h"
 
 namespace gromlit {
@@ -63,9 +66,8 @@ XDialog* MakeEmptyDialog(const char* title, const char* const* msgs, int wd, int
   XSetWindowAttributes more{};
   more.override_redirect = True;
   more.save_under = True;
-  dlog->window =
-      MakeChildWindow(root, 0, 0, dlog->width, dlog->height, lgrey.pixel,
-                      ExposureMask | ButtonReleaseMask, CWOverrideRedirect | CWSaveUnder, more);
+  dlog->window = MakeChildWindow(root, 0, 0, dlog->width, dlog->height, lgrey.pixel, kDialogEvents,
+                                 CWOverrideRedirect | CWSaveUnder, more);
   // No window manager looks at this window, but a click that the capture hands on goes to the
   // application that a class hint names: without one, no button could be clicked with the mouse
   // button that draws.
@@ -79,6 +81,13 @@ XDialog* MakeEmptyDialog(const char* title, const char* const* msgs, int wd, int
   dlog->wobj = AllocWindowObj(dlog->window, dlog);
   On<Expose, DrawDialog>(dlog);
   On<ButtonRelease, DialogButtonUp>(dlog);
+  On<KeyPress, DialogKeyPress>(dlog);
+  SetHandler(dlog->wobj, KeyRelease, NoteKeyRelease);
+  On<FocusIn, DialogFocus>(dlog);
+  On<FocusOut, DialogFocus>(dlog);
+  On<MapNotify, DialogMapped>(dlog);
+  On<PropertyNotify, DialogStamped>(dlog);
+  On<ClientMessage, DialogMessage>(dlog);
   return dlog;
 }
 
@@ -95,6 +104,7 @@ XDialog* MakeDialogLabeled(const char* title, const char* const* msgs, void (*ye
   dlog->yesfn = yesfn;
   dlog->no = MakeDialogButton(dlog, nlabel, PressNo, 1);
   dlog->yes = MakeDialogButton(dlog, ylabel, PressYes, 2);
+  dlog->yes->ready = DialogTakesKey;
   return dlog;
 }
 
@@ -113,6 +123,11 @@ void PopUpDialog(XDialog* dlog, const char* title, int px, int py) {
   SetTitle(dlog, title);
   const int x = Place(px, dlog->width, screenwidth);
   const int y = Place(py, dlog->height, screenheight);
+  if (ModernManners()) {
+    ShowDialogWithHands(dlog, x, y, false);
+    return;
+  }
+  if (dlog->hands != 0) TakeHandsOff(dlog);
   // A dialog that is shown already would keep the picture of its old title. On an unmapped window
   // this does nothing.
   XClearArea(dpy, dlog->window, 0, 0, 0, 0, True);
@@ -122,14 +137,22 @@ void PopUpDialog(XDialog* dlog, const char* title, int px, int py) {
 
 void MousePopUpDialog(XDialog* dlog, const char* title) {
   Window rootwin;
-  Window childwin;
+  Window childwin = None;
   int rootx = 0;
   int rooty = 0;
   int winx;
   int winy;
   unsigned state;
   XQueryPointer(dpy, root, &rootwin, &childwin, &rootx, &rooty, &winx, &winy, &state);
-  PopUpDialog(dlog, title, rootx, rooty);
+  if (!ModernManners()) {
+    PopUpDialog(dlog, title, rootx, rooty);
+    return;
+  }
+  SetTitle(dlog, title);
+  int x = Place(rootx, dlog->width, screenwidth);
+  int y = Place(rooty, dlog->height, screenheight);
+  PlaceBeside(dlog, childwin, &x, &y);
+  ShowDialogWithHands(dlog, x, y, true);
 }
 
 void DialogYes(XDialog* dlog) {

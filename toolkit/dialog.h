@@ -2,38 +2,19 @@
 // buttons. Dialogs are built once and then only shown and hidden; they are not modal.
 //
 // The window manager does not frame a dialog (override-redirect), so it is shown where PopUpDialog
-// puts it and is closed by its buttons only.
+// puts it and is closed by its buttons only. With today's manners it does: see dialog_hands.h.
 #pragma once
 
 #include <X11/Xlib.h>
 
-#include "toolkit/button.h"
-#include "toolkit/window_object.h"
+#include "toolkit/dialog_record.h"
 
 namespace gromlit {
-
-inline constexpr int kDialogTitleSize = 64;  // bytes of a title, its NUL included
 
 inline constexpr const char* labelYes = "Yes";
 inline constexpr const char* labelNo = "No";
 inline constexpr const char* labelOK = "OK";
 inline constexpr const char* labelCancel = "Cancel";
-
-struct XDialog {
-  WindowObj* wobj;
-  Window window;
-  GC gc;      // txtgc
-  int width;  // pixels, as is height
-  int height;
-  char title[kDialogTitleSize];  // NUL-terminated; replaced by every pop-up
-  const char* const* msgs;       // lines, ended by a null pointer; the owner's; or null
-  Window show;                   // 0, or the owner's child window, shown in place of the lines
-  XButton* yes;                  // the left button; null in a message dialog
-  XButton* no;                   // the right button, which closes the dialog
-  void* arg;                     // free for the owner
-  void* child;                   // free for the owner, such as the widget shown
-  void (*yesfn)(XDialog* dlog);  // what the left button does; owners may replace it; or null
-};
 
 // Makes a dialog with two buttons, not mapped. A `wd` of 0 sizes it from `msgs`, which are kept by
 // reference; otherwise wd and ht (pixels) are added to the size of an empty one. The title is cut
@@ -50,10 +31,11 @@ XDialog* MakeMsgDialog(const char* title, const char* const* msgs, int wd, int h
 
 // Shows the dialog on top of everything, centred on root position (px, py) but kept on the screen;
 // one that is larger than the screen ends at the screen's right or bottom edge. A dialog that is
-// shown already moves and is drawn anew.
+// shown already moves and is drawn anew. With today's manners the keyboard stays where it is.
 void PopUpDialog(XDialog* dlog, const char* title, int px, int py);
 
-// The same, centred on the pointer. One round trip.
+// The same, centred on the pointer, for what the user has asked for. One round trip. With today's
+// manners it lies beside what it asks about, where there is room, and gets the keyboard.
 void MousePopUpDialog(XDialog* dlog, const char* title);
 
 // Hide the dialog. A yes-function ends with DialogYes when its work is done, and may be DialogYes.

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cmath>
 #include <cstdint>
 #include <cstdlib>
 
@@ -12,6 +13,7 @@
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/image.h"
+#include "toolkit/manners.h"
 
 namespace gromlit {
 namespace {
@@ -24,6 +26,7 @@ constexpr int kFirstWaits = 25;    // waits before a held button repeats
 constexpr int kFirstWait = 10000;  // microseconds of each
 constexpr int kStepWait = 20000;   // microseconds from one step of a held arrow to the next
 constexpr int kPageWait = 100000;  // and of a held trough: it is read what passes by
+constexpr int kRowWait = 80000;    // and of a held arrow that moves by rows
 constexpr int kDragWait = 10000;   // microseconds between two looks at a pointer that stands still
 
 int Track(const XScrollbar* sb) {
@@ -40,6 +43,7 @@ double Ratio(const XScrollbar* sb) {
 
 // Content offset of the thumb's place.
 int Offset(const XScrollbar* sb, double ratio) {
+  if (sb->pos == sb->rowpos && sb->rowoffset > 0) return sb->rowoffset;
   const double offset = 1.0 / ratio * sb->pos;
   return offset < INT_MAX ? static_cast<int>(offset) : INT_MAX;
 }
@@ -95,9 +99,10 @@ bool Held(const XScrollbar* sb, int* y) {
   return (state & Button1Mask) != 0 && !EndingOfPress(sb).over;
 }
 
-void Repeat(XScrollbar* sb, int64_t step, int wait) {
+template <typename Move>
+void Repeat(XScrollbar* sb, Move move, int wait) {
   int y;
-  MoveThumb(sb, step);
+  move();
   for (int i = 0; i < kFirstWaits; i++) {
     if (!Held(sb, &y)) return;
     ScrollWait(kFirstWait);
@@ -105,8 +110,31 @@ void Repeat(XScrollbar* sb, int64_t step, int wait) {
   // As fast as the server answers it would be at the end before the hand can let go, and keep a
   // processor busy.
   while (Held(sb, &y)) {
-    MoveThumb(sb, step);
+    move();
     ScrollWait(wait);
+  }
+}
+
+// A press on an arrow or in the trough, downwards when `direction` is 1, upwards when it is -1.
+void PressStep(XScrollbar* sb, int direction) {
+  if (ModernManners() && sb->row > 0) {
+    Repeat(
+        sb, [=] { ScrollRows(sb, direction); }, kRowWait);
+  } else {
+    Repeat(
+        sb, [=] { MoveThumb(sb, direction); }, kStepWait);
+  }
+}
+
+void PressTrough(XScrollbar* sb, int direction) {
+  if (ModernManners() && sb->row > 0) {
+    // A row of what was there stays, for the eye.
+    const int rows = std::max(sb->height / sb->row - 1, 1);
+    Repeat(
+        sb, [=] { ScrollRows(sb, direction * rows); }, kPageWait);
+  } else {
+    Repeat(
+        sb, [=] { MoveThumb(sb, direction * static_cast<int64_t>(sb->page)); }, kPageWait);
   }
 }
 
@@ -146,6 +174,7 @@ XScrollbar* MakeScrollbar(Window parent, int x, int y, int height) {
   sb->wobj = AllocWindowObj(sb->window, sb);
   On<Expose, DrawScrollbar>(sb);
   On<ButtonPress, ScrollButtonPress>(sb);
+  OnWheel<ScrollRows>(sb);
   return sb;
 }
 
@@ -167,10 +196,30 @@ void UpdateScrollbar(XScrollbar* sb) {
   FillRectangle(sb->window, sb->gc, lgrey.pixel, kTroughX, sb->pos + kTrackStart, kTroughWidth,
                 sb->size);
   XDrawBevel(kRaised, sb->window, sb->gc, kTroughX, sb->pos + kTrackStart, kTroughWidth, sb->size);
+  if (sb->pos != sb->rowpos) sb->rowoffset = 0;
   if (sb->scroll != nullptr) sb->scroll(sb->scrollarg, Offset(sb, ratio));
 }
 
+void ScrollRows(XScrollbar* sb, int rows) {
+  if (sb->row <= 0) return;
+  const double ratio = Ratio(sb);
+  const int track = Track(sb);
+  const int size = static_cast<int>(track * ratio);
+  const int from = Offset(sb, ratio) / sb->row;
+  // The row that the thumb shows first at the end of its track: that is shorter than the content's
+  // window, in which the last row is seen then.
+  const double last = 1.0 / ratio * (track - size);
+  const int end = static_cast<int>(last / sb->row);
+  const int64_t to = std::clamp<int64_t>(int64_t{from} + rows, 0, std::max(end, 0));
+  const double offset = static_cast<double>(to) * sb->row;
+  sb->pos = std::clamp(static_cast<int>(std::lround(offset * ratio)), 0, track - size);
+  sb->rowpos = sb->pos;
+  sb->rowoffset = offset < INT_MAX ? static_cast<int>(offset) : INT_MAX;
+  UpdateScrollbar(sb);
+}
+
 void UpdateScrollbarRange(XScrollbar* sb, int rng) {
+  if (sb->range != rng) sb->rowoffset = 0;
   sb->range = rng;
   DrawScrollbar(sb);
 }
@@ -179,13 +228,13 @@ void ScrollButtonPress(XScrollbar* sb, XEvent* event) {
   const int y = event->xbutton.y;
   const int thumb = sb->pos + kTrackStart;
   if (y < kArrowEnd) {
-    Repeat(sb, -1, kStepWait);
+    PressStep(sb, -1);
   } else if (y > sb->height - kArrowEnd) {
-    Repeat(sb, 1, kStepWait);
+    PressStep(sb, 1);
   } else if (y < thumb) {
-    Repeat(sb, -static_cast<int64_t>(sb->page), kPageWait);
+    PressTrough(sb, -1);
   } else if (y > thumb + sb->size) {
-    Repeat(sb, sb->page, kPageWait);
+    PressTrough(sb, 1);
   } else {
     Drag(sb, y);
   }

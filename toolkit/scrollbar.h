@@ -6,7 +6,9 @@
 //
 //   pressed on           every round, while button 1 is down         function
 //   arrow                a step; after the first, a quarter second   ScrollButtonPress
-//                        of rest, then 50 steps a second
+//                        of rest, then 50 steps a second; with
+//                        today's manners and where the owner has
+//                        rows, a row and 12 a second
 //   trough               a page; likewise, then 10 pages a second    ScrollButtonPress
 //   thumb                the thumb follows the pointer               ScrollButtonPress
 //
@@ -28,13 +30,17 @@ inline constexpr int kScrollbarWidth = 15;  // pixels
 struct XScrollbar {
   WindowObj* wobj;
   Window window;
-  GC gc;            // its own
-  int height;       // pixels
-  int range;        // length of the content, in the units of the owner; 0 or less: none
-  int size;         // length of the thumb, pixels
-  int page;         // pixels that the thumb moves for a press in the trough
-  int pos;          // pixels from the beginning of the track to the thumb
-  void* scrollarg;  // the owner's
+  GC gc;          // its own
+  int height;     // pixels
+  int range;      // length of the content, in the units of the owner; 0 or less: none
+  int size;       // length of the thumb, pixels
+  int page;       // pixels that the thumb moves for a press in the trough
+  int pos;        // pixels from the beginning of the track to the thumb
+  int row;        // length of a row of the content, in the units of the range; 0: no rows
+  int rowoffset;  // what the content was scrolled to by rows, exact where a pixel of the track is
+                  // worth several; counts while the thumb stays at rowpos
+  int rowpos;
+  void* scrollarg;                        // the owner's
   void (*scroll)(void* arg, int offset);  // the content scrolled to offset 0..; or null
 };
 
@@ -45,6 +51,10 @@ XScrollbar* MakeScrollbar(Window parent, int x, int y, int height);
 // released; each round of it is one round trip.
 void DrawScrollbar(XScrollbar* sb, XEvent* event = nullptr);
 void ScrollButtonPress(XScrollbar* sb, XEvent* event);
+
+// Scrolls by this number of rows, upwards when it is negative, to where a row begins and as far as
+// there is something to see. Nothing where the owner has no rows. The wheel's handler, too.
+void ScrollRows(XScrollbar* sb, int rows);
 
 // Draws trough and thumb, with pos brought into its bounds, and calls `scroll`.
 void UpdateScrollbar(XScrollbar* sb);

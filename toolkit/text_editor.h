@@ -1,5 +1,6 @@
 // The text field: one line of plain 7-bit text with a block caret. The pointer's entering gives it
-// the keyboard; there is nothing to click.
+// the keyboard; there is nothing to click. With today's manners there is: see text_editor_hands.h;
+// the text is scrolled so that the caret is seen, and the frame stays with the keyboard.
 //
 //   caret     event                       next     function
 //   hollow    pointer enters              solid    TextEditorEnter, which takes the focus
@@ -11,41 +12,18 @@
 // The focus frame is there while the pointer is inside.
 //
 // INV-EDITOR-1: 0 <= index <= len < kEditorBuffer.
+// INV-EDITOR-3: first, anchor and index lie where letters begin; with plain manners first is 0 and
+// anchor is index.
 // INV-EDITOR-2: caret and caretx tell what is on the screen, so that inverting it once more always
 // removes exactly that.
 #pragma once
 
 #include <X11/Xlib.h>
 
-#include "toolkit/window_object.h"
+#include "toolkit/key_lookup.h"  // for owners with a key handler of their own
+#include "toolkit/text_editor_record.h"
 
 namespace gromlit {
-
-inline constexpr int kEditorBuffer = 128;  // bytes of the text, its NUL included
-inline constexpr int kEditorTyped = 64;    // no key makes the text longer than this
-inline constexpr int kEditorHeight = 24;   // pixels; the drawing assumes it
-
-enum EditorCaret {
-  kHollowCaret = 0,
-  kSolidCaret = 1,
-};
-
-struct TextEditor {
-  WindowObj* wobj;
-  void* owner;  // who made it; not read here
-  Window window;
-  GC gc;                              // its own
-  int width;                          // pixels
-  char buffer[kEditorBuffer];         // the first len bytes are the text; see TextEditorText
-  int len;                            // bytes of text
-  int index;                          // caret: before the byte of this index
-  int keystate;                       // modifier state and key code of a recorded hot key, for
-  int keycode;                        // owners with a key handler of their own
-  void (*complete)(TextEditor* txt);  // Return or End was pressed; never null
-  int inside;                         // 1 while the pointer is in the field
-  EditorCaret caret;                  // what is drawn, and at which x
-  int caretx;
-};
 
 // Makes a field, not mapped, with no text and txtNoComplete. Owners use kEditorHeight.
 TextEditor* MakeTextEditor(Window parent, int x, int y, int width, int height);
@@ -65,19 +43,15 @@ const char* TextEditorText(TextEditor* txt);
 // key handler of their own.
 void RedrawTextEditorLine(TextEditor* txt);
 
-// Handlers; only the key handler looks at its event.
+// Handlers; only those of keys and of the focus look at their event.
 void DrawTextEditor(TextEditor* txt, XEvent* event = nullptr);
 void TextEditorEnter(TextEditor* txt, XEvent* event);
 void TextEditorLeave(TextEditor* txt, XEvent* event);
 void TextEditorKeyPress(TextEditor* txt, XEvent* event);
+void TextEditorFocusIn(TextEditor* txt, XEvent* event);
 void TextEditorFocusOut(TextEditor* txt, XEvent* event);
 
 // The completion of a field whose owner set none: nothing.
 void txtNoComplete(TextEditor* txt);
-
-// XLookupString for events that anybody may have sent: the bytes of a key press, at most `size`,
-// and its keysym. 0 bytes and NoSymbol for a key code that the keyboard does not have. The first
-// call, and the first after a change of the keyboard mapping, take round trips.
-int LookupKey(XKeyEvent* event, char* bytes, int size, KeySym* key);
 
 }  // namespace gromlit

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "display/display.h"
+#include "toolkit/manners.h"
 
 namespace gromlit {
 
@@ -38,6 +39,15 @@ bool IsNotch(const XEvent& event) {
          event.xbutton.button > kLastPressingButton && event.xbutton.window != root;
 }
 
+// Scrolls what the wheel is turned over. A notch that another client sent counts like its clicks.
+void TurnWheel(const XButtonEvent& notch) {
+  if (notch.type != ButtonPress || !ModernManners()) return;
+  if (notch.button != Button4 && notch.button != Button5) return;
+  const WindowObj* entry = FindWindowObj(notch.window);
+  if (entry == nullptr || entry->wheel == nullptr) return;
+  entry->wheel(entry->obj, notch.button == Button5 ? 1 : -1);
+}
+
 int TableSize() {
   return kWindowObjects * (1 + static_cast<int>(MoreBlocks().size()));
 }
@@ -49,6 +59,7 @@ WindowObj* AllocWindowObj(Window window, void* obj) {
   WindowObj* entry = EntryAt(nWindowObjects++);
   entry->window = window;
   entry->obj = obj;
+  entry->wheel = nullptr;
   for (EventHandler& handler : entry->eh) handler = NoHandler;
   return entry;
 }
@@ -106,7 +117,10 @@ void DispatchEvent(XEvent* event) {
   if (event->type < kFirstEvent || event->type > kLastEvent) {
     std::printf("Unknown event type %d\n", event->type);
   } else {
-    if (IsNotch(*event)) return;
+    if (IsNotch(*event)) {
+      TurnWheel(event->xbutton);
+      return;
+    }
     const WindowObj* entry = FindWindowObj(event->xany.window);
     handler = entry != nullptr ? entry->eh[event->type] : NoHandler;
     owner = entry != nullptr ? entry->obj : nullptr;

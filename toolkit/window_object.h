@@ -22,15 +22,18 @@ inline constexpr int kLastEvent = MappingNotify;
 
 // Buttons 1, 2 and 3 press; what is above are the notches of a wheel, which come as a press and a
 // release each, and the buttons at the side of a mouse. A hand that turns the wheel means nothing
-// that lies under the pointer.
+// that lies under the pointer; with today's manners, it scrolls what that is part of.
 inline constexpr unsigned kLastPressingButton = Button3;
 
 using EventHandler = void (*)(void* obj, XEvent* event);
+// `rows` is 1 for a notch towards the hand, which shows what is further down, and -1 for one away.
+using WheelHandler = void (*)(void* obj, int rows);
 
 struct WindowObj {
   Window window;                 // whose events this entry receives; 0 in a free entry
   void* obj;                     // the owner, handed to every handler
   EventHandler eh[kEventTypes];  // eh[t] handles event type t; never null in an entry handed out
+  WheelHandler wheel;            // takes the notches of a wheel over it; or null
 };
 
 // The first block. When it is full the table goes on in further blocks of the same size; entries
@@ -67,8 +70,9 @@ WindowObj* FindWindowObj(Window window);
 // Hands an event to its entry's handler, and lets Xlib know of a changed keyboard mapping first
 // (one round trip). An event of a type outside 2..34 prints "Unknown event type N" on standard
 // output and goes to the handler and owner of the event before it. Presses and releases of buttons
-// above kLastPressingButton are dropped here, for every window but the root: the owners need not
-// ask, and no release of one ends what another button began.
+// above kLastPressingButton go no further, for every window but the root: the owners need not ask,
+// and no release of one ends what another button began. With ModernManners() a press of Button4 or
+// Button5 goes to the wheel handler of its window.
 void DispatchEvent(XEvent* event);
 
 // The handler of every slot that was not set: nothing.
@@ -90,6 +94,14 @@ inline void (*beforehiding)() = nullptr;
 
 // ClientMessage handler of top-level windows: the window manager's close request unmaps the window.
 void WMClientMessage(void* obj, XEvent* event);
+
+// Installs a typed wheel handler, void(Owner*, int rows); see WheelHandler.
+template <auto kHandler, typename Owner>
+void OnWheel(Owner* owner) {
+  static_assert(std::is_same_v<decltype(kHandler), void (*)(Owner*, int)>,
+                "the handler belongs to another kind of owner");
+  owner->wobj->wheel = [](void* obj, int rows) { kHandler(static_cast<Owner*>(obj), rows); };
+}
 
 // Installs a typed handler, void(Owner*, XEvent*), for one event type of a widget. The owner's type
 // is checked at compile time; this is the only cast between owners and table slots.

@@ -11,6 +11,7 @@
 #include "core/strings.h"
 #include "display/display.h"
 #include "toolkit/bevel.h"
+#include "toolkit/manners.h"
 #include "toolkit/pulldown_button.h"
 #include "toolkit/text.h"
 
@@ -55,12 +56,13 @@ struct TabPage {
 
 void ShowPage(XTabBar* tbar, ActionTab* tab, int clear, const TabPage& page) {
   XUnmapWindow(dpy, tab->sys->window);
-  if (page.checkbox == nullptr) XUnmapWindow(dpy, tab->checkbox->window);
+  if (page.checkbox == nullptr) HideCheckBox(tab->checkbox);
   if (clear != kTabRedrawn) {
     tabDeselectCommand();
     ClearTabField(tab);
     if (page.checkbox != nullptr) tab->checkbox->state = 0;
   }
+  tab->ed->recordskeys = page.hotkeys ? 1 : 0;
   if (page.hotkeys) {
     On<KeyPress, ActionHotKeyPress>(tab->ed);
   } else {
@@ -73,6 +75,8 @@ void ShowPage(XTabBar* tbar, ActionTab* tab, int clear, const TabPage& page) {
   DrawCheckBox(tab->checkbox);
   // After the help, which clears the ground.
   DrawText(tbar->window, txtgc, kCheckLabelX, tab->checkbox->y + txtCharht, page.checkbox);
+  PlaceCaption(tab->checkbox, kCheckLabelX + TextWidth(txtFontinfo, page.checkbox),
+               tab->checkbox->y - 2, tab->checkbox->y + txtCharht + 4);
 }
 
 // Keysyms of keys that only change what other keys mean.
@@ -103,6 +107,16 @@ XTabBar* MakeActionTabBar(Window parent, int x, int y, int width, int height) {
   const int inner = tbar->width - 2 * kMargin;
   tab->ed = MakeTextEditor(tbar->window, kMargin, kFieldY, inner, kEditorHeight);
   tab->ed->owner = tab;
+  tab->ed->recordskeys = 1;
+  // What is typed goes into the list, which OK of the window saves.
+  tab->ed->complete = [](TextEditor*) {
+    if (!ModernManners()) return;
+    if (act->lst->selected >= 0) {
+      tabcmdUpdate(nullptr);
+    } else {
+      tabcmdAdd(nullptr);
+    }
+  };
   On<KeyPress, ActionHotKeyPress>(tab->ed);
   tab->checkbox = MakeCheckBox(tab, tbar->window, actClickFilebox, kMargin, kCheckBoxY);
   tab->checkbox->state = 0;
@@ -174,7 +188,7 @@ void tabWebsite(XTabBar* tbar, void* arg, int clear) {
 void tabSystem(XTabBar* tbar, void* arg, int) {
   auto* tab = static_cast<ActionTab*>(arg);
   XUnmapWindow(dpy, tab->ed->window);
-  XUnmapWindow(dpy, tab->checkbox->window);
+  HideCheckBox(tab->checkbox);
   SystemCommandUpdate(tab->sys, kSystemLabel);
   tabDeselectCommand();
   XMapWindow(dpy, tab->sys->window);

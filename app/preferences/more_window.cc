@@ -1,5 +1,6 @@
 #include "app/preferences/more_window.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <string>
 
@@ -74,9 +75,13 @@ bool TellDesktop(bool start) {
   return false;
 }
 
-// One caption and its sentence.
-void DrawRow(const MoreOptions* options, int row, const char* caption, const char* sentence) {
-  const int y = RowY(row) + txtCharht - kCaptionRise;
+// One caption and its sentence, and what a press on them turns.
+void DrawRow(const MoreOptions* options, XCheckBox* box, int row, const char* caption,
+             const char* sentence) {
+  const int top = RowY(row);
+  const int y = top + txtCharht - kCaptionRise;
+  const int wider = std::max(TextWidth(txtFontinfo, caption), TextWidth(txtFontinfo, sentence));
+  PlaceCaption(box, kCaptionX + wider, top, top + RowHeight() - kRowGap);
   DrawText(options->window, options->gc, kCaptionX, y, caption);
   DrawText(options->window, options->gc, kCaptionX, y + txtCharht + 2, sentence);
 }
@@ -145,8 +150,11 @@ void DrawMoreOptions(MoreOptions* options, XEvent*) {
   XClearWindow(dpy, options->window);
   XSetForeground(dpy, options->gc, black.pixel);
   int row = 0;
-  for (const Choice& choice : Choices()) DrawRow(options, row++, choice.caption, choice.sentence);
-  DrawRow(options, row, kAutostart, kAutostartSentence);
+  for (const Choice& choice : Choices()) {
+    XCheckBox* box = options->boxes[static_cast<size_t>(row)];
+    DrawRow(options, box, row++, choice.caption, choice.sentence);
+  }
+  DrawRow(options, options->autostart, row, kAutostart, kAutostartSentence);
 }
 
 }  // namespace gromlit

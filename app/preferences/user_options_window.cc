@@ -18,6 +18,7 @@
 #include "display/draw_button.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
+#include "toolkit/manners.h"
 #include "toolkit/pulldown_button.h"
 #include "toolkit/text.h"
 
@@ -37,6 +38,7 @@ constexpr int kSensitivityWidth = 32;
 constexpr int kCommandWidth = 300;
 constexpr int kHelpLinesX = 332;
 
+constexpr const char* kSplashCaption = "Enable Gromlit Splash Screen";
 constexpr const char* kHelpFile = "help/preferences.html";
 constexpr const char* kNotSaved = "The preferences hold until Gromlit ends, but were not saved.";
 
@@ -132,6 +134,10 @@ XButton* MakeDrawTolerancePulldown(int x, int y) {
 TextEditor* MakeField(UserOptions* options, int y, int width) {
   TextEditor* field = MakeTextEditor(options->window, kMargin, y, width, kEditorHeight);
   field->owner = options;
+  // End completes with plain manners, too.
+  field->complete = [](TextEditor*) {
+    if (ModernManners()) optClickSave(nullptr);
+  };
   XMapWindow(dpy, field->window);
   return field;
 }
@@ -173,6 +179,7 @@ void CreateUserOptions() {
   opt->dosplash = MakeCheckBox(opt, opt->window, optClickDoSplash, kMargin, txtCharht + 180);
   opt->snd = MakeField(opt, 3 * txtCharht + 196, kCommandWidth);
   opt->url = MakeField(opt, 3 * txtCharht + 244, kCommandWidth);
+  opt->snd->limit = sizeof(GromlitUserOptions::sndcmd) - 1;
   CreateMoreOptions(&opt->usr);
 }
 
@@ -265,7 +272,9 @@ void DrawUserOptions(UserOptions* options, XEvent*) {
   DrawText(window, gc, kMargin, 96, "Draw Button:");
   DrawText(window, gc, TolerancePulldownX(), 96, "Symbol Match Tolerance:");
   DrawText(window, gc, kMargin, line + 136, "Draw Sensitivity Pixels:");
-  DrawText(window, gc, 34, 2 * line + 176, "Enable Gromlit Splash Screen");
+  DrawText(window, gc, 34, 2 * line + 176, kSplashCaption);
+  PlaceCaption(options->dosplash, 34 + TextWidth(txtFontinfo, kSplashCaption), line + 176,
+               2 * line + 180);
   DrawText(window, gc, kMargin, 3 * line + 192, "Play Sound Command:");
   DrawText(window, gc, kMargin, 5 * line + 216, "Browser Command Line:");
   int y = 2 * line + 148;

@@ -95,16 +95,17 @@ TEST_F(MoreWindowTest, RecommendedTurnsTheBoxesAndNothingElse) {
 TEST_F(MoreWindowTest, EveryBoxIsAnOptionOfItsOwn) {
   struct Expected {
     const char* caption;
-    int32_t temp1, temp2, temp3;
+    int32_t temp1, temp2, temp3, temp4;
   };
   constexpr Expected kExpected[] = {
-      {"Match by Shape", 0, 0, kByShape},
-      {"Real Input", kRealInput, 0, 0},
-      {"Draw with Locks On", 0, kDrawWithLocks, 0},
-      {"Fall Back to Default", 0, kFallBack, 0},
-      {"Activate the Window First", 0, kActivateFirst, 0},
-      {"Open Web Pages Directly", 0, kOpenDirectly, 0},
-      {"Name the Action while Drawing", 0, kNameWhileDrawing, 0},
+      {"Match by Shape", 0, 0, kByShape, 0},
+      {"Real Input", kRealInput, 0, 0, 0},
+      {"Draw with Locks On", 0, kDrawWithLocks, 0, 0},
+      {"Fall Back to Default", 0, kFallBack, 0, 0},
+      {"Activate the Window First", 0, kActivateFirst, 0, 0},
+      {"Open Web Pages Directly", 0, kOpenDirectly, 0, 0},
+      {"Menus and Fields as on Today's Desktops", 0, 0, 0, kModernManners},
+      {"Name the Action while Drawing", 0, kNameWhileDrawing, 0, 0},
   };
   ASSERT_EQ(Choices().size(), std::size(kExpected));
   for (size_t i = 0; i < std::size(kExpected); i++) {
@@ -116,6 +117,7 @@ TEST_F(MoreWindowTest, EveryBoxIsAnOptionOfItsOwn) {
     EXPECT_EQ(user->temp1, kExpected[i].temp1);
     EXPECT_EQ(user->temp2, kExpected[i].temp2);
     EXPECT_EQ(user->temp3, kExpected[i].temp3);
+    EXPECT_EQ(user->temp4, kExpected[i].temp4);
     Open();
     EXPECT_EQ(more->boxes[i]->state, 1);
     Click(more->boxes[i]->window);
@@ -123,6 +125,7 @@ TEST_F(MoreWindowTest, EveryBoxIsAnOptionOfItsOwn) {
     EXPECT_EQ(user->temp1, 0);
     EXPECT_EQ(user->temp2, 0);
     EXPECT_EQ(user->temp3, 0);
+    EXPECT_EQ(user->temp4, 0);
   }
 }
 
@@ -211,7 +214,7 @@ TEST_F(MoreWindowTest, RecommendedIsWhatMakesItWorkWithEverything) {
   EXPECT_EQ(user->temp1, kRealInput);
   EXPECT_EQ(user->temp2, kDrawWithLocks | kFallBack | kActivateFirst | kOpenDirectly);
   EXPECT_EQ(user->temp3, kByShape);
-  EXPECT_EQ(user->temp4, 0);
+  EXPECT_EQ(user->temp4, kModernManners);
 }
 
 TEST_F(MoreWindowTest, AValueOfALaterVersionStaysUnlessTheBoxIsTurned) {
