@@ -4,7 +4,6 @@
 #include "tests/x11/app/main_window_fixture.h"
 
 #include "app/action_editor/action_tabs.h"
-#include "app/preferences/choices.h"
 #include "app/preferences/more_window.h"
 #include "app/preferences/user_options_window.h"
 #include "core/option_files.h"
