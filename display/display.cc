@@ -1,6 +1,5 @@
 #include "display/display.h"
 
-#include <X11/Xatom.h>
 #include <X11/Xutil.h>
 
 #include <cstdio>
@@ -8,7 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "display/x_handles.h"
+#include "display/scale.h"
+#include "display/scaled_fonts.h"
 #include "images/handcursor.xbm"
 #include "images/handcursormask.xbm"
 
@@ -96,10 +96,10 @@ void MakeHandCursor() {
 namespace {
 
 void LoadFont(const char* name, Font* font, XFontStruct** info, int* height) {
-  *info = XLoadQueryFont(dpy, name);
+  *info = LoadScaledFont(name);
   if (*info == nullptr) {
     std::printf("Text font %s not found, using fixed.", name);
-    *info = XLoadQueryFont(dpy, "fixed");
+    *info = LoadScaledFont("fixed");
   }
   if (*info == nullptr) {
     // A server without any "fixed" still has the font of its default graphics context; its metrics
@@ -112,15 +112,6 @@ void LoadFont(const char* name, Font* font, XFontStruct** info, int* height) {
   }
   *font = (*info)->fid;
   *height = (*info)->ascent + (*info)->descent;
-}
-
-// The name of a loaded font in full, such as "-misc-fixed-...-iso8859-1"; "" when the server does
-// not say.
-std::string FullName(XFontStruct* font) {
-  unsigned long atom = 0;
-  if (XGetFontProperty(font, XA_FONT, &atom) == 0) return "";
-  const XData<char> name(XGetAtomName(dpy, atom));
-  return name != nullptr ? name.get() : "";
 }
 
 // The wide forms that were asked for.
@@ -150,6 +141,7 @@ void LoadFonts() {
     if (form.wide != nullptr && form.wide != form.font) XFreeFontInfo(nullptr, form.wide, 1);
   }
   WideForms().clear();
+  ForgetScaledFonts();
   LoadFont(txtFontname, &txtFont, &txtFontinfo, &txtCharht);
   LoadFont(buttonFontname, &labelFont, &labelFontinfo, &labelCharht);
   LoadFont(logoFontname, &logoFont, &logoFontinfo, &logoCharht);
@@ -160,7 +152,7 @@ XFontStruct* WideFormOf(XFontStruct* font) {
     if (form.font == font) return form.wide;
   }
   constexpr std::string_view kWide = "-iso10646-1";
-  std::string name = FullName(font);
+  std::string name = UnscaledName(font);
   XFontStruct* wide = nullptr;
   if (name.ends_with(kWide)) {
     wide = font;
@@ -169,7 +161,7 @@ XFontStruct* WideFormOf(XFontStruct* font) {
     const size_t registry = encoding > 0 ? name.rfind('-', encoding - 1) : std::string::npos;
     if (registry != std::string::npos) {
       name.replace(registry, std::string::npos, kWide);
-      wide = XLoadQueryFont(dpy, name.c_str());
+      wide = LoadScaledFont(name.c_str());
     }
   }
   WideForms().push_back({font, wide});

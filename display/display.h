@@ -13,7 +13,7 @@ extern int screen;     // default screen number
 extern Window root;    // root window of that screen
 extern Colormap cmap;  // its default colour map
 
-// The size of the screen now, pixels: what RandR made of it, which Xlib does not follow.
+// The size of the screen now, device pixels: what RandR made of it, which Xlib does not follow.
 extern int screenwidth;
 extern int screenheight;
 
@@ -25,7 +25,8 @@ extern XColor grey;
 extern XColor dgrey;
 extern XColor blue;
 
-// Fonts: id, metrics, and the height of a line (ascent + descent), pixels.
+// Fonts: id, metrics, and the height of a line (ascent + descent), logical pixels (display/scale.h;
+// widths are device pixels, which TextWidth knows, toolkit/text.h).
 inline constexpr const char* txtFontname = "fixed";
 inline constexpr const char* buttonFontname = "-*-helvetica-medium-r-normal--12-*1";
 inline constexpr const char* logoFontname = "-*-helvetica-bold-r-normal--18-*1";

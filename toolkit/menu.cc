@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "display/display.h"
+#include "display/scale.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/image.h"
@@ -123,8 +124,7 @@ void RemakeMenu(XMenu* menu, XFontStruct* fontinfo, XMenuItem** items, int nitem
   FillMenu(menu, fontinfo, items, nitems);
   if (fontinfo->fid != None) XSetFont(dpy, menu->gc, fontinfo->fid);
   if (menu->width == width && menu->height == height) return;
-  XResizeWindow(dpy, menu->window, static_cast<unsigned>(menu->width),
-                static_cast<unsigned>(menu->height));
+  ScaledResizeWindow(menu->window, menu->width, menu->height);
 }
 
 void SpareMenus(XMenuPool* pool, XMenu* menu) {
@@ -154,12 +154,7 @@ void PopUpMenu(int x, int y, XMenu* menu) {
   menu->x = x;
   menu->y = y;
   menu->open = 1;
-  // Moved and raised in one request.
-  XWindowChanges place{};
-  place.x = x;
-  place.y = y;
-  place.stack_mode = Above;
-  XConfigureWindow(dpy, menu->window, CWX | CWY | CWStackMode, &place);
+  ScaledMoveRaised(menu->window, x, y);
   XMapWindow(dpy, menu->window);
 }
 
@@ -269,8 +264,7 @@ void MenuTrackMouse(XMenu* menu, XEvent* event) {
       e.x = e.x_root - submenu->x;
       e.y = e.y_root - submenu->y;
     } else {
-      Window child;
-      XTranslateCoordinates(dpy, root, submenu->window, e.x_root, e.y_root, &e.x, &e.y, &child);
+      ScaledTranslate(root, submenu->window, e.x_root, e.y_root, &e.x, &e.y);
     }
     MenuTrackMouse(submenu, event);
     return;

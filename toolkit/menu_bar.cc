@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "display/display.h"
+#include "display/scale.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 
@@ -35,9 +36,7 @@ void OpenTitle(XMenuBar* bar, int i) {
   if (bar->items[i]->menu == nullptr) return;
   int x;
   int y;
-  Window child;
-  XTranslateCoordinates(dpy, bar->window, root, bar->itemx[i] - kTitleMargin, bar->itemheight + 4,
-                        &x, &y, &child);
+  ScaledTranslate(bar->window, root, bar->itemx[i] - kTitleMargin, bar->itemheight + 4, &x, &y);
   PullDownMenu(x, y, bar->items[i]->menu);
 }
 
@@ -102,9 +101,9 @@ void DrawMenuBar(XMenuBar* bar, XEvent*) {
   XSegment dark[] = {Segment(1, bottom, right, bottom), Segment(right, 1, right, bottom)};
   XClearWindow(dpy, bar->window);
   XSetForeground(dpy, bar->gc, white.pixel);
-  XDrawSegments(dpy, bar->window, bar->gc, light, 2);
+  ScaledDrawSegments(bar->window, bar->gc, light, 2);
   XSetForeground(dpy, bar->gc, dgrey.pixel);
-  XDrawSegments(dpy, bar->window, bar->gc, dark, 2);
+  ScaledDrawSegments(bar->window, bar->gc, dark, 2);
   XSetForeground(dpy, bar->gc, black.pixel);
   DrawTitles(bar);
   if (bar->selected < 0) return;

@@ -1,6 +1,7 @@
 #include "toolkit/pulldown_button.h"
 
 #include "display/display.h"
+#include "display/scale.h"
 #include "toolkit/bevel.h"
 
 namespace gromlit {
@@ -38,8 +39,7 @@ void PulldownButtonPress(XButton* button, XEvent*) {
   if (button->menu == nullptr || button->state == kButtonInactive) return;
   int x;
   int y;
-  Window child;
-  XTranslateCoordinates(dpy, button->window, root, 0, 0, &x, &y, &child);
+  ScaledTranslate(button->window, root, 0, 0, &x, &y);
   PopUpMenuGrabbed(x, y, button->menu);
 }
 
