@@ -91,7 +91,7 @@ std::string DoubleName(const std::string& fullname) {
   const std::optional<FontName> is = Split(fullname);
   if (!is || Number((*is)[kPixels]) < 1) return "";
   FontName outline = *is;
-  for (const Field any : {kMaker, kSetWidth, kStyle}) outline[any] = "*";
+  for (const Field any : {kMaker, kStyle}) outline[any] = "*";
   FontName bitmap = outline;
   // An outline's name has no size and no resolution; one that has a resolution is a bitmap that the
   // server would stretch.
@@ -103,7 +103,8 @@ std::string DoubleName(const std::string& fullname) {
       return Join(*sized);
     }
   }
-  for (const Field any : {kPixels, kPoints, kAcross, kDown, kWidth}) bitmap[any] = "*";
+  // A "semicondensed" one may be followed by a "normal" one as it gets larger.
+  for (const Field any : {kSetWidth, kPixels, kPoints, kAcross, kDown, kWidth}) bitmap[any] = "*";
   const FontList found(bitmap);
   return NearestDouble(found.names(), found.size(), Number((*is)[kPixels]), Number((*is)[kWidth]));
 }
