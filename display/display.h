@@ -67,18 +67,12 @@ void FollowScreenSize(void* obj, XEvent* event);
 
 // The steps that follow, each to be called once, in this order; MakeResources (toolkit/resources.h)
 // calls them all. None reports an error:
-// a colour that cannot be had keeps what the server left, a missing font is replaced by "fixed"
-// after a line on standard output.
+// a colour that cannot be had keeps what the server left. The fonts (display/fonts.h) come before
+// the contexts.
 void MakeColours();
 void MakeHandCursor();
-void LoadFonts();
 void MakeCursors();
 void MakeContexts();
-
-// The form of one of the fonts above that has the letters of all languages (iso10646-1); the font
-// itself when it is that; null when the server has none. Loaded at the first call for the font,
-// with round trips.
-XFontStruct* WideFormOf(XFontStruct* font);
 
 // Interns the window manager's atoms; makes them when no window manager has done so yet, so that a
 // window manager that starts later can close windows without ending the program.

@@ -6,6 +6,7 @@
 
 #include "core/letters.h"
 #include "display/display.h"
+#include "display/fonts.h"
 #include "display/scale.h"
 
 namespace gromlit {
