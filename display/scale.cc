@@ -69,7 +69,15 @@ int Logical(int device) {
 }
 
 int LogicalLength(int device) {
-  return (device + now - 1) / now;
+  return -Logical(-device);
+}
+
+XRectangle LogicalArea(const XRectangle& device) {
+  const int left = LogicalLength(device.x);
+  const int top = LogicalLength(device.y);
+  return {static_cast<short>(left), static_cast<short>(top),
+          static_cast<unsigned short>(Logical(device.x + device.width) - left),
+          static_cast<unsigned short>(Logical(device.y + device.height) - top)};
 }
 
 int LogicalScreenWidth() {
@@ -169,14 +177,15 @@ bool ScaledTranslate(Window from, Window to, int fromx, int fromy, int* x, int* 
   return same;
 }
 
-bool ScaledQueryPointer(Window window, int* x, int* y, unsigned* state) {
+bool ScaledQueryPointer(Window window, int* x, int* y, unsigned* state, Window* child) {
   Window rootwin;
-  Window child;
+  Window below = None;
   int rootx;
   int rooty;
   *x = *y = 0;
   *state = 0;
-  const bool here = XQueryPointer(dpy, window, &rootwin, &child, &rootx, &rooty, x, y, state) != 0;
+  const bool here = XQueryPointer(dpy, window, &rootwin, &below, &rootx, &rooty, x, y, state) != 0;
+  if (child != nullptr) *child = below;
   Halve(x);
   Halve(y);
   return here;

@@ -31,6 +31,9 @@ int Logical(int device);
 // A length of device pixels in logical ones, of which a part counts as a whole.
 int LogicalLength(int device);
 
+// A part of the screen, or a window in its parent, in logical pixels: all that lie in it whole.
+XRectangle LogicalArea(const XRectangle& device);
+
 // The size of the screen in logical pixels.
 int LogicalScreenWidth();
 int LogicalScreenHeight();
@@ -59,8 +62,9 @@ void ScaledClearArea(Window window, int x, int y, int width, int height);
 // x and y are 0.
 bool ScaledTranslate(Window from, Window to, int fromx, int fromy, int* x, int* y);
 // Where the pointer is in a window, and which buttons are down. False when it is on another screen
-// or the window is gone; x, y and state are set all the same.
-bool ScaledQueryPointer(Window window, int* x, int* y, unsigned* state);
+// or the window is gone; x, y and state are set all the same. `child` is the window in it that the
+// pointer is on, or None.
+bool ScaledQueryPointer(Window window, int* x, int* y, unsigned* state, Window* child = nullptr);
 
 // --- Drawing ----------------------------------------------------------------------------------
 

@@ -1,22 +1,29 @@
 #include "toolkit/button.h"
 
+#include <X11/keysym.h>
+
 #include <string>
 
 #include "core/strings.h"
 #include "display/display.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
+#include "toolkit/focus.h"
+#include "toolkit/manners.h"
 #include "toolkit/menu.h"
 #include "toolkit/release_watch.h"
+#include "toolkit/tab_order.h"
 #include "toolkit/text.h"
+#include "toolkit/text_editor.h"
 
 namespace gromlit {
 namespace {
 
 constexpr int kPulldownRoom = 16;  // pixels that a pulldown button's mark takes from the caption
 constexpr int kPulldownEnds =
-    32;                       // pixels that a pulldown button is wider than its caption at least
-constexpr int kBaseline = 4;  // of the caption, pixels below the middle
+    32;                         // pixels that a pulldown button is wider than its caption at least
+constexpr int kBaseline = 4;    // of the caption, pixels below the middle
+constexpr int kFocusInset = 4;  // of the frame that shows the keyboard, from each edge
 
 // The button that holds the pointer (INV-BUTTON-1).
 XButton* holder = nullptr;
@@ -30,6 +37,24 @@ void LoseRelease() {
   if (button->state != kButtonPressed) return;
   button->state = kButtonActive;
   DrawButton(button, nullptr);
+}
+
+// KeyPress handler. Entries of buttons are known by it.
+void ButtonKeyPress(void* obj, XEvent* event) {
+  auto* button = static_cast<XButton*>(obj);
+  if (!ModernManners()) return;
+  char bytes[32];
+  KeySym key = NoSymbol;
+  LookupKey(&event->xkey, bytes, sizeof bytes, &key);
+  key = PlainKey(key);
+  const bool plain = (event->xkey.state & (ControlMask | Mod1Mask | Mod4Mask)) == 0;
+  if (!plain || (key != XK_space && key != XK_Return)) {
+    HandKeyUp(button->window, event);
+    return;
+  }
+  if (button->state != kButtonActive || IsKeyRepeat(event->xkey)) return;
+  if (button->ready != nullptr && !button->ready(button->owner, event->xkey)) return;
+  if (button->action != nullptr) button->action(button->arg);
 }
 
 }  // namespace
@@ -51,6 +76,10 @@ XButton* MakeButtonSized(void* owner, Window parent, const char* label, void (*f
   On<Expose, DrawButton>(button);
   On<ButtonPress, ButtonDown>(button);
   On<ButtonRelease, ButtonUp>(button);
+  On<FocusIn, ButtonFocus>(button);
+  On<FocusOut, ButtonFocus>(button);
+  SetHandler(button->wobj, KeyPress, ButtonKeyPress);
+  SetHandler(button->wobj, KeyRelease, NoteKeyRelease);
   XMapWindow(dpy, button->window);
   return button;
 }
@@ -72,6 +101,11 @@ void DrawButton(XButton* button, XEvent*) {
              button->width, button->height);
   XSetForeground(dpy, button->gc, button->state == kButtonInactive ? dgrey.pixel : black.pixel);
   const int baseline = button->height / 2 + kBaseline;
+  if (button->focused != 0 && ModernManners()) {
+    DrawOutline(button->window, button->gc, dgrey.pixel, kFocusInset, kFocusInset,
+                button->width - 2 * kFocusInset - 1, button->height - 2 * kFocusInset - 1);
+    XSetForeground(dpy, button->gc, button->state == kButtonInactive ? dgrey.pixel : black.pixel);
+  }
   if (button->menu == nullptr) {
     DrawCentredText(button->window, button->gc, 0, button->width, baseline, button->label,
                     button->label_width);
@@ -116,6 +150,17 @@ void ButtonUp(XButton* button, XEvent* event) {
   // Before the drawing, which then shows what the callback made of the button.
   if (inside && button->action != nullptr) button->action(button->arg);
   DrawButton(button);
+}
+
+void ButtonFocus(XButton* button, XEvent* event) {
+  if (event->type == FocusOut) FocusLost(event->xfocus);
+  if (!IsFocusMove(event->xfocus)) return;
+  button->focused = event->type == FocusIn ? 1 : 0;
+  DrawButton(button);
+}
+
+XButton* ButtonOf(const WindowObj* entry) {
+  return entry->eh[KeyPress] == ButtonKeyPress ? static_cast<XButton*>(entry->obj) : nullptr;
 }
 
 void ReleaseHiddenButton() {

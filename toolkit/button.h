@@ -44,6 +44,8 @@ struct XButton {
   void (*action)(void* arg);  // or null
   void* arg;                  // the button itself unless the owner replaces it
   XMenu* menu;                // of a pulldown button, else null
+  int focused;                // 1 while it has the keyboard
+  bool (*ready)(void* owner, const XKeyEvent& press);  // whether a key may press it; null: always
 };
 
 // Makes and maps a button, kButtonHeight high. The label is copied, cut to what the field holds.
@@ -59,6 +61,13 @@ void SetButtonLabel(XButton* button, const char* label);
 void DrawButton(XButton* button, XEvent* event = nullptr);
 void ButtonDown(XButton* button, XEvent* event);
 void ButtonUp(XButton* button, XEvent* event);
+
+// Today's manners: a button that Tab led to shows it, and Space or Return presses it. Where a key
+// means nothing to it, it goes to the window.
+void ButtonFocus(XButton* button, XEvent* event);
+
+// The button whose window an entry is for; null when it is for something else.
+XButton* ButtonOf(const WindowObj* entry);
 
 // Lets the button that is held come up if its window has gone from the screen: the server has taken
 // the pointer from it, and the release goes elsewhere. Round trips only while one is held.

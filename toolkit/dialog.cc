@@ -10,8 +10,11 @@
 #include "display/scale.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
+#include "toolkit/dialog_hands.h"
 #include "toolkit/image.h"
+#include "toolkit/manners.h"
 #include "toolkit/menu.h"
+#include "toolkit/tab_order.h"
 #include "toolkit/text.h"
 
 namespace gromlit {
@@ -64,9 +67,8 @@ XDialog* MakeEmptyDialog(const char* title, const char* const* msgs, int wd, int
   XSetWindowAttributes more{};
   more.override_redirect = True;
   more.save_under = True;
-  dlog->window =
-      MakeChildWindow(root, 0, 0, dlog->width, dlog->height, lgrey.pixel,
-                      ExposureMask | ButtonReleaseMask, CWOverrideRedirect | CWSaveUnder, more);
+  dlog->window = MakeChildWindow(root, 0, 0, dlog->width, dlog->height, lgrey.pixel, kDialogEvents,
+                                 CWOverrideRedirect | CWSaveUnder, more);
   // No window manager looks at this window, but a click that the capture hands on goes to the
   // application that a class hint names: without one, no button could be clicked with the mouse
   // button that draws.
@@ -80,6 +82,14 @@ XDialog* MakeEmptyDialog(const char* title, const char* const* msgs, int wd, int
   dlog->wobj = AllocWindowObj(dlog->window, dlog);
   On<Expose, DrawDialog>(dlog);
   On<ButtonRelease, DialogButtonUp>(dlog);
+  On<KeyPress, DialogKeyPress>(dlog);
+  SetHandler(dlog->wobj, KeyRelease, NoteKeyRelease);
+  // FocusIn would make it a stop of Tab, were it not outermost.
+  On<FocusIn, DialogFocus>(dlog);
+  On<FocusOut, DialogFocus>(dlog);
+  On<MapNotify, DialogMapped>(dlog);
+  On<PropertyNotify, DialogStamped>(dlog);
+  On<ClientMessage, DialogMessage>(dlog);
   return dlog;
 }
 
@@ -96,6 +106,7 @@ XDialog* MakeDialogLabeled(const char* title, const char* const* msgs, void (*ye
   dlog->yesfn = yesfn;
   dlog->no = MakeDialogButton(dlog, nlabel, PressNo, 1);
   dlog->yes = MakeDialogButton(dlog, ylabel, PressYes, 2);
+  dlog->yes->ready = DialogTakesKey;
   return dlog;
 }
 
@@ -114,6 +125,11 @@ void PopUpDialog(XDialog* dlog, const char* title, int px, int py) {
   SetTitle(dlog, title);
   const int x = Place(px, dlog->width, LogicalScreenWidth());
   const int y = Place(py, dlog->height, LogicalScreenHeight());
+  if (ModernManners()) {
+    ShowDialogWithHands(dlog, x, y, false);
+    return;
+  }
+  if (dlog->hands != 0) TakeHandsOff(dlog);
   // A dialog that is shown already would keep the picture of its old title. On an unmapped window
   // this does nothing.
   XClearArea(dpy, dlog->window, 0, 0, 0, 0, True);
@@ -122,11 +138,20 @@ void PopUpDialog(XDialog* dlog, const char* title, int px, int py) {
 }
 
 void MousePopUpDialog(XDialog* dlog, const char* title) {
-  int x;
-  int y;
+  Window childwin;
+  int rootx;
+  int rooty;
   unsigned state;
-  ScaledQueryPointer(root, &x, &y, &state);
-  PopUpDialog(dlog, title, x, y);
+  ScaledQueryPointer(root, &rootx, &rooty, &state, &childwin);
+  if (!ModernManners()) {
+    PopUpDialog(dlog, title, rootx, rooty);
+    return;
+  }
+  SetTitle(dlog, title);
+  int x = Place(rootx, dlog->width, LogicalScreenWidth());
+  int y = Place(rooty, dlog->height, LogicalScreenHeight());
+  PlaceBeside(dlog, childwin, &x, &y);
+  ShowDialogWithHands(dlog, x, y, true);
 }
 
 void DialogYes(XDialog* dlog) {

@@ -2,7 +2,7 @@
 // buttons. Dialogs are built once and then only shown and hidden; they are not modal.
 //
 // The window manager does not frame a dialog (override-redirect), so it is shown where PopUpDialog
-// puts it and is closed by its buttons only.
+// puts it and is closed by its buttons only. With today's manners it does: see dialog_hands.h.
 #pragma once
 
 #include <X11/Xlib.h>
@@ -19,6 +19,12 @@ inline constexpr const char* labelNo = "No";
 inline constexpr const char* labelOK = "OK";
 inline constexpr const char* labelCancel = "Cancel";
 
+// What a dialog's window is told of.
+inline constexpr long kDialogEvents = ExposureMask | ButtonReleaseMask;
+
+// The window that dialogs belong to, the program's main one; None until it is set.
+inline Window dialogowner = None;
+
 struct XDialog {
   WindowObj* wobj;
   Window window;
@@ -33,6 +39,13 @@ struct XDialog {
   void* arg;                     // free for the owner
   void* child;                   // free for the owner, such as the widget shown
   void (*yesfn)(XDialog* dlog);  // what the left button does; owners may replace it; or null
+  int careful;                   // 1: what the left button does cannot be undone
+
+  // With today's manners.
+  int hands;     // 1 once it was shown with them
+  int managed;   // 1 while it is a window manager's to place
+  int keyboard;  // 1 when it was to get the keyboard
+  Time shown;    // server time at which it came on the screen; 0: not yet
 };
 
 // Makes a dialog with two buttons, not mapped. A `wd` of 0 sizes it from `msgs`, which are kept by
@@ -50,10 +63,11 @@ XDialog* MakeMsgDialog(const char* title, const char* const* msgs, int wd, int h
 
 // Shows the dialog on top of everything, centred on root position (px, py) but kept on the screen;
 // one that is larger than the screen ends at the screen's right or bottom edge. A dialog that is
-// shown already moves and is drawn anew.
+// shown already moves and is drawn anew. With today's manners the keyboard stays where it is.
 void PopUpDialog(XDialog* dlog, const char* title, int px, int py);
 
-// The same, centred on the pointer. One round trip.
+// The same, centred on the pointer, for what the user has asked for. One round trip. With today's
+// manners it lies beside what it asks about, where there is room, and gets the keyboard.
 void MousePopUpDialog(XDialog* dlog, const char* title);
 
 // Hide the dialog. A yes-function ends with DialogYes when its work is done, and may be DialogYes.

@@ -9,6 +9,7 @@
 #include "display/display.h"
 #include "display/draw_button.h"
 #include "display/end_signals.h"
+#include "toolkit/menu_hand.h"
 #include "toolkit/release_watch.h"
 #include "toolkit/window_object.h"
 
@@ -50,7 +51,8 @@ void WaitForInput() {
   }
   pollfd inputs[] = {{ConnectionNumber(dpy), POLLIN, 0}, {EndSignalDescriptor(), POLLIN, 0}};
   // A descriptor below 0 is passed over.
-  poll(inputs, std::size(inputs), Sooner(Sooner(DrawButtonWait(), ReleaseWait()), due));
+  const int watch = Sooner(Sooner(DrawButtonWait(), ReleaseWait()), MenuScrollWait());
+  poll(inputs, std::size(inputs), Sooner(watch, due));
 }
 
 }  // namespace
@@ -64,6 +66,7 @@ void TakeEvent(XEvent* event) {
     EndIfSignalled();
     AskForDrawButton();
     LookForRelease();
+    ScrollRestedMenu();
     if (TakePress(event)) return;
     if (XPending(dpy) > 0) {
       XNextEvent(dpy, event);

@@ -13,9 +13,9 @@ namespace gromlit {
 // frozen for everybody, is taken before what has arrived earlier: redrawing windows after an
 // action, say, or looking at the applications that the pointer has crossed meanwhile. With it goes
 // what else the root window is told of buttons and motion, so that these keep their order. While it
-// waits, asks for a refused draw button, looks for a release that an interaction awaits, does
-// deferred work and obeys the signals that end the program. An idle program is woken by nothing
-// else.
+// waits, asks for a refused draw button, looks for a release that an interaction awaits, scrolls a
+// menu on whose arrow the pointer rests, does deferred work and obeys the signals that end the
+// program. An idle program is woken by nothing else.
 void TakeEvent(XEvent* event);
 // Work that is done some time after what made it necessary, while no event waits.
 struct Deferred {

@@ -63,15 +63,17 @@ void TakeFocus(Window window) {
   holder = window;
 }
 
-void FocusLost(const XFocusChangeEvent& event) {
-  if (event.send_event != False || event.window != holder) return;
+bool IsFocusMove(const XFocusChangeEvent& event) {
+  if (event.send_event != False) return false;
   // A keyboard grab of somebody, which does not move the focus.
-  if (event.mode == NotifyGrab || event.mode == NotifyUngrab) return;
+  if (event.mode == NotifyGrab || event.mode == NotifyUngrab) return false;
   // Only these say that the focus window itself changed.
-  if (event.detail != NotifyAncestor && event.detail != NotifyInferior &&
-      event.detail != NotifyNonlinear) {
-    return;
-  }
+  return event.detail == NotifyAncestor || event.detail == NotifyInferior ||
+         event.detail == NotifyNonlinear;
+}
+
+void FocusLost(const XFocusChangeEvent& event) {
+  if (event.window != holder || !IsFocusMove(event)) return;
   const ServerGrab grab;
   int revert;
   const Window now = FocusNow(&revert);

@@ -18,6 +18,10 @@ namespace gromlit {
 // not viewable. Two round trips.
 void TakeFocus(Window window);
 
+// Whether an event says that the focus window itself changed: not a keyboard grab of somebody, and
+// not sent by another client.
+bool IsFocusMove(const XFocusChangeEvent& event);
+
 // To be called with each FocusOut event of a text field. When the keyboard is with nobody because
 // of it, the earlier focus comes back, or PointerRoot when that window is gone or hidden. Round
 // trips only when the field that had the focus loses it.

@@ -7,6 +7,8 @@
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/image.h"
+#include "toolkit/manners.h"
+#include "toolkit/menu_parts.h"
 #include "toolkit/text.h"
 #include "toolkit/title_row.h"
 
@@ -26,29 +28,11 @@ int ArrowWidth() {
   return rightmenuImage != nullptr ? rightmenuImage->width : kUsualWidth;
 }
 
-void EndGrab(const XMenu* menu) {
-  if (grabbed != menu) return;
-  grabbed = nullptr;
-  // Not with the release's time: a release that another client sent could carry any.
-  XUngrabPointer(dpy, CurrentTime);
-}
-
 // The one way to close a menu's window.
 void CloseMenu(XMenu* menu) {
-  EndGrab(menu);
+  EndMenuGrab(menu);
   menu->open = 0;
   XUnmapWindow(dpy, menu->window);
-}
-
-void CloseSubmenu(XMenu* menu) {
-  if (menu->submenu == nullptr) return;
-  PopDownMenu(menu->submenu);
-  menu->submenu = nullptr;
-}
-
-void DrawHighlight(XMenu* menu, int up, int row) {
-  XDrawBevel(up, menu->window, menu->gc, 2, row * menu->itemheight + 2, menu->width - 4,
-             menu->itemheight + 2);
 }
 
 // Takes the items over and measures them.
@@ -65,6 +49,7 @@ void FillMenu(XMenu* menu, XFontStruct* fontinfo, XMenuItem** items, int nitems)
   menu->nitems = kept;
   menu->visible = kept;
   menu->top = 0;
+  menu->scrolls = 0;
   menu->selected = -1;
   menu->submenu = nullptr;
   menu->itemheight = RowHeight(fontinfo);
@@ -86,6 +71,42 @@ void ReleaseItems(XMenu* menu, XMenuItem* const* kept, int nkept) {
 }
 
 }  // namespace
+
+XMenu* MenuWithPointer() {
+  return grabbed;
+}
+
+bool GrabPointerFor(XMenu* menu, long events) {
+  if (XGrabPointer(dpy, menu->window, False, static_cast<unsigned>(events), GrabModeAsync,
+                   GrabModeAsync, None, None, CurrentTime) != GrabSuccess) {
+    return false;
+  }
+  grabbed = menu;
+  return true;
+}
+
+void EndMenuGrab(const XMenu* menu) {
+  if (grabbed != menu) return;
+  grabbed = nullptr;
+  // Not with the release's time: a release that another client sent could carry any.
+  XUngrabPointer(dpy, CurrentTime);
+  EndMenuHand(menu);
+}
+
+void PassMenuGrab(XMenu* menu) {
+  grabbed = menu;
+}
+
+void CloseSubmenu(XMenu* menu) {
+  if (menu->submenu == nullptr) return;
+  PopDownMenu(menu->submenu);
+  menu->submenu = nullptr;
+}
+
+void DrawMenuHighlight(XMenu* menu, int up, int row) {
+  XDrawBevel(up, menu->window, menu->gc, 2, row * menu->itemheight + 2, menu->width - 4,
+             menu->itemheight + 2);
+}
 
 XMenuItem** MakeMenuItemArray(int n) {
   return new XMenuItem* [static_cast<size_t>(std::max(n, 0))] {};
@@ -113,6 +134,8 @@ XMenu* MakeMenu(Window parent, int x, int y, XFontStruct* fontinfo, XMenuItem** 
   On<ButtonPress, MenuButtonPress>(menu);
   On<ButtonRelease, MenuButtonRelease>(menu);
   On<MotionNotify, MenuMotionNotify>(menu);
+  On<KeyPress, MenuKeyPress>(menu);
+  OnWheel<MenuWheel>(menu);
   return menu;
 }
 
@@ -124,6 +147,10 @@ void RemakeMenu(XMenu* menu, XFontStruct* fontinfo, XMenuItem** items, int nitem
   FillMenu(menu, fontinfo, items, nitems);
   if (fontinfo->fid != None) XSetFont(dpy, menu->gc, fontinfo->fid);
   if (menu->width == width && menu->height == height) return;
+  ResizeMenu(menu);
+}
+
+void ResizeMenu(XMenu* menu) {
   ScaledResizeWindow(menu->window, menu->width, menu->height);
 }
 
@@ -147,40 +174,46 @@ XMenu* TakeMenu(XMenuPool* pool, XFontStruct* fontinfo, XMenuItem** items, int n
   return menu;
 }
 
-void PopUpMenu(int x, int y, XMenu* menu) {
+void ShowMenu(XMenu* menu) {
   // The submenu of the last time: a release would run the item that was chosen in it then.
   CloseSubmenu(menu);
   menu->selected = -1;
+  menu->open = 1;
+  ScaledMoveRaised(menu->window, menu->x, menu->y);
+  XMapWindow(dpy, menu->window);
+}
+
+void PopUpMenu(int x, int y, XMenu* menu) {
+  // The manners may have changed since it was open last.
+  if (UnfoldMenu(menu)) ResizeMenu(menu);
   menu->x = x;
   menu->y = y;
-  menu->open = 1;
-  ScaledMoveRaised(menu->window, x, y);
-  XMapWindow(dpy, menu->window);
+  ShowMenu(menu);
 }
 
 void PullDownMenu(int x, int y, XMenu* menu) {
   PopUpMenu(x, y, menu);
 }
 
-bool PopUpMenuGrabbed(int x, int y, XMenu* menu) {
-  if (grabbed != nullptr && grabbed != menu) PopDownMenu(grabbed);
+bool PopUpMenuGrabbed(int x, int y, XMenu* menu, const XButtonEvent* press) {
+  if (ModernManners()) return PopUpMenuByHand(x, y, menu, press);
+  EndLeaving();
+  // It may itself be open with today's manners, of which nothing must be left.
+  if (grabbed != nullptr && (grabbed != menu || MenuInHand() != nullptr)) PopDownMenu(grabbed);
   PopUpMenu(x, y, menu);
   // Presses are left out: only a release ends the interaction. When the menu opens after all
   // buttons went up, which is so for a click that was handed on, that is the next click's.
-  if (XGrabPointer(dpy, menu->window, False, ButtonReleaseMask | PointerMotionMask, GrabModeAsync,
-                   GrabModeAsync, None, None, CurrentTime) != GrabSuccess) {
-    PopDownMenu(menu);
-    return false;
-  }
-  grabbed = menu;
-  return true;
+  if (GrabPointerFor(menu, ButtonReleaseMask | PointerMotionMask)) return true;
+  PopDownMenu(menu);
+  return false;
 }
 
 bool MenuHoldsPointer() {
-  return grabbed != nullptr;
+  return grabbed != nullptr || HandIsLeaving();
 }
 
 void CloseGrabbedMenu() {
+  EndLeaving();
   if (grabbed != nullptr) PopDownMenu(grabbed);
 }
 
@@ -199,7 +232,8 @@ void DrawMenu(XMenu* menu, XEvent*) {
   XClearWindow(dpy, menu->window);
   XDrawBevel(kRaised, menu->window, menu->gc, 0, 0, menu->width, menu->height);
   XSetForeground(dpy, menu->gc, black.pixel);
-  int baseline = menu->itemheight;
+  DrawMenuArrows(menu);
+  int baseline = menu->itemheight * (1 + MenuRow(menu, menu->top));
   for (int row = 0; row < menu->visible; row++) {
     const int i = menu->top + row;
     if (i < 0 || i >= menu->nitems) continue;
@@ -211,7 +245,7 @@ void DrawMenu(XMenu* menu, XEvent*) {
                baseline + 3 + (menu->itemheight - rightmenuImage->height) / 2 - menu->itemheight);
     }
     if (i == menu->selected) {
-      DrawHighlight(menu, kRaised, row);
+      DrawMenuHighlight(menu, kRaised, MenuRow(menu, i));
       XSetForeground(dpy, menu->gc, black.pixel);
     }
     baseline += menu->itemheight;
@@ -219,21 +253,46 @@ void DrawMenu(XMenu* menu, XEvent*) {
 }
 
 void MenuButtonPress(XMenu* menu, XEvent* event) {
-  if (menu->open != 0) MenuTrackMouse(menu, event);
+  if (menu->open == 0) return;
+  if (MenuInHand() != nullptr) {
+    HandPress(event->xbutton);
+  } else {
+    MenuTrackMouse(menu, event);
+  }
 }
 
 void MenuMotionNotify(XMenu* menu, XEvent* event) {
-  if (menu->open != 0) MenuTrackMouse(menu, event);
+  if (menu->open == 0) return;
+  if (MenuInHand() != nullptr) {
+    HandMotion(event->xmotion);
+  } else {
+    MenuTrackMouse(menu, event);
+  }
 }
 
 void MenuButtonRelease(XMenu* menu, XEvent* event) {
+  // It was on its way when the press that closed the menu was read.
+  if (menu->open == 0) EndLeaving();
+  if (menu->open == 0) return;
+  if (MenuInHand() != nullptr) {
+    HandRelease(event->xbutton);
+  } else {
+    RunMenu(menu);
+  }
+}
+
+void MenuKeyPress(XMenu* menu, XEvent* event) {
+  if (menu->open != 0 && MenuInHand() != nullptr) HandKey(&event->xkey);
+}
+
+void RunMenu(XMenu* menu) {
   if (menu->open == 0) return;
   // Before any action: it may take its time, or need the pointer.
-  EndGrab(menu);
+  EndMenuGrab(menu);
   const bool chosen = menu->selected >= 0 && menu->selected < menu->nitems;
   const XMenuItem item = chosen ? *menu->items[menu->selected] : XMenuItem{};
   const int nremakes = menu->nremakes;
-  if (menu->submenu != nullptr) MenuButtonRelease(menu->submenu, event);
+  if (menu->submenu != nullptr) RunMenu(menu->submenu);
   if (item.action != nullptr && menu->nremakes == nremakes) item.action(menu, item.arg);
   CloseMenu(menu);
 }
@@ -246,11 +305,11 @@ void MenuTrackMouse(XMenu* menu, XEvent* event) {
   if (onitem) {
     if (i == menu->selected) return;
     if (menu->selected >= 0) {
-      if (menu->selected <= menu->visible) DrawHighlight(menu, kFlat, menu->selected);
+      if (menu->selected <= menu->visible) DrawMenuHighlight(menu, kFlat, menu->selected);
       CloseSubmenu(menu);
     }
     menu->selected = i;
-    DrawHighlight(menu, kRaised, i);
+    DrawMenuHighlight(menu, kRaised, i);
     menu->submenu = menu->items[i]->submenu;
     // Level with the menu's top, not with the item.
     if (menu->submenu != nullptr) PopUpMenu(menu->x + menu->width, menu->y, menu->submenu);
@@ -270,7 +329,7 @@ void MenuTrackMouse(XMenu* menu, XEvent* event) {
     return;
   }
   if (menu->selected >= 0) {
-    DrawHighlight(menu, kFlat, menu->selected);
+    DrawMenuHighlight(menu, kFlat, menu->selected);
     menu->selected = -1;
   }
 }

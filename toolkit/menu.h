@@ -25,6 +25,9 @@
 //
 //   open: no item highlighted; item: one is; cascade: one is, and its submenu is open.
 //
+// With today's manners a click leaves a menu open, and the keyboard is answered, too: see
+// toolkit/menu_hand.h. The rules below hold in both.
+//
 // INV-MENU-1: the pointer is grabbed for a menu only while that menu is open. All closing goes
 //   through one function that gives the pointer back, whichever button was released.
 // INV-MENU-2: events that reach a closed menu change nothing. Motion that was on its way when a
@@ -67,10 +70,12 @@ struct XMenu {
   int width;  // pixels, as are height and itemheight
   int height;
   int itemheight;
-  int selected;                     // item highlighted; -1 for none
-  int visible;                      // rows drawn
-  int top;                          // item in the first row
-  int nitems;                       // 0..kMaxMenuItems
+  int selected;  // item highlighted; -1 for none
+  int visible;   // rows drawn
+  int top;       // item in the first row
+  int scrolls;   // non-zero while it is longer than its room, with an arrow above and below
+  int side;      // 1 where submenus go to the right first, -1 to the left; with today's manners
+  int nitems;    // 0..kMaxMenuItems
   XMenuItem* items[kMaxMenuItems];  // owned by the menu
   XButton* pulldown;                // the pulldown button that it belongs to; or null
   XMenu* submenu;                   // open child; after a choice, until it pops up again, the last
@@ -112,11 +117,12 @@ XMenu* TakeMenu(XMenuPool* pool, XFontStruct* fontinfo, XMenuItem** items, int n
 void PopUpMenu(int x, int y, XMenu* menu);
 void PullDownMenu(int x, int y, XMenu* menu);
 
-// Opens a menu and grabs the pointer for it until a button is released. This is the one way of
-// opening a menu that is not under a menu bar. A menu that held the pointer is closed first.
-// Returns false, with the menu closed, when the server refuses the grab: without it the release
-// would reach somebody else and the menu would stay.
-bool PopUpMenuGrabbed(int x, int y, XMenu* menu);
+// Opens a menu and grabs the pointer for it until a button is released; with today's manners as
+// toolkit/menu_hand.h says, which needs the press that opens it, or null for a key. This is the one
+// way of opening a menu at the pointer. A menu that held the pointer is closed first. Returns
+// false, with the menu closed, when the server refuses the grab: without it the release would reach
+// somebody else and the menu would stay.
+bool PopUpMenuGrabbed(int x, int y, XMenu* menu, const XButtonEvent* press = nullptr);
 
 // Whether an open menu has the pointer. The release that ends a press which is read only now will
 // go to that menu, so that nothing may begin with it.
@@ -132,14 +138,20 @@ void PullUpMenu(XMenu* menu);
 // Closes a menu and the chain of its open submenus.
 void PopDownMenu(XMenu* menu);
 
-// Handlers; the drawing does not look at its event.
+// Handlers; the drawing does not look at its event. Keys count with today's manners alone.
 void DrawMenu(XMenu* menu, XEvent* event = nullptr);
 void MenuButtonPress(XMenu* menu, XEvent* event);
 void MenuMotionNotify(XMenu* menu, XEvent* event);
+void MenuKeyPress(XMenu* menu, XEvent* event);
 
 // Runs the highlighted items, the deepest submenu's first, and closes the menu. An item that opened
 // a submenu is run too, after the item that was chosen there.
 void MenuButtonRelease(XMenu* menu, XEvent* event);
+
+// Scrolls the menu under the pointer, or the last one that scrolls, by a number of rows, upwards
+// when it is negative. `menu` is the one that has the pointer; nothing when it was opened with
+// plain manners, or is closed.
+void MenuWheel(XMenu* menu, int rows);
 
 // Moves the highlight to the item under the pointer and opens and closes submenus. The event's
 // position is in the menu's coordinates and is overwritten when a submenu takes it over.

@@ -6,6 +6,8 @@
 #include "display/scale.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
+#include "toolkit/manners.h"
+#include "toolkit/menu_hand.h"
 
 namespace gromlit {
 namespace {
@@ -60,6 +62,40 @@ void LetGo(XMenuBar* bar) {
   if (heldbar == bar) heldbar = nullptr;
 }
 
+// --- What menus with today's manners ask of the bar ---
+
+int OpenTitleOf(const XMenuBar* bar) {
+  return bar->selected;
+}
+
+// As long as the bar stays where it was when a title was opened.
+int TitleWithMenuAt(const XMenuBar* bar, int x, int y) {
+  if (y < bar->rooty || y >= bar->rooty + bar->height) return -1;
+  if (x < bar->rootx || x >= bar->rootx + bar->width) return -1;
+  const int i = TitleAt(bar->itemx, bar->itemwidth, bar->nitems, x - bar->rootx);
+  return i >= 0 && bar->items[i]->menu != nullptr ? i : -1;
+}
+
+int TitleBeside(const XMenuBar* bar, int by) {
+  const int n = bar->nitems;
+  for (int i = 1; i < n; i++) {
+    const int title = ((bar->selected + by * i) % n + n) % n;
+    if (bar->items[title]->menu != nullptr) return title;
+  }
+  return -1;
+}
+
+void LetTitleGo(XMenuBar* bar) {
+  if (bar->selected >= 0) DrawTitleBevel(bar, kFlat, bar->selected);
+  bar->selected = -1;
+}
+
+constexpr MenuTitles kTitles = {.open = MenuBarOpenByHand,
+                                .selected = OpenTitleOf,
+                                .at = TitleWithMenuAt,
+                                .beside = TitleBeside,
+                                .letgo = LetTitleGo};
+
 }  // namespace
 
 XPulldown** MakePulldownArray(int n) {
@@ -91,6 +127,7 @@ XMenuBar* MakeMenuBar(Window parent, int x, int y, int width, XFontStruct* fonti
   On<ButtonPress, MenuBarButtonPress>(bar);
   On<ButtonRelease, MenuBarButtonRelease>(bar);
   On<MotionNotify, MenuBarMotionNotify>(bar);
+  On<KeyPress, MenuBarKeyPress>(bar);
   return bar;
 }
 
@@ -115,13 +152,18 @@ void DrawMenuBar(XMenuBar* bar, XEvent*) {
 void MenuBarButtonPress(XMenuBar* bar, XEvent* event) {
   // The bar would stay open: it would not see the release.
   if (MenuHoldsPointer()) return;
+  if (ModernManners()) {
+    MenuBarOpenByHand(bar, TitleAt(bar->itemx, bar->itemwidth, bar->nitems, event->xbutton.x),
+                      &event->xbutton);
+    return;
+  }
   bar->held = 1;
   heldbar = bar;
   MenuBarTrackMouse(bar, event);
 }
 
 void MenuBarMotionNotify(XMenuBar* bar, XEvent* event) {
-  if (bar->held == 0) return;
+  if (bar->held == 0 || BarInHand() == bar) return;
   XMotionEvent& e = event->xmotion;
   if (XMenu* menu = MenuBelow(bar, e.y); menu != nullptr) {
     // The menu begins 8 pixels further left and 2 higher than this says; submenus are found by
@@ -135,6 +177,8 @@ void MenuBarMotionNotify(XMenuBar* bar, XEvent* event) {
 }
 
 void MenuBarButtonRelease(XMenuBar* bar, XEvent* event) {
+  // That of a press which was sent to the bar.
+  if (BarInHand() == bar) return;
   XButtonEvent& e = event->xbutton;
   if (XMenu* menu = MenuBelow(bar, e.y); menu != nullptr) {
     e.y -= bar->height;
@@ -145,7 +189,32 @@ void MenuBarButtonRelease(XMenuBar* bar, XEvent* event) {
   MenuBarTrackMouse(bar, event);
 }
 
+void MenuBarKeyPress(XMenuBar* bar, XEvent* event) {
+  if (bar->key != nullptr) bar->key(bar->keyarg, event);
+}
+
+bool MenuBarOpenByHand(XMenuBar* bar, int i, const XButtonEvent* press) {
+  if (i < 0 || i >= bar->nitems || bar->items[i]->menu == nullptr) return false;
+  // Of a press when the manners were plain, whose release comes here no more.
+  LetGo(bar);
+  if (bar->selected >= 0 && BarInHand() != bar) {
+    ShutTitle(bar);
+  } else if (bar->selected >= 0) {
+    DrawTitleBevel(bar, kFlat, bar->selected);
+  }
+  bar->selected = i;
+  DrawTitleBevel(bar, kRaised, i);
+  ScaledTranslate(bar->window, root, 0, 0, &bar->rootx, &bar->rooty);
+  const MenuAnchor title = {bar->rootx + bar->itemx[i] - kTitleMargin, bar->rooty,
+                            bar->itemwidth[i] + 2 * kTitleMargin, bar->itemheight + 4, false};
+  if (OpenMenuByHand(bar->items[i]->menu, title, press, bar, &kTitles)) return true;
+  LetTitleGo(bar);
+  return false;
+}
+
 void ShutHiddenMenuBar() {
+  const XMenuBar* inhand = BarInHand();
+  if (inhand != nullptr && !CanBeSeen(inhand->window)) CloseGrabbedMenu();
   XMenuBar* bar = heldbar;
   if (bar == nullptr || CanBeSeen(bar->window)) return;
   LetGo(bar);

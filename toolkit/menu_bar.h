@@ -13,6 +13,9 @@
 //   open     release in the bar                   shut     MenuBarButtonRelease, nothing is run
 //   open     the bar's window is hidden           shut     ShutHiddenMenuBar, nothing is run
 //
+// With today's manners a title's menu takes the pointer as all others do, and a click leaves it
+// open: see toolkit/menu_hand.h. What follows is for the plain ones.
+//
 // The press itself makes the server send all motion and the release to the bar (an implicit grab),
 // and the server ends that when the last button goes up: there is no grab to give back. It ends it
 // as well when the bar can no longer be seen, and tells nobody. Motion that a press elsewhere
@@ -49,6 +52,10 @@ struct XMenuBar {
   int itemx[kMaxTitles];         // x of a title's text
   XPulldown* items[kMaxTitles];  // owned by the bar
   int held;                      // non-zero from a press here until all buttons are up
+  int rootx;                     // where the bar was on the screen when a title was opened last
+  int rooty;                     // with today's manners
+  void (*key)(void* arg, XEvent* event);  // takes key presses that come to the bar; or null
+  void* keyarg;
 };
 
 // An array of n null pointers, to be filled and handed to MakeMenuBar; released with delete[].
@@ -70,6 +77,13 @@ void MenuBarButtonRelease(XMenuBar* bar, XEvent* event);
 // Opens the title under the pointer and closes the one that was open. Only the x of the event's
 // position is looked at.
 void MenuBarTrackMouse(XMenuBar* mbar, XEvent* event);
+
+// Keys that come to the bar's window, because the pointer is there, go to `key`.
+void MenuBarKeyPress(XMenuBar* bar, XEvent* event);
+
+// Opens the menu of a title with today's manners; `press` as for OpenMenuByHand. The title that was
+// open is shut. False when there is no such menu, or the pointer is refused: then all is shut.
+bool MenuBarOpenByHand(XMenuBar* bar, int i, const XButtonEvent* press);
 
 // Shuts the bar that is held if it has gone from the screen, with the menu that is open. Round
 // trips only while one is held.

@@ -1,4 +1,5 @@
-// The pulldown button: a button that opens a menu in its place, to choose one of several values.
+// The pulldown button: a button that opens a menu in its place, to choose one of several values;
+// with today's manners below it, ending where its mark ends.
 //
 // It is an XButton whose press opens the menu with the pointer grabbed; from then on the menu
 // tracks the pointer and is chosen from by itself. The button never enters its pressed state. A
@@ -28,5 +29,9 @@ void UpdatePulldownButton(XButton* button, const char* label);
 // Handlers; the drawing does not look at its event.
 void DrawPulldownButton(XButton* button, XEvent* event = nullptr);
 void PulldownButtonPress(XButton* button, XEvent* event);
+
+// With today's manners: Space, Return and Down open the menu.
+void PulldownButtonKeyPress(XButton* button, XEvent* event);
+void PulldownButtonFocus(XButton* button, XEvent* event);
 
 }  // namespace gromlit

@@ -13,16 +13,21 @@
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/focus.h"
+#include "toolkit/manners.h"
+#include "toolkit/tab_order.h"
 #include "toolkit/text.h"
+#include "toolkit/text_editor_hands.h"
 
 namespace gromlit {
 namespace {
 
-constexpr int kTextX = 4;
+constexpr int kTextX = kEditorTextX;
 constexpr int kBaseline = 16;
 constexpr int kCaretY = 4;
 constexpr int kCaretWidth = 7;
 constexpr int kCaretHeight = 16;
+constexpr int kCaretRoom = 15;  // pixels of the field's width that are not for text before a caret
+constexpr int kTextRoom = 8;    // and those that are not for text
 
 enum ControlKey {
   kCtrlA = 1,
@@ -33,18 +38,84 @@ enum ControlKey {
   kCtrlK = 11,
 };
 
-// Owners with a key handler of their own write to len and index.
-void KeepBounds(TextEditor* txt) {
-  txt->len = std::clamp(txt->len, 0, kEditorBuffer - 1);
-  txt->index = std::clamp(txt->index, 0, txt->len);
-}
-
 std::string_view TextOf(const TextEditor* txt) {
   return {txt->buffer, static_cast<size_t>(txt->len)};
 }
 
+// Width of the text between two of its bytes.
+int WidthOf(const TextEditor* txt, int from, int to) {
+  return TextWidth(txtFontinfo,
+                   TextOf(txt).substr(static_cast<size_t>(from), static_cast<size_t>(to - from)));
+}
+
+int LetterBefore(const TextEditor* txt, int at) {
+  return static_cast<int>(LetterStart(TextOf(txt), static_cast<size_t>(at) - 1));
+}
+
+int LetterBehind(const TextEditor* txt, int at) {
+  return static_cast<int>(LetterEnd(TextOf(txt), static_cast<size_t>(at)));
+}
+
+// Scrolls as little as it takes to have the caret in view, and back where there is room.
+void ScrollToCaret(TextEditor* txt) {
+  const int room = txt->width - kCaretRoom;
+  txt->first = std::min(txt->first, txt->index);
+  while (txt->first < txt->index && WidthOf(txt, txt->first, txt->index) > room) {
+    txt->first = LetterBehind(txt, txt->first);
+  }
+  while (txt->first > 0) {
+    const int before = LetterBefore(txt, txt->first);
+    if (WidthOf(txt, before, txt->len) > room) return;
+    txt->first = before;
+  }
+}
+
+// Owners with a key handler of their own write to len and index.
+void KeepBounds(TextEditor* txt) {
+  txt->len = std::clamp(txt->len, 0, kEditorBuffer - 1);
+  txt->index = std::clamp(txt->index, 0, txt->len);
+  if (!ModernManners()) {
+    txt->first = 0;
+    txt->anchor = txt->index;
+    return;
+  }
+  const auto within = [&](int at) {
+    at = std::clamp(at, 0, txt->len);
+    return static_cast<int>(LetterStart(TextOf(txt), static_cast<size_t>(at)));
+  };
+  txt->index = within(txt->index);
+  txt->anchor = txt->recordskeys != 0 ? txt->index : within(txt->anchor);
+  txt->first = within(txt->first);
+  ScrollToCaret(txt);
+}
+
+// What is seen of the text: with plain manners all of it, as far as it goes.
+std::string_view ShownText(const TextEditor* txt) {
+  if (!ModernManners()) return TextOf(txt);
+  int end = txt->len;
+  while (end > txt->first && WidthOf(txt, txt->first, end) > txt->width - kTextRoom) {
+    end = LetterBefore(txt, end);
+  }
+  return TextOf(txt).substr(static_cast<size_t>(txt->first), static_cast<size_t>(end - txt->first));
+}
+
 int CaretX(const TextEditor* txt) {
-  return TextWidth(txtFontinfo, {txt->buffer, static_cast<size_t>(txt->index)}) + 3;
+  return WidthOf(txt, txt->first, txt->index) + 3;
+}
+
+// The text, and what is selected of it inverted.
+void DrawLine(TextEditor* txt) {
+  XSetForeground(dpy, txt->gc, black.pixel);
+  const std::string_view shown = ShownText(txt);
+  DrawTextOnGround(txt->window, txt->gc, kTextX, kBaseline, shown);
+  if (txt->anchor == txt->index) return;
+  const int end = txt->first + static_cast<int>(shown.size());
+  const auto place = [&](int at) {
+    return kTextX + WidthOf(txt, txt->first, std::clamp(at, txt->first, end));
+  };
+  const int left = place(std::min(txt->anchor, txt->index));
+  const int right = place(std::max(txt->anchor, txt->index));
+  InvertRectangle(txt->window, txt->gc, left, kCaretY, right - left, kCaretHeight);
 }
 
 // Turns a hollow caret solid, and the other way round: an outline and a filled rectangle, both
@@ -64,6 +135,11 @@ void DrawFrame(TextEditor* txt, unsigned long pixel) {
   DrawOutline(txt->window, txt->gc, pixel, 0, 0, txt->width, kEditorHeight - 1);
 }
 
+// Whether the field shows that it has the keyboard, wherever the pointer is.
+bool ShowsFocus(const TextEditor* txt) {
+  return txt->focused != 0 && ModernManners();
+}
+
 void SetText(TextEditor* txt, const char* name) {
   // The text may be the field's own.
   const size_t length = name != nullptr ? strnlen(name, kEditorBuffer - 1) : 0;
@@ -71,6 +147,9 @@ void SetText(TextEditor* txt, const char* name) {
   std::memset(txt->buffer + length, 0, kEditorBuffer - length);
   txt->len = static_cast<int>(length);
   txt->index = txt->len;
+  txt->anchor = txt->index;
+  txt->first = 0;
+  ForgetPaste(txt);
 }
 
 // One letter to the left and to the right. None is typed that has more than one byte, but a name
@@ -173,21 +252,24 @@ TextEditor* MakeTextEditor(Window parent, int x, int y, int width, int height) {
   auto* txt = new TextEditor{};
   txt->width = width;
   txt->complete = txtNoComplete;
+  txt->limit = kEditorBuffer - 1;
   txt->caretx = CaretX(txt);
   XSetWindowAttributes more{};
   more.cursor = txtCursor;
-  // FocusChange tells of the focus that is lost because a window was unmapped (see focus.h).
-  txt->window = MakeChildWindow(parent, x, y, width, height, white.pixel,
-                                ExposureMask | EnterWindowMask | LeaveWindowMask | ButtonPressMask |
-                                    KeyPressMask | FocusChangeMask,
-                                CWCursor, more);
+  txt->window =
+      MakeChildWindow(parent, x, y, width, height, white.pixel, kEditorEvents, CWCursor, more);
   txt->gc = MakeWindowGC(txt->window, txtFont);
   txt->wobj = AllocWindowObj(txt->window, txt);
   On<Expose, DrawTextEditor>(txt);
   On<EnterNotify, TextEditorEnter>(txt);
   On<LeaveNotify, TextEditorLeave>(txt);
   On<KeyPress, TextEditorKeyPress>(txt);
+  On<FocusIn, TextEditorFocusIn>(txt);
   On<FocusOut, TextEditorFocusOut>(txt);
+  On<ButtonPress, TextEditorButtonDown>(txt);
+  On<MotionNotify, TextEditorDrag>(txt);
+  On<ButtonRelease, TextEditorButtonUp>(txt);
+  SetHandler(txt->wobj, KeyRelease, NoteKeyRelease);
   return txt;
 }
 
@@ -211,8 +293,7 @@ const char* TextEditorText(TextEditor* txt) {
 void RedrawTextEditorLine(TextEditor* txt) {
   KeepBounds(txt);
   FillRectangle(txt->window, txt->gc, white.pixel, 3, 3, txt->width, kEditorHeight - 4);
-  XSetForeground(dpy, txt->gc, black.pixel);
-  DrawTextOnGround(txt->window, txt->gc, kTextX, kBaseline, TextOf(txt));
+  DrawLine(txt);
   txt->caretx = CaretX(txt);
   InvertRectangle(txt->window, txt->gc, txt->caretx, kCaretY, kCaretWidth, kCaretHeight);
   txt->caret = kSolidCaret;
@@ -223,12 +304,11 @@ void DrawTextEditor(TextEditor* txt, XEvent*) {
   XClearWindow(dpy, txt->window);
   DrawOutline(txt->window, txt->gc, lgrey.pixel, 0, 0, txt->width - 1, kEditorHeight - 1);
   XDrawBevel(kSunken, txt->window, txt->gc, 1, 1, txt->width - 1, kEditorHeight - 1);
-  XSetForeground(dpy, txt->gc, black.pixel);
-  DrawTextOnGround(txt->window, txt->gc, kTextX, kBaseline, TextOf(txt));
+  DrawLine(txt);
   txt->caretx = CaretX(txt);
   InvertOutline(txt->window, txt->gc, txt->caretx, kCaretY, kCaretWidth, kCaretHeight);
   txt->caret = kHollowCaret;
-  if (txt->inside == 0) return;
+  if (txt->inside == 0 && !ShowsFocus(txt)) return;
   // Something that lay over the field went away, or the text was replaced, under the pointer.
   DrawFrame(txt, black.pixel);
   SetCaret(txt, kSolidCaret);
@@ -236,6 +316,7 @@ void DrawTextEditor(TextEditor* txt, XEvent*) {
 
 void TextEditorEnter(TextEditor* txt, XEvent*) {
   TakeFocus(txt->window);
+  if (ModernManners()) SelectDrags(txt);
   txt->inside = 1;
   DrawFrame(txt, black.pixel);
   SetCaret(txt, kSolidCaret);
@@ -243,6 +324,7 @@ void TextEditorEnter(TextEditor* txt, XEvent*) {
 
 void TextEditorLeave(TextEditor* txt, XEvent*) {
   txt->inside = 0;
+  if (ShowsFocus(txt)) return;
   DrawFrame(txt, lgrey.pixel);
   XSetForeground(dpy, txt->gc, black.pixel);
   SetCaret(txt, kHollowCaret);
@@ -250,6 +332,10 @@ void TextEditorLeave(TextEditor* txt, XEvent*) {
 
 void TextEditorKeyPress(TextEditor* txt, XEvent* event) {
   KeepBounds(txt);
+  if (ModernManners()) {
+    if (EditWithModernKey(txt, event)) RedrawTextEditorLine(txt);
+    return;
+  }
   char bytes[32];
   KeySym key = NoSymbol;
   const int count = LookupKey(&event->xkey, bytes, sizeof bytes, &key);
@@ -260,8 +346,22 @@ void TextEditorKeyPress(TextEditor* txt, XEvent* event) {
   RedrawTextEditorLine(txt);
 }
 
-void TextEditorFocusOut(TextEditor*, XEvent* event) {
+void TextEditorFocusIn(TextEditor* txt, XEvent* event) {
+  if (!IsFocusMove(event->xfocus)) return;
+  txt->focused = 1;
+  if (!ModernManners() || txt->inside != 0) return;
+  DrawFrame(txt, black.pixel);
+  SetCaret(txt, kSolidCaret);
+}
+
+void TextEditorFocusOut(TextEditor* txt, XEvent* event) {
   FocusLost(event->xfocus);
+  if (!IsFocusMove(event->xfocus)) return;
+  txt->focused = 0;
+  if (!ModernManners() || txt->inside != 0) return;
+  DrawFrame(txt, lgrey.pixel);
+  XSetForeground(dpy, txt->gc, black.pixel);
+  SetCaret(txt, kHollowCaret);
 }
 
 void txtNoComplete(TextEditor*) {}

@@ -1,5 +1,6 @@
 // The text field: one line of plain 7-bit text with a block caret. The pointer's entering gives it
-// the keyboard; there is nothing to click.
+// the keyboard; there is nothing to click. With today's manners there is: see text_editor_hands.h;
+// the text is scrolled so that the caret is seen, and the frame stays with the keyboard.
 //
 //   caret     event                       next     function
 //   hollow    pointer enters              solid    TextEditorEnter, which takes the focus
@@ -11,6 +12,8 @@
 // The focus frame is there while the pointer is inside.
 //
 // INV-EDITOR-1: 0 <= index <= len < kEditorBuffer.
+// INV-EDITOR-3: first, anchor and index lie where letters begin; with plain manners first is 0 and
+// anchor is index.
 // INV-EDITOR-2: caret and caretx tell what is on the screen, so that inverting it once more always
 // removes exactly that.
 #pragma once
@@ -24,6 +27,12 @@ namespace gromlit {
 inline constexpr int kEditorBuffer = 128;  // bytes of the text, its NUL included
 inline constexpr int kEditorTyped = 64;    // no key makes the text longer than this
 inline constexpr int kEditorHeight = 24;   // pixels; the drawing assumes it
+inline constexpr int kEditorTextX = 4;     // pixels; where the text begins
+
+// What a field is told of. FocusChange tells of the focus that is lost because a window was
+// unmapped (see focus.h).
+inline constexpr long kEditorEvents = ExposureMask | EnterWindowMask | LeaveWindowMask |
+                                      ButtonPressMask | KeyPressMask | FocusChangeMask;
 
 enum EditorCaret {
   kHollowCaret = 0,
@@ -45,6 +54,18 @@ struct TextEditor {
   int inside;                         // 1 while the pointer is in the field
   EditorCaret caret;                  // what is drawn, and at which x
   int caretx;
+  int focused;      // 1 while the field has the keyboard
+  int recordskeys;  // 1: an owner's key handler fills the field; no caret is put, nothing pasted
+
+  // With today's manners.
+  int limit;       // bytes that the text may have: what the record behind it holds
+  int first;       // byte that is shown leftmost
+  int anchor;      // the selection's other end; index when nothing is selected
+  int clicks;      // presses in one place so far, 1..3; 0: none
+  Time clicktime;  // of the last one, server time
+  int clickx;      // and its place, pixels
+  int draggable;   // 1: told of drags
+  int dragging;    // 1 while button 1 is down that was pressed here
 };
 
 // Makes a field, not mapped, with no text and txtNoComplete. Owners use kEditorHeight.
@@ -65,11 +86,12 @@ const char* TextEditorText(TextEditor* txt);
 // key handler of their own.
 void RedrawTextEditorLine(TextEditor* txt);
 
-// Handlers; only the key handler looks at its event.
+// Handlers; only those of keys and of the focus look at their event.
 void DrawTextEditor(TextEditor* txt, XEvent* event = nullptr);
 void TextEditorEnter(TextEditor* txt, XEvent* event);
 void TextEditorLeave(TextEditor* txt, XEvent* event);
 void TextEditorKeyPress(TextEditor* txt, XEvent* event);
+void TextEditorFocusIn(TextEditor* txt, XEvent* event);
 void TextEditorFocusOut(TextEditor* txt, XEvent* event);
 
 // The completion of a field whose owner set none: nothing.

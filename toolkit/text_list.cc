@@ -5,10 +5,15 @@
 #include <algorithm>
 #include <climits>
 #include <cstdint>
+#include <string_view>
 
 #include "display/display.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
+#include "toolkit/focus.h"
+#include "toolkit/list_keys.h"
+#include "toolkit/manners.h"
+#include "toolkit/tab_order.h"
 #include "toolkit/text.h"
 #include "toolkit/text_editor.h"
 
@@ -17,6 +22,7 @@ namespace {
 
 constexpr int kInset = 4;  // pixels from the edges to the lines
 constexpr int kTextX = 6;
+constexpr long kEvents = ExposureMask | ButtonPressMask | KeyPressMask | KeyReleaseMask;
 
 int VisibleLines(const XTextList* tl) {
   return tl->itemheight > 0 ? std::max(tl->height - 2 * kInset, 0) / tl->itemheight : 0;
@@ -38,6 +44,33 @@ void TurnListWheel(XTextList* tl, int rows) {
   if (tl->sb != nullptr) ScrollRows(tl->sb, rows);
 }
 
+// Lets the list have keys, or no more, as the manners are now.
+void FollowManners(XTextList* tl) {
+  const int before = tl->keys;
+  AskForKeys(tl->window, kEvents, &tl->keys);
+  if (tl->keys == before) return;
+  if (tl->keys != 0) {
+    On<KeyPress, TextListKeyPress>(tl);
+    // By its handler it is known that Tab may stop here.
+    On<FocusIn, TextListFocus>(tl);
+    On<FocusOut, TextListFocus>(tl);
+  } else {
+    SetHandler(tl->wobj, KeyPress, NoHandler);
+    SetHandler(tl->wobj, FocusIn, NoHandler);
+  }
+}
+
+// Selects a line and shows that.
+void PickLine(XTextList* tl, int picked) {
+  if (picked >= tl->nitems || picked == tl->selected) return;
+  const int former = tl->selected - tl->top;
+  if (former >= 0 && former < tl->visible && tl->selected < tl->nitems) InvertRow(tl, former);
+  tl->selected = picked;
+  const int row = picked - tl->top;
+  if (row >= 0 && row < tl->visible) InvertRow(tl, row);
+  if (tl->select != nullptr) tl->select(tl->selectarg, tl->items[picked]);
+}
+
 void Refresh(XTextList* tl) {
   if (tl->sb != nullptr) {
     tl->sb->row = tl->itemheight;
@@ -56,8 +89,7 @@ XTextList* MakeTextList(Window parent, int x, int y, int width, int height, XFon
   tl->selected = -1;
   tl->fontinfo = fontinfo;
   tl->itemheight = fontinfo->max_bounds.ascent + fontinfo->max_bounds.descent;
-  tl->window = MakeChildWindow(parent, x, y, width, height, white.pixel,
-                               ExposureMask | ButtonPressMask | KeyPressMask | KeyReleaseMask);
+  tl->window = MakeChildWindow(parent, x, y, width, height, white.pixel, kEvents);
   tl->gc = MakeWindowGC(tl->window, fontinfo->fid);
   tl->wobj = AllocWindowObj(tl->window, tl);
   On<Expose, DrawTextList>(tl);
@@ -88,9 +120,14 @@ void ListScrollUp(XTextList* tl, int ypos) {
 }
 
 void DrawTextList(XTextList* tl, XEvent*) {
+  FollowManners(tl);
   FillRectangle(tl->window, tl->gc, white.pixel, 0, 0, tl->width, tl->height);
   DrawOutline(tl->window, tl->gc, lgrey.pixel, 0, 0, tl->width, tl->height);
   XDrawBevel(kSunken, tl->window, tl->gc, 1, 1, tl->width - 1, tl->height - 1);
+  if (tl->focused != 0 && ModernManners()) {
+    DrawOutline(tl->window, tl->gc, dgrey.pixel, kInset, kInset - 1, tl->width - 2 * kInset,
+                tl->height - 2 * kInset + 1);
+  }
   XSetForeground(dpy, tl->gc, black.pixel);
   const int rows = std::min(tl->visible, tl->nitems - tl->top);
   for (int row = 0; row < rows; row++) {
@@ -104,16 +141,47 @@ void DrawTextList(XTextList* tl, XEvent*) {
 
 void TextListClick(XTextList* tl, XEvent* event) {
   if (tl->itemheight <= 0) return;
+  FollowManners(tl);
+  if (tl->keys != 0) TakeFocus(tl->window);
   const int row = (event->xbutton.y - kInset) / tl->itemheight;
   // Above the list, or in the strip at the bottom that is too low for another line.
   if (row < 0 || row >= tl->visible) return;
   const int picked = tl->top + row;
-  if (picked >= tl->nitems || picked == tl->selected) return;
-  const int former = tl->selected - tl->top;
-  if (former >= 0 && former < tl->visible && tl->selected < tl->nitems) InvertRow(tl, former);
-  tl->selected = picked;
-  InvertRow(tl, row);
-  if (tl->select != nullptr) tl->select(tl->selectarg, tl->items[picked]);
+  PickLine(tl, picked);
+}
+
+void TextListKeyPress(XTextList* tl, XEvent* event) {
+  if (!ModernManners()) return;
+  char bytes[32];
+  KeySym key;
+  const int count = LookupKey(&event->xkey, bytes, sizeof bytes, &key);
+  const ListGrid lines = {tl->nitems, 1, tl->visible, tl->top};
+  int to = MovedByKey(key, tl->selected, lines);
+  if (to < 0 && TakeLetter(&tl->ahead, event->xkey, {bytes, static_cast<size_t>(count)})) {
+    to = FirstTyped(tl->ahead, tl->nitems, [&](int i) {
+      return std::string_view(tl->items[i] != nullptr ? tl->items[i] : "");
+    });
+    if (to < 0) return;
+  }
+  if (to < 0) {
+    HandKeyUp(tl->window, event);
+    return;
+  }
+  if (const int rows = RowsToSee(to, lines); rows != 0) {
+    if (tl->sb != nullptr) {
+      ScrollRows(tl->sb, rows);
+    } else {
+      SetTextListTop(tl, tl->top + rows);
+    }
+  }
+  PickLine(tl, to);
+}
+
+void TextListFocus(XTextList* tl, XEvent* event) {
+  if (event->type == FocusOut) FocusLost(event->xfocus);
+  if (!IsFocusMove(event->xfocus)) return;
+  tl->focused = event->type == FocusIn ? 1 : 0;
+  DrawTextList(tl);
 }
 
 void ListKeyPress(XTextList*, XEvent* event) {

@@ -1,4 +1,6 @@
-// A list of text lines of which one may be selected. Lists have no keyboard control.
+// A list of text lines of which one may be selected. With today's manners it can be typed at: the
+// first letters of a line select it, arrows, Home, End and the page keys move the selection, and a
+// click gives the list the keyboard. Plain ones have no keyboard control.
 //
 // INV-LIST-1: 0 <= top <= nitems and -1 <= selected, visible >= 0. Nothing at or beyond nitems is
 // ever read; a selected line beyond it, which owners may set before they raise the count, is not
@@ -8,6 +10,7 @@
 #include <X11/Xlib.h>
 
 #include "toolkit/scrollbar.h"
+#include "toolkit/type_ahead.h"
 #include "toolkit/window_object.h"
 
 namespace gromlit {
@@ -28,6 +31,9 @@ struct XTextList {
   XFontStruct* fontinfo;
   void* selectarg;                              // the owner's
   void (*select)(void* arg, const char* item);  // another line was picked; or null
+  TypeAhead ahead;
+  int keys;     // whether it asks for its focus, too; see AskForKeys
+  int focused;  // whether it has the keyboard, which a dark frame shows
 };
 
 // Makes an empty list, not mapped.
@@ -48,6 +54,10 @@ void ListScrollUp(XTextList* tl, int ypos);
 // Handlers; the drawing does not look at its event. Every press counts, of any mouse button.
 void DrawTextList(XTextList* tl, XEvent* event = nullptr);
 void TextListClick(XTextList* tl, XEvent* event);
+
+// Keys with today's manners; one that the list has no use for goes to the window that it lies in.
+void TextListKeyPress(XTextList* tl, XEvent* event);
+void TextListFocus(XTextList* tl, XEvent* event);
 
 // Recognises Up and Down and does nothing with them; installed on no list.
 void ListKeyPress(XTextList* tl, XEvent* event);

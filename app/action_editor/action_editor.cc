@@ -22,6 +22,7 @@
 #include "recognition/signature_match.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
+#include "toolkit/manners.h"
 #include "toolkit/text.h"
 
 namespace gromlit {
@@ -265,6 +266,11 @@ void MakeActionEditorButtons(ActionEditor* editor) {
 void MakeNameAndSymbol(ActionEditor* editor) {
   editor->txt = MakeTextEditor(editor->window, NameX(editor), kTop, kNameWidth, kEditorHeight);
   editor->txt->owner = editor;
+  editor->txt->limit = sizeof(GromlitAction::name) - 1;
+  // End completes with plain manners, too.
+  editor->txt->complete = [](TextEditor*) {
+    if (ModernManners()) actClickSave(nullptr);
+  };
   XMapWindow(dpy, editor->txt->window);
   editor->icon = MakeIconWindow(editor->window, SymbolX(editor), kTop, &editor->action.sym, editor);
   editor->icon->action = actSelectSymbol;

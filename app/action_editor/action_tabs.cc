@@ -12,6 +12,7 @@
 #include "display/display.h"
 #include "display/scale.h"
 #include "toolkit/bevel.h"
+#include "toolkit/manners.h"
 #include "toolkit/pulldown_button.h"
 #include "toolkit/text.h"
 
@@ -62,6 +63,7 @@ void ShowPage(XTabBar* tbar, ActionTab* tab, int clear, const TabPage& page) {
     ClearTabField(tab);
     if (page.checkbox != nullptr) tab->checkbox->state = 0;
   }
+  tab->ed->recordskeys = page.hotkeys ? 1 : 0;
   if (page.hotkeys) {
     On<KeyPress, ActionHotKeyPress>(tab->ed);
   } else {
@@ -106,6 +108,16 @@ XTabBar* MakeActionTabBar(Window parent, int x, int y, int width, int height) {
   const int inner = tbar->width - 2 * kMargin;
   tab->ed = MakeTextEditor(tbar->window, kMargin, kFieldY, inner, kEditorHeight);
   tab->ed->owner = tab;
+  tab->ed->recordskeys = 1;
+  // What is typed goes into the list, which OK of the window saves.
+  tab->ed->complete = [](TextEditor*) {
+    if (!ModernManners()) return;
+    if (act->lst->selected >= 0) {
+      tabcmdUpdate(nullptr);
+    } else {
+      tabcmdAdd(nullptr);
+    }
+  };
   On<KeyPress, ActionHotKeyPress>(tab->ed);
   tab->checkbox = MakeCheckBox(tab, tbar->window, actClickFilebox, kMargin, kCheckBoxY);
   tab->checkbox->state = 0;

@@ -1,5 +1,7 @@
 #include "app/main_window/gromlit_app.h"
 
+#include <X11/keysym.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <string_view>
@@ -8,10 +10,15 @@
 #include "app/windows/symbol_big_icon.h"
 #include "core/strings.h"
 #include "display/display.h"
+#include "display/scale.h"
 #include "toolkit/bevel.h"
+#include "toolkit/list_keys.h"
+#include "toolkit/manners.h"
 #include "toolkit/menu.h"
+#include "toolkit/menu_bar.h"
 #include "toolkit/press_time.h"
 #include "toolkit/scrollbar.h"
+#include "toolkit/text_editor.h"
 
 namespace gromlit {
 
@@ -77,6 +84,35 @@ void ClickAction(GromlitApp* gromlit, int n, bool twice) {
   InvertHighlight(gromlit, gromlit->selected);
 }
 
+// --- Keys -------------------------------------------------------------------------------------
+
+// The popup in the middle of the selected action's icon; without one at the grid's beginning.
+void PopUpByKey(GromlitApp* gromlit) {
+  const int cell = gromlit->selected - gromlit->icontop;
+  const bool seen = gromlit->selected >= 0 && cell >= 0 && cell < gromlit->ncols * gromlit->nrows;
+  const int at = seen ? cell : 0;
+  int x;
+  int y;
+  ScaledTranslate(
+      gromlit->window, root,
+      gromlit->iconx + at % gromlit->ncols * GridCellWidth(gromlit) + gromlit->iconwidth / 2,
+      gromlit->icony + at / gromlit->ncols * GridCellHeight(gromlit) + kCellMargin +
+          gromlit->iconheight / 2,
+      &x, &y, &child);
+  PopUpMenuGrabbed(x, y, gromlit->popup);
+}
+
+// False when the key does not move the selection.
+bool MoveSelection(GromlitApp* gromlit, KeySym key) {
+  const ListGrid grid = {std::min(gromlit->nicons, CountActions(gromlit->plugin)), gromlit->ncols,
+                         gromlit->nrows, gromlit->icontop};
+  const int to = MovedByKey(key, gromlit->selected, grid);
+  if (to < 0) return false;
+  if (const int rows = RowsToSee(to, grid); rows != 0) ScrollRows(gromlit->sbar, rows);
+  if (to != gromlit->selected) ClickAction(gromlit, to, false);
+  return true;
+}
+
 }  // namespace
 
 int GridCellWidth(const GromlitApp* gromlit) {
@@ -134,7 +170,41 @@ void GromlitIconScroll(GromlitApp* gromlit, int ypos) {
   DrawGromlitApp(gromlit);
 }
 
+void FollowMannersInApp(GromlitApp* gromlit) {
+  AskForKeys(gromlit->window, kGromlitAppEvents, &gromlit->keys);
+}
+
+void GromlitAppKeyPress(GromlitApp* gromlit, XEvent* event) {
+  if (!ModernManners()) return;
+  char bytes[32];
+  KeySym key;
+  LookupKey(&event->xkey, bytes, sizeof bytes, &key);
+  const bool shifted = (event->xkey.state & ShiftMask) != 0;
+  const bool altered = (event->xkey.state & (ControlMask | Mod1Mask)) != 0;
+  if (altered) {
+    gromlit->otherkeys(gromlit, event);
+    return;
+  }
+  if (key == XK_F10 && !shifted) {
+    MenuBarOpenByHand(gromlit->mbar, 0, nullptr);
+    return;
+  }
+  if (gromlit->drawn != gromlit->plugin) {
+    // As for a press: nothing is done to what the user does not see.
+    DrawGromlitApp(gromlit);
+    return;
+  }
+  if (key == XK_Menu || key == XK_F10) {
+    PopUpByKey(gromlit);
+  } else if (IsChoosingKey(key) && gromlit->selected >= 0) {
+    gromlit->edit(nullptr, gromlit);
+  } else if (!MoveSelection(gromlit, key)) {
+    gromlit->otherkeys(gromlit, event);
+  }
+}
+
 void ExposeGromlitApp(GromlitApp* gromlit, XEvent* event) {
+  FollowMannersInApp(gromlit);
   if (event->xexpose.count == 0) DrawGromlitApp(gromlit);
 }
 
@@ -156,15 +226,21 @@ void GromlitAppButtonPress(GromlitApp* gromlit, XEvent* event) {
     ClickAction(gromlit, n, twice);
     if (twice) gromlit->edit(nullptr, gromlit);
   } else if (press.button == Button3) {
-    PopUpMenuGrabbed(press.x_root, press.y_root, gromlit->popup);
+    PopUpMenuGrabbed(press.x_root, press.y_root, gromlit->popup, &press);
   }
+}
+
+void GromlitAppEnter(GromlitApp* gromlit, XEvent*) {
+  FollowMannersInApp(gromlit);
+}
+
+void GromlitAppLeave(GromlitApp* gromlit, XEvent*) {
+  FollowMannersInApp(gromlit);
 }
 
 // The window asks for these events for traces only.
 void GromlitAppButtonRelease(GromlitApp*, XEvent*) {}
 void GromlitAppMotionNotify(GromlitApp*, XEvent*) {}
-void GromlitAppEnter(GromlitApp*, XEvent*) {}
-void GromlitAppLeave(GromlitApp*, XEvent*) {}
 void GromlitAppResizeNotify(GromlitApp*, XEvent*) {}
 
 }  // namespace gromlit

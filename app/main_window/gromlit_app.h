@@ -10,6 +10,13 @@
 //   1, double        an action                that action                 `edit`
 //   1                beside the actions       as before                   -
 //   3                anywhere                 as before                   popup opens
+//
+// With today's manners keys do as much:
+//
+//   arrows, Home, End, Page_Up, Page_Down       move the selection
+//   Return                                      `edit`, when an action is selected
+//   F10                                         opens the first menu of the menu bar
+//   Menu, Shift-F10                             opens the popup at the selected action
 #pragma once
 
 #include <X11/Xlib.h>
@@ -63,7 +70,9 @@ struct GromlitApp {
   int resting;            // non-zero from then on until the pointer moves; it was at
   int restx;              // (restx, resty) of the root window
   int resty;
-  Window leftframe;  // top-level window that it was in and has not left since; None for none
+  int keys;                // whether the window asks for keys; see AskForKeys
+  EventHandler otherkeys;  // takes the keys that mean nothing here
+  Window leftframe;        // top-level window that it was in and has not left since; None for none
 };
 
 extern GromlitApp* app;
@@ -90,6 +99,10 @@ void UpdateGromlitScrollRange();
 // shown. Redraws only when that is another row than before.
 void GromlitIconScroll(GromlitApp* gromlit, int ypos);
 
+// What the main window asks for besides its keys.
+inline constexpr long kGromlitAppEvents =
+    ExposureMask | EnterWindowMask | LeaveWindowMask | ButtonPressMask;
+
 // Handlers. The last event of an exposure stands for all of it: everything is drawn anew. What does
 // nothing is asked for traces only.
 void ExposeGromlitApp(GromlitApp* gromlit, XEvent* event);
@@ -99,5 +112,10 @@ void GromlitAppMotionNotify(GromlitApp* gromlit, XEvent* event);
 void GromlitAppEnter(GromlitApp* gromlit, XEvent* event);
 void GromlitAppLeave(GromlitApp* gromlit, XEvent* event);
 void GromlitAppResizeNotify(GromlitApp* gromlit, XEvent* event);
+void GromlitAppKeyPress(GromlitApp* gromlit, XEvent* event);
+
+// Asks for the window's keys, or no more, as the manners are now. Its handlers do; to be called
+// besides when the manners have changed.
+void FollowMannersInApp(GromlitApp* gromlit);
 
 }  // namespace gromlit

@@ -11,6 +11,7 @@
 #include "display/scale.h"
 #include "display/window_manager.h"
 #include "toolkit/child_window.h"
+#include "toolkit/dialog.h"
 #include "toolkit/image.h"
 #include "toolkit/logo.h"
 #include "toolkit/menu.h"
@@ -26,9 +27,8 @@ constexpr int kBorder = 4;
 constexpr int kIconWidth = 64;
 
 void MakeWindow(GromlitApp* gromlit) {
-  gromlit->window =
-      CreateTopLevel(gromlit->width, gromlit->height,
-                     ExposureMask | EnterWindowMask | LeaveWindowMask | ButtonPressMask);
+  gromlit->window = CreateTopLevel(gromlit->width, gromlit->height, kGromlitAppEvents);
+  dialogowner = gromlit->window;
   gromlit->mbar = MakeGromlitMenuBar(gromlit, gromlit->window, 0, 0, gromlit->width);
   XMapWindow(dpy, gromlit->mbar->window);
   gromlit->height += gromlit->mbar->height;
@@ -115,6 +115,13 @@ GromlitApp* MakeGromlitApp(int ncols, int nrows) {
   On<ButtonPress, GromlitAppButtonPress>(gromlit);
   On<MotionNotify, GromlitAppMotionNotify>(gromlit);
   On<ResizeRequest, GromlitAppResizeNotify>(gromlit);
+  gromlit->otherkeys = gromlit->wobj->eh[KeyPress];
+  On<KeyPress, GromlitAppKeyPress>(gromlit);
+  // The bar asks for keys, so that those pressed over it come to it.
+  gromlit->mbar->keyarg = gromlit;
+  gromlit->mbar->key = [](void* arg, XEvent* event) {
+    GromlitAppKeyPress(static_cast<GromlitApp*>(arg), event);
+  };
   OnWheel<TurnGridWheel>(gromlit);
   showWindow = gromlit->window;
   return gromlit;

@@ -18,10 +18,11 @@ inline constexpr const char* labelMenuMore = "more...";
 // The labels are the plug-ins' appnames themselves: records leave allPlugins but are not released,
 // and whoever changes an appname builds the menu anew, because widths are measured here.
 //
-// Each menu of the chain opens to the right of the one before, and one that begins beyond the
-// screen cannot be reached. On a screen 1,920 pixels wide, with the main window at its left edge,
-// all of 200 plug-ins can be chosen while their names are at most 175 pixels wide (some 28
-// letters); of plug-ins with names of 63 wide letters 57 can.
+// With plain manners each menu of the chain opens to the right of the one before, and one that
+// begins beyond the screen cannot be reached; with today's all can, whatever the names' width. On a
+// screen 1,920 pixels wide, with the main window at its left edge, all of 200 plug-ins can be
+// chosen while their names are at most 175 pixels wide (some 28 letters); of plug-ins with names of
+// 63 wide letters 57 can.
 XMenu* MakePluginsMenu();
 
 // MakePluginsMenu, hung on the main window's pulldown button. To be called whenever allPlugins or

@@ -18,6 +18,7 @@
 #include "display/draw_button.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
+#include "toolkit/manners.h"
 #include "toolkit/pulldown_button.h"
 #include "toolkit/text.h"
 
@@ -133,6 +134,10 @@ XButton* MakeDrawTolerancePulldown(int x, int y) {
 TextEditor* MakeField(UserOptions* options, int y, int width) {
   TextEditor* field = MakeTextEditor(options->window, kMargin, y, width, kEditorHeight);
   field->owner = options;
+  // End completes with plain manners, too.
+  field->complete = [](TextEditor*) {
+    if (ModernManners()) optClickSave(nullptr);
+  };
   XMapWindow(dpy, field->window);
   return field;
 }
@@ -174,6 +179,7 @@ void CreateUserOptions() {
   opt->dosplash = MakeCheckBox(opt, opt->window, optClickDoSplash, kMargin, txtCharht + 180);
   opt->snd = MakeField(opt, 3 * txtCharht + 196, kCommandWidth);
   opt->url = MakeField(opt, 3 * txtCharht + 244, kCommandWidth);
+  opt->snd->limit = sizeof(GromlitUserOptions::sndcmd) - 1;
   CreateMoreOptions(&opt->usr);
 }
 

@@ -11,8 +11,13 @@
 #include "display/display.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
+#include "toolkit/focus.h"
+#include "toolkit/list_keys.h"
+#include "toolkit/manners.h"
 #include "toolkit/press_time.h"
+#include "toolkit/tab_order.h"
 #include "toolkit/text.h"
+#include "toolkit/text_editor.h"
 
 namespace gromlit {
 
@@ -30,6 +35,7 @@ constexpr int kIconWidth = 64;
 constexpr int kCellGap = 8;
 constexpr int kBitmapX = 24;            // from the left edge of a column to the icon
 constexpr uint32_t kDoubleClick = 500;  // milliseconds
+constexpr long kEvents = ExposureMask | ButtonPressMask | ButtonReleaseMask;
 
 int CellWidth(const SymbolDisplay* sd) {
   return sd->iconwidth + kCellGap;
@@ -117,6 +123,12 @@ void DrawUnlisted(SymbolDisplay* sd) {
   }
 }
 
+// The frame on the border that shows that keys come here, or takes it away.
+void DrawFocus(SymbolDisplay* sd) {
+  DrawOutline(sd->window, sd->gc, sd->focused != 0 && ModernManners() ? dgrey.pixel : lgrey.pixel,
+              1, 1, sd->width - 3, sd->height - 3);
+}
+
 void DrawGrid(SymbolDisplay* sd) {
   XClearWindow(dpy, sd->window);
   FillRectangle(sd->window, sd->gc, white.pixel, kBorder, kBorder, sd->width - 2 * kBorder,
@@ -125,6 +137,7 @@ void DrawGrid(SymbolDisplay* sd) {
              sd->height - 2 * kBorder);
   DrawSymbols(sd);
   DrawUnlisted(sd);
+  if (sd->focused != 0) DrawFocus(sd);
   if (sd->selected >= 0) InvertCell(sd, sd->selected);
 }
 
@@ -143,8 +156,37 @@ void TurnDisplayWheel(SymbolDisplay* sd, int rows) {
   ScrollRows(sd->sbar, rows);
 }
 
+// Moves the highlight to another symbol.
+void SelectCell(SymbolDisplay* sd, int index) {
+  if (sd->selected >= 0) InvertCell(sd, sd->selected);
+  sd->selected = index;
+  InvertCell(sd, index);
+}
+
 void ScrollGrid(void* arg, int offset) {
   ScrollSymbolDisplay(static_cast<SymbolDisplay*>(arg), offset);
+}
+
+// False when the chooser has no use for the key.
+bool TakeKey(SymbolDisplay* sd, XKeyEvent* key) {
+  char bytes[32];
+  KeySym sym;
+  const int count = LookupKey(key, bytes, sizeof bytes, &sym);
+  if (IsChoosingKey(sym)) {
+    if (SelectedSymbol(sd) == nullptr) return false;
+    sd->done(sd->donearg);
+    return true;
+  }
+  const ListGrid cells = {sd->count, sd->ncols, sd->nrows, sd->top};
+  int to = MovedByKey(sym, sd->selected, cells);
+  if (to < 0) {
+    if (!TakeLetter(&sd->ahead, *key, {bytes, static_cast<size_t>(count)})) return false;
+    to = FirstTyped(sd->ahead, sd->count, [&](int i) { return FieldText(sd->syms[i]->name); });
+  }
+  if (to < 0 || to == sd->selected) return true;
+  if (const int rows = RowsToSee(to, cells); rows != 0) ScrollRows(sd->sbar, rows);
+  SelectCell(sd, to);
+  return true;
 }
 
 }  // namespace
@@ -172,9 +214,8 @@ SymbolDisplay* MakeSymbolDisplay(Window parent, int x, int y, void (*done)(void*
   sd->height = SymbolCellHeight(sd) * kRows + 8;
   XSetWindowAttributes more{};
   more.backing_store = WhenMapped;
-  sd->window =
-      MakeChildWindow(parent, x, y, sd->width, sd->height, lgrey.pixel,
-                      ExposureMask | ButtonPressMask | ButtonReleaseMask, CWBackingStore, more);
+  sd->window = MakeChildWindow(parent, x, y, sd->width, sd->height, lgrey.pixel, kEvents,
+                               CWBackingStore, more);
   sd->gc = MakeWindowGC(sd->window, txtFont);
   sd->wobj = AllocWindowObj(sd->window, sd);
   sd->sbar = MakeScrollbar(sd->window, sd->width - kScrollbarWidth - kBorder, kBorder,
@@ -187,11 +228,17 @@ SymbolDisplay* MakeSymbolDisplay(Window parent, int x, int y, void (*done)(void*
   On<Expose, DrawSymbolDisplay>(sd);
   On<ButtonPress, SymbolDisplayButtonPress>(sd);
   On<ButtonRelease, SymbolDisplayButtonRelease>(sd);
+  On<KeyPress, SymbolDisplayKeyPress>(sd);
+  SetHandler(sd->wobj, KeyRelease, NoteKeyRelease);
+  // By its handler it is known that Tab may stop here.
+  On<FocusIn, SymbolDisplayFocus>(sd);
+  On<FocusOut, SymbolDisplayFocus>(sd);
   OnWheel<TurnDisplayWheel>(sd);
   return sd;
 }
 
 void DrawSymbolDisplay(SymbolDisplay* sd, XEvent*) {
+  AskForKeys(sd->window, kEvents, &sd->keys);
   ReadSymbols(sd);
   // The scrollbar may find that less is left to scroll and bring another top, which has to be known
   // before anything is drawn: a highlight drawn twice is gone.
@@ -214,14 +261,14 @@ void SymbolDisplayButtonPress(SymbolDisplay* sd, XEvent* event) {
   const uint32_t now = PressTime(event->xbutton);
   const bool twice = now - static_cast<uint32_t>(SymLastClick) < kDoubleClick;
   SymLastClick = static_cast<int>(now);
+  AskForKeys(sd->window, kEvents, &sd->keys);
+  if (sd->keys != 0) TakeFocus(sd->window);
   sd->chosen = 0;
   if (event->xbutton.button != Button1) return;
   const int index = SymbolAt(sd, event->xbutton.x, event->xbutton.y);
   if (index < 0) return;
   if (index != sd->selected) {
-    if (sd->selected >= 0) InvertCell(sd, sd->selected);
-    sd->selected = index;
-    InvertCell(sd, index);
+    SelectCell(sd, index);
   } else if (!twice) {
     sd->selected = -1;
     InvertCell(sd, index);
@@ -233,6 +280,17 @@ void SymbolDisplayButtonRelease(SymbolDisplay* sd, XEvent* event) {
   if (sd->chosen == 0 || event->xbutton.button != Button1) return;
   sd->chosen = 0;
   sd->done(sd->donearg);
+}
+
+void SymbolDisplayKeyPress(SymbolDisplay* sd, XEvent* event) {
+  if (ModernManners() && !TakeKey(sd, &event->xkey)) HandKeyUp(sd->window, event);
+}
+
+void SymbolDisplayFocus(SymbolDisplay* sd, XEvent* event) {
+  if (event->type == FocusOut) FocusLost(event->xfocus);
+  if (!IsFocusMove(event->xfocus)) return;
+  sd->focused = event->type == FocusIn ? 1 : 0;
+  DrawFocus(sd);
 }
 
 }  // namespace gromlit

@@ -12,6 +12,10 @@
 // `done`, which is the OK of the dialog around the chooser, waits for the release, as the OK button
 // does: a release that comes when the dialog is gone would go to the widget below it.
 //
+// With today's manners it is worked by keys, too: arrows, Home, End and the page keys move the
+// selection, the first letters of a name select it, Return on the selected symbol is `done`. A
+// press gives it the keyboard, as Tab does, and the dialog around it when it comes up.
+//
 // When the library holds more symbols than can be listed, a row behind the last one says how many
 // are missing.
 #pragma once
@@ -20,6 +24,7 @@
 
 #include "core/gromlit.h"
 #include "toolkit/scrollbar.h"
+#include "toolkit/type_ahead.h"
 #include "toolkit/window_object.h"
 
 namespace gromlit {
@@ -54,6 +59,9 @@ struct SymbolDisplay {
   void (*done)(void* arg);  // called when a symbol was chosen by a double click
   void* donearg;
   int measuring;  // 1 while the scrollbar learns its range, so that its callback does not draw
+  TypeAhead ahead;
+  int keys;     // whether it asks for keys; see AskForKeys
+  int focused;  // whether it has the keyboard, which a frame shows
 };
 
 // Server time of the last press in the chooser, milliseconds, as the 32 bits of it.
@@ -74,6 +82,8 @@ void ScrollSymbolDisplay(SymbolDisplay* sd, int pos);
 // Handlers.
 void SymbolDisplayButtonPress(SymbolDisplay* sd, XEvent* event);
 void SymbolDisplayButtonRelease(SymbolDisplay* sd, XEvent* event);
+void SymbolDisplayKeyPress(SymbolDisplay* sd, XEvent* event);
+void SymbolDisplayFocus(SymbolDisplay* sd, XEvent* event);
 
 // The selected symbol; null when none is.
 GromlitSymbol* SelectedSymbol(const SymbolDisplay* sd);

@@ -82,6 +82,7 @@ void CreateSymbolEditor() {
   editor->txt =
       MakeTextEditor(editor->window, kSymbolWorkX, kSymbolWorkY, kNameWidth, kEditorHeight);
   editor->txt->complete = txtSaveSymbol;
+  editor->txt->limit = kNameSize - 1;
   editor->txt->owner = editor;
   XMapWindow(dpy, editor->txt->window);
 

@@ -120,11 +120,10 @@ void OpenTrayMenu(int x, int y) {
     RemakeMenu(trayicon->menu, labelFontinfo, items.data(), nitems);
   }
   // Trays lie at the edges.
-  const XRectangle area = MonitorAt(x, y);
-  PopUpMenuGrabbed(
-      Along(Logical(x), trayicon->menu->width, Logical(area.x), Logical(area.x + area.width)),
-      Along(Logical(y), trayicon->menu->height, Logical(area.y), Logical(area.y + area.height)),
-      trayicon->menu);
+  const XRectangle area = LogicalArea(MonitorAt(x, y));
+  PopUpMenuGrabbed(Along(Logical(x), trayicon->menu->width, area.x, area.x + area.width),
+                   Along(Logical(y), trayicon->menu->height, area.y, area.y + area.height),
+                   trayicon->menu);
 }
 
 void NoteEntered(const Target& entered, Window rootchild) {

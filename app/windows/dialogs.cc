@@ -79,6 +79,7 @@ void MakeAboutDialog() {
 
 void MakeConfirmDialog() {
   confirm = MakeDialog("Confirm", ConfirmDeleteSymbolMsg, DialogYes, 0, 0);
+  confirm->careful = 1;
 }
 
 void MakeEditNameDialog(void (*yesfn)(XDialog* dlog)) {
@@ -87,6 +88,7 @@ void MakeEditNameDialog(void (*yesfn)(XDialog* dlog)) {
   TextEditor* txt = MakeTextEditor(editname->window, 50, logoImage->height + txtCharht + 16 + 8,
                                    200, kEditorHeight);
   editname->child = txt;
+  txt->limit = sizeof(GromlitPlugin::appname) - 1;
   XMapWindow(dpy, txt->window);
 }
 

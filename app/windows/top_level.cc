@@ -4,11 +4,15 @@
 #include <X11/Xutil.h>
 
 #include <cstring>
+#include <string>
 
 #include "display/display.h"
 #include "display/scale.h"
 #include "display/x_handles.h"
 #include "toolkit/child_window.h"
+#include "toolkit/manners.h"
+#include "toolkit/tab_order.h"
+#include "toolkit/window_hints.h"
 
 namespace gromlit {
 namespace {
@@ -27,6 +31,16 @@ XTextProperty StringProperty(const char* text) {
   property.format = 8;
   property.nitems = std::strlen(text);
   return property;
+}
+
+// Today's manners: tells desktops what they want to know, and asks for the keys.
+void Introduce(Window window) {
+  if (!ModernManners()) return;
+  char* name = nullptr;
+  XFetchName(dpy, window, &name);
+  const XData<char> title(name);
+  DescribeWindow(window, name != nullptr ? name : "", WindowKind::kNormal);
+  SelectKeys(window);
 }
 
 }  // namespace
@@ -73,18 +87,22 @@ Window MakeEditorWindow(const WindowIdentity& identity) {
 WindowObj* AllocTopLevelObj(Window window, void* owner) {
   WindowObj* wobj = AllocWindowObj(window, owner);
   SetHandler(wobj, ClientMessage, WMClientMessage);
+  SetHandler(wobj, KeyPress, TopLevelKeyPress);
   return wobj;
 }
 
 void ShowTopLevel(Window window) {
+  Introduce(window);
   XMapRaised(dpy, window);
 }
 
 void MapTopLevel(Window window) {
+  Introduce(window);
   XMapWindow(dpy, window);
 }
 
 void ShowTopLevelAnew(Window window) {
+  Introduce(window);
   XMapRaised(dpy, window);
   ExposeAll(window);
 }

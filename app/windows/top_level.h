@@ -35,7 +35,8 @@ Window MakeEditorWindow(const WindowIdentity& identity);
 // manager closes it.
 WindowObj* AllocTopLevelObj(Window window, void* owner);
 
-// Shows a window above all others; MapTopLevel where it lies.
+// Shows a window above all others; MapTopLevel where it lies. With today's manners it is described
+// to desktops first (window_hints.h), and takes Tab.
 void ShowTopLevel(Window window);
 void MapTopLevel(Window window);
 

@@ -1,6 +1,9 @@
 // The main window's menus on the built program, entry by entry, and the dialogs behind them.
 #include "tests/e2e/front_end.h"
 
+#include <csignal>
+
+#include "core/option_files.h"
 #include "core/plugin_files.h"
 
 namespace gromlit {
@@ -315,6 +318,95 @@ TEST_P(MenusTest, TheOffersYesOpensTheDownloadPageOfTheClass) {
   Draw(kDrawRight);
   DialogLeft();
   EXPECT_TRUE(Records("&c=" + std::string(kClass) + "\"]"));
+}
+
+// --- Today's manners --------------------------------------------------------------------------
+
+class ModernMenusTest : public testing::FrontEnd {
+ protected:
+  void SetUp() override {
+    FrontEnd::SetUp();
+    GromlitUserOptions options{};
+    DefaultUserOptions(&options);
+    options.splash = 0;
+    options.temp4 = kModernManners;
+    ASSERT_EQ(SaveUserOptions(&options, defaultOptionFile), 1);
+    StartWindowManager("openbox");
+    LaunchInstalled();
+    ASSERT_NE(WaitShown("Application"), Window{0});
+  }
+  void TearDown() override {
+    if (HasFailure()) {
+      if (const char* directory = std::getenv("GROMLIT_SCREENSHOTS"))
+        testing::SaveScreen(player->display(), std::string(directory) + "/modern-failed.png");
+    }
+    FrontEnd::TearDown();
+  }
+  // Clicks on a title until the machine was quick enough for that to be a click.
+  Window ClickTitle(Title title) {
+    const Window bar = WaitChild(MainWindow(), 0, 0);
+    int x = 8;
+    const char* const kNames[] = {"Plug-In", "Action", "Symbol", "Options", "Help"};
+    for (int i = 0; i < static_cast<int>(title); i++) x += LabelWidth(kNames[i]) + 16;
+    Window menu = 0;
+    EXPECT_TRUE(WaitFor([&] {
+      if (!Over(bar, x + 4, ItemHeight() / 2)) return false;
+      player->Click(1);
+      // As long as it flashes at the most.
+      if (!WaitFor([&] { return (menu = Menu()) != 0; }, std::chrono::seconds(2))) return false;
+      return !WaitFor([&] { return Menu() != menu; }, std::chrono::milliseconds(300));
+    })) << "no menu stays";
+    return menu;
+  }
+  bool KeyboardIsFree() {
+    Display* display = player->display();
+    const bool granted = XGrabKeyboard(display, player->root(), False, GrabModeAsync, GrabModeAsync,
+                                       CurrentTime) == GrabSuccess;
+    XUngrabKeyboard(display, CurrentTime);
+    XSync(display, False);
+    return granted;
+  }
+  bool GivesBack() {
+    return WaitFor([this] { return Menu() == 0 && player->CanGrabPointer() && KeyboardIsFree(); });
+  }
+};
+
+TEST_F(ModernMenusTest, TheMenuBarIsWorkedByClicksAndByKeys) {
+  // One click opens, the next chooses.
+  const Window menu = ClickTitle(Title::kHelp);
+  ASSERT_NE(menu, Window{0});
+  GoToRow(menu, testing::kHelpAbout);
+  player->Click(1);
+  ASSERT_NE(WaitDialog(), Window{0});
+  DialogRight();
+  ASSERT_TRUE(GivesBack());
+  // The draw button closes a menu, and the pointer goes on.
+  ASSERT_NE(ClickTitle(Title::kOptions), Window{0});
+  Go({900, 700});
+  player->Click(3);
+  ASSERT_TRUE(GivesBack());
+  Go({905, 705});
+  // The same by the keyboard alone, which openbox has given to the main window.
+  Go({1200, 900});
+  Window opened = 0;
+  EXPECT_TRUE(WaitFor([&] {
+    player->Type(XK_F10);
+    return WaitFor([&] { return (opened = Menu()) != 0; }, std::chrono::seconds(2));
+  }));
+  EXPECT_FALSE(player->CanGrabPointer());
+  player->Type(XK_Left);
+  ASSERT_TRUE(WaitFor([&] { return Menu() != 0 && Menu() != opened; }));
+  EXPECT_EQ(Rows(Menu()), 2) << "the last title is Help";
+  player->Type(XK_a);
+  player->Type(XK_Return);
+  ASSERT_NE(WaitDialog(), Window{0});
+  DialogRight();
+  ASSERT_TRUE(GivesBack());
+  // A signal that ends the program finds it with a menu open.
+  ASSERT_NE(ClickTitle(Title::kPlugIn), Window{0});
+  EXPECT_FALSE(player->CanGrabPointer());
+  gromlit->Kill(SIGTERM);
+  EXPECT_TRUE(GivesBack());
 }
 
 INSTANTIATE_TEST_SUITE_P(Alone, MenusTest, ::testing::Values(""));
