@@ -98,7 +98,7 @@ void PopUpByKey(GromlitApp* gromlit) {
       gromlit->iconx + at % gromlit->ncols * GridCellWidth(gromlit) + gromlit->iconwidth / 2,
       gromlit->icony + at / gromlit->ncols * GridCellHeight(gromlit) + kCellMargin +
           gromlit->iconheight / 2,
-      &x, &y, &child);
+      &x, &y);
   PopUpMenuGrabbed(x, y, gromlit->popup);
 }
 
