@@ -9,12 +9,12 @@
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/focus.h"
+#include "toolkit/key_lookup.h"
 #include "toolkit/manners.h"
 #include "toolkit/menu.h"
 #include "toolkit/release_watch.h"
 #include "toolkit/tab_order.h"
 #include "toolkit/text.h"
-#include "toolkit/text_editor.h"
 
 namespace gromlit {
 namespace {
@@ -57,6 +57,12 @@ void ButtonKeyPress(void* obj, XEvent* event) {
   if (button->action != nullptr) button->action(button->arg);
 }
 
+// Not one that does nothing, or opens a menu.
+bool IsStop(void* obj) {
+  const auto* button = static_cast<XButton*>(obj);
+  return button->state != kButtonInactive && button->menu == nullptr;
+}
+
 }  // namespace
 
 XButton* MakeButtonSized(void* owner, Window parent, const char* label, void (*func)(void* arg),
@@ -80,6 +86,7 @@ XButton* MakeButtonSized(void* owner, Window parent, const char* label, void (*f
   On<FocusOut, ButtonFocus>(button);
   SetHandler(button->wobj, KeyPress, ButtonKeyPress);
   SetHandler(button->wobj, KeyRelease, NoteKeyRelease);
+  SetTabStop(button->wobj, IsStop);
   XMapWindow(dpy, button->window);
   return button;
 }

@@ -84,7 +84,6 @@ XDialog* MakeEmptyDialog(const char* title, const char* const* msgs, int wd, int
   On<ButtonRelease, DialogButtonUp>(dlog);
   On<KeyPress, DialogKeyPress>(dlog);
   SetHandler(dlog->wobj, KeyRelease, NoteKeyRelease);
-  // FocusIn would make it a stop of Tab, were it not outermost.
   On<FocusIn, DialogFocus>(dlog);
   On<FocusOut, DialogFocus>(dlog);
   On<MapNotify, DialogMapped>(dlog);

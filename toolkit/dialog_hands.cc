@@ -12,10 +12,10 @@
 #include "display/window_manager.h"
 #include "display/x_handles.h"
 #include "toolkit/focus.h"
+#include "toolkit/key_lookup.h"
 #include "toolkit/line_edit.h"
 #include "toolkit/manners.h"
 #include "toolkit/tab_order.h"
-#include "toolkit/text_editor.h"
 #include "toolkit/window_hints.h"
 
 namespace gromlit {

@@ -9,7 +9,7 @@
 
 #include <X11/Xlib.h>
 
-#include "toolkit/dialog.h"
+#include "toolkit/dialog_record.h"
 
 namespace gromlit {
 

@@ -45,6 +45,10 @@ void SetPulldownMenu(XButton* button, XMenu* menu) {
   On<KeyPress, PulldownButtonKeyPress>(button);
   On<FocusIn, PulldownButtonFocus>(button);
   On<FocusOut, PulldownButtonFocus>(button);
+  SetTabStop(button->wobj, [](void* obj) {
+    const auto* pulldown = static_cast<XButton*>(obj);
+    return pulldown->menu != nullptr && pulldown->state != kButtonInactive;
+  });
 }
 
 void UpdatePulldownButton(XButton* button, const char* label) {

@@ -287,15 +287,8 @@ void PieceCame(void*, XEvent* event) {
   if (wanted.bytes.size() >= kSelectionTaken) Deliver();
 }
 
-bool IsPrepared() {
-  const WindowObj* entry = window != None ? FindWindowObj(window) : nullptr;
-  return entry != nullptr && entry->obj == &wanted;
-}
-
 void Prepare() {
-  if (IsPrepared()) return;
-  for (Owned& one : owned) one = {};
-  wanted = {};
+  if (window != None) return;
   const char* const kNameTexts[] = {
       "CLIPBOARD",       "TARGETS",        "TIMESTAMP", "MULTIPLE",        "ATOM_PAIR",
       "UTF8_STRING",     "TEXT",           "INCR",      "GROMLIT_TAKEN_0", "GROMLIT_TAKEN_1",
@@ -345,8 +338,14 @@ void ForgetSelection(const void* arg) {
   if (wanted.arg == arg) wanted.got = nullptr;
 }
 
+void LeaveSelections() {
+  window = None;
+  wanted = {};
+  for (Owned& one : owned) one = {};
+}
+
 Window SelectionWindow() {
-  return IsPrepared() ? window : None;
+  return window;
 }
 
 }  // namespace gromlit

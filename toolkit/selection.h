@@ -37,6 +37,9 @@ void AskForSelection(Atom selection, Time time, void (*got)(void* arg, const std
 // Whatever was asked for with this argument is not wanted any more.
 void ForgetSelection(const void* arg);
 
+// Forgets the window and everything that was given or asked for, when the connection has ended.
+void LeaveSelections();
+
 // The window that owns and asks; None before it is needed.
 Window SelectionWindow();
 

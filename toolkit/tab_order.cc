@@ -4,13 +4,13 @@
 #include <X11/keysym.h>
 
 #include <algorithm>
+#include <unordered_map>
 
 #include "display/display.h"
 #include "display/x_handles.h"
-#include "toolkit/button.h"
 #include "toolkit/focus.h"
+#include "toolkit/key_lookup.h"
 #include "toolkit/manners.h"
-#include "toolkit/text_editor.h"
 #include "toolkit/window_object.h"
 
 namespace gromlit {
@@ -39,11 +39,17 @@ Window ParentOf(Window window) {
   return parent;
 }
 
+using Ready = bool (*)(void* obj);
+
+std::unordered_map<const WindowObj*, Ready>& Stops() {
+  static auto* stops = new std::unordered_map<const WindowObj*, Ready>;
+  return *stops;
+}
+
 bool TakesKeys(Window window) {
   const WindowObj* entry = FindWindowObj(window);
-  if (entry == nullptr || entry->obj == nullptr || entry->eh[FocusIn] == NoHandler) return false;
-  const XButton* button = ButtonOf(entry);
-  return button == nullptr || (button->state != kButtonInactive && button->menu == nullptr);
+  const auto stop = Stops().find(entry);
+  return stop != Stops().end() && (stop->second == nullptr || stop->second(entry->obj));
 }
 
 // Appends the stops in a window, whose corner is at (x, y) of the top-level window.
@@ -63,6 +69,10 @@ void Gather(Window window, int x, int y, std::vector<Stop>* stops) {
 }
 
 }  // namespace
+
+void SetTabStop(WindowObj* entry, bool (*ready)(void* obj)) {
+  Stops()[entry] = ready;
+}
 
 WindowKey WindowKeyOf(KeySym key, unsigned state) {
   if ((state & (ControlMask | Mod1Mask | Mod4Mask)) != 0) return WindowKey::kNone;

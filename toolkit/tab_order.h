@@ -2,15 +2,19 @@
 // to button, in the order in which the eye finds them, row by row; what a field or a button has no
 // use for goes to the window that it lies in.
 //
-// What takes the keyboard is known by its handler of FocusIn: no window is told of twice. With
-// plain manners nothing of this is asked for.
+// With plain manners nothing of this is asked for.
 #pragma once
 
 #include <X11/Xlib.h>
 
 #include <vector>
 
+#include "toolkit/window_object.h"
+
 namespace gromlit {
+
+// Makes a widget a stop of Tab, while `ready` says so of its owner; null: always.
+void SetTabStop(WindowObj* entry, bool (*ready)(void* obj));
 
 // What a key means to a window as a whole.
 enum class WindowKey { kNone, kNext, kBack, kConfirm, kRefuse };
@@ -24,8 +28,7 @@ KeySym PlainKey(KeySym key);
 Window TopOf(Window window);
 
 // The windows on the screen in `top` that take the keyboard: rows from top to bottom, in a row from
-// left to right. Inactive buttons are none. Two round trips for each
-// window in it.
+// left to right. Inactive buttons are none. Two round trips for each window in it.
 std::vector<Window> TabStops(Window top);
 
 // KeyRelease handler of what acts on keys only when a hand pressed them, and whether a press was

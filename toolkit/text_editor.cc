@@ -13,6 +13,7 @@
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/focus.h"
+#include "toolkit/key_lookup.h"
 #include "toolkit/manners.h"
 #include "toolkit/tab_order.h"
 #include "toolkit/text.h"
@@ -253,6 +254,7 @@ TextEditor* MakeTextEditor(Window parent, int x, int y, int width, int height) {
   txt->width = width;
   txt->complete = txtNoComplete;
   txt->limit = kEditorBuffer - 1;
+  txt->redraw = RedrawTextEditorLine;
   txt->caretx = CaretX(txt);
   XSetWindowAttributes more{};
   more.cursor = txtCursor;
@@ -270,6 +272,7 @@ TextEditor* MakeTextEditor(Window parent, int x, int y, int width, int height) {
   On<MotionNotify, TextEditorDrag>(txt);
   On<ButtonRelease, TextEditorButtonUp>(txt);
   SetHandler(txt->wobj, KeyRelease, NoteKeyRelease);
+  SetTabStop(txt->wobj, nullptr);
   return txt;
 }
 
@@ -333,7 +336,7 @@ void TextEditorLeave(TextEditor* txt, XEvent*) {
 void TextEditorKeyPress(TextEditor* txt, XEvent* event) {
   KeepBounds(txt);
   if (ModernManners()) {
-    if (EditWithModernKey(txt, event)) RedrawTextEditorLine(txt);
+    if (EditWithModernKey(txt, event, txt->complete != txtNoComplete)) RedrawTextEditorLine(txt);
     return;
   }
   char bytes[32];
@@ -365,15 +368,5 @@ void TextEditorFocusOut(TextEditor* txt, XEvent* event) {
 }
 
 void txtNoComplete(TextEditor*) {}
-
-int LookupKey(XKeyEvent* event, char* bytes, int size, KeySym* key) {
-  int lowest;
-  int highest;
-  XDisplayKeycodes(dpy, &lowest, &highest);
-  *key = NoSymbol;
-  const auto keycode = static_cast<int>(event->keycode);
-  if (keycode < lowest || keycode > highest) return 0;
-  return XLookupString(event, bytes, size, key, nullptr);
-}
 
 }  // namespace gromlit

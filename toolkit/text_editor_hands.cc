@@ -12,6 +12,7 @@
 #include "core/letters.h"
 #include "display/display.h"
 #include "toolkit/focus.h"
+#include "toolkit/key_lookup.h"
 #include "toolkit/line_edit.h"
 #include "toolkit/manners.h"
 #include "toolkit/selection.h"
@@ -55,7 +56,7 @@ void Pasted(void* arg, const std::string& text) {
   LineEdit line = LineOf(txt);
   InsertText(&line, text, static_cast<size_t>(txt->limit));
   Store(txt, line);
-  RedrawTextEditorLine(txt);
+  txt->redraw(txt);
 }
 
 // The step that a key makes the caret take; false when it is none.
@@ -191,14 +192,14 @@ int CountClick(TextEditor* txt, const XButtonEvent& press) {
 
 }  // namespace
 
-bool EditWithModernKey(TextEditor* txt, XEvent* event) {
+bool EditWithModernKey(TextEditor* txt, XEvent* event, bool completes) {
   XKeyEvent* press = &event->xkey;
   char bytes[32];
   KeySym key = NoSymbol;
   const int count = LookupKey(press, bytes, sizeof bytes, &key);
   key = PlainKey(key);
   const WindowKey meaning = WindowKeyOf(key, press->state);
-  if (meaning == WindowKey::kConfirm && txt->complete != txtNoComplete) {
+  if (meaning == WindowKey::kConfirm && completes) {
     if (IsKeyRepeat(*press)) return false;
     txt->complete(txt);
     return true;
@@ -242,7 +243,7 @@ void TextEditorButtonDown(TextEditor* txt, XEvent* event) {
     OwnSelected(line, press.time);
   }
   Store(txt, line);
-  RedrawTextEditorLine(txt);
+  txt->redraw(txt);
 }
 
 void TextEditorDrag(TextEditor* txt, XEvent* event) {
@@ -251,7 +252,7 @@ void TextEditorDrag(TextEditor* txt, XEvent* event) {
   PutCaret(&line, PlaceAt(txt, event->xmotion.x), true);
   if (static_cast<int>(line.caret) == txt->index) return;
   Store(txt, line);
-  RedrawTextEditorLine(txt);
+  txt->redraw(txt);
 }
 
 void TextEditorButtonUp(TextEditor* txt, XEvent* event) {

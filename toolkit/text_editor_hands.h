@@ -20,12 +20,13 @@
 
 #include <X11/Xlib.h>
 
-#include "toolkit/text_editor.h"
+#include "toolkit/text_editor_record.h"
 
 namespace gromlit {
 
-// Acts on a key press. Returns whether the line has to be drawn again.
-bool EditWithModernKey(TextEditor* txt, XEvent* event);
+// Acts on a key press; `completes`: Return is the completion. Returns whether the line has to be
+// drawn again.
+bool EditWithModernKey(TextEditor* txt, XEvent* event, bool completes);
 
 // Handlers. Nothing happens with plain manners, or in a field that records keys.
 void TextEditorButtonDown(TextEditor* txt, XEvent* event);

@@ -51,7 +51,6 @@ void FollowManners(XTextList* tl) {
   if (tl->keys == before) return;
   if (tl->keys != 0) {
     On<KeyPress, TextListKeyPress>(tl);
-    // By its handler it is known that Tab may stop here.
     On<FocusIn, TextListFocus>(tl);
     On<FocusOut, TextListFocus>(tl);
   } else {
@@ -94,6 +93,7 @@ XTextList* MakeTextList(Window parent, int x, int y, int width, int height, XFon
   tl->wobj = AllocWindowObj(tl->window, tl);
   On<Expose, DrawTextList>(tl);
   On<ButtonPress, TextListClick>(tl);
+  SetTabStop(tl->wobj, nullptr);
   OnWheel<TurnListWheel>(tl);
   return tl;
 }

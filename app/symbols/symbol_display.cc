@@ -230,7 +230,7 @@ SymbolDisplay* MakeSymbolDisplay(Window parent, int x, int y, void (*done)(void*
   On<ButtonRelease, SymbolDisplayButtonRelease>(sd);
   On<KeyPress, SymbolDisplayKeyPress>(sd);
   SetHandler(sd->wobj, KeyRelease, NoteKeyRelease);
-  // By its handler it is known that Tab may stop here.
+  SetTabStop(sd->wobj, nullptr);
   On<FocusIn, SymbolDisplayFocus>(sd);
   On<FocusOut, SymbolDisplayFocus>(sd);
   OnWheel<TurnDisplayWheel>(sd);

@@ -171,6 +171,60 @@ TEST_P(ModernDialogsTest, ANameIsTypedAndTakenByReturnWithoutThePointer) {
   EXPECT_TRUE(WaitFor([this] { return Reads(PluginButton(), "renamed"); }));
 }
 
+TEST_P(ModernDialogsTest, FieldsOfAWindowAreReachedByTabAndTheirReturnIsOk) {
+  Choose(Title::kOptions, testing::kPreferences);
+  const Window preferences = WaitShown("Preferences");
+  unsigned char* title = nullptr;
+  Atom type = 0;
+  int format = 0;
+  unsigned long count = 0;
+  unsigned long after = 0;
+  XGetWindowProperty(player->display(), preferences,
+                     XInternAtom(player->display(), "_NET_WM_NAME", False), 0, 100, False,
+                     XInternAtom(player->display(), "UTF8_STRING", False), &type, &format, &count,
+                     &after, &title);
+  ASSERT_NE(title, nullptr);
+  EXPECT_STREQ(reinterpret_cast<char*>(title), "Gromlit: Preferences");
+  XFree(title);
+
+  // The field of the sound command; the pointer stays outside of all.
+  std::vector<Window> fields;
+  for (const Window child : Children(preferences)) {
+    if (BoxOf(child).height == 24 && BoxOf(child).width > 280) fields.push_back(child);
+  }
+  ASSERT_EQ(fields.size(), 2u);
+  const Window sound = BoxOf(fields[0]).y < BoxOf(fields[1]).y ? fields[0] : fields[1];
+  const Point origin = OriginOf(preferences);
+  Go({origin.x + 300, origin.y + 2});
+  if (!framed_) {
+    XSetInputFocus(player->display(), preferences, RevertToParent, CurrentTime);
+    XSync(player->display(), False);
+  }
+  int tabs = 0;
+  EXPECT_TRUE(WaitFor([&] {
+    Window focus = 0;
+    int revert;
+    XGetInputFocus(player->display(), &focus, &revert);
+    if (focus == sound) return true;
+    player->Type(XK_Tab);
+    // One after the other, so that none goes by unseen.
+    WaitFor([&] {
+      Window now = 0;
+      XGetInputFocus(player->display(), &now, &revert);
+      return now != focus;
+    });
+    return ++tabs > 20;
+  }));
+  EXPECT_LT(tabs, 20);
+  Chord(XK_Control_L, XK_a);
+  TypeText("play");
+  EXPECT_TRUE(FieldReads(sound, "play"));
+  Picture("preferences");
+  player->Type(XK_Return);
+  EXPECT_TRUE(WaitHidden("Preferences"));
+  EXPECT_STREQ(GetUserOptions()->sndcmd, "play");
+}
+
 INSTANTIATE_TEST_SUITE_P(Under, ModernDialogsTest, ::testing::Values("none", "openbox", "icewm"),
                          [](const auto& param) { return std::string(param.param); });
 

@@ -99,6 +99,7 @@ class ModernFieldsTest : public testing::WidgetFixture {
     user = nullptr;
     DisclaimWindow(top);
     WidgetFixture::TearDown();
+    LeaveSelections();
   }
 
   void Enter() {
