@@ -2,15 +2,19 @@
 #include "tests/x11/toolkit/menu_fixture.h"
 
 #include <X11/Xatom.h>
+#include <X11/Xutil.h>
 #include <X11/keysym.h>
 
+#include "core/option_files.h"
 #include "display/scale.h"
 #include "display/scale_choice.h"
 #include "display/scaled_fonts.h"
 #include "toolkit/button.h"
 #include "toolkit/check_box.h"
+#include "toolkit/dialog.h"
 #include "toolkit/icon_window.h"
 #include "toolkit/logo.h"
+#include "toolkit/menu_hand.h"
 #include "toolkit/pulldown_button.h"
 #include "toolkit/scrollbar.h"
 #include "toolkit/tab_bar.h"
@@ -445,6 +449,87 @@ TEST_F(DoubleSizeTest, TheResourceOfTheDesktopIsRead) {
   EXPECT_EQ(NextRequest(dpy), before) << "something was asked for it";
   XCloseDisplay(dpy);
   dpy = former;
+}
+
+// The same with today's manners.
+class ModernDoubleSizeTest : public DoubleSizeTest {
+ protected:
+  void SetUp() override {
+    options.temp4 = kModernManners;
+    user = &options;
+    DoubleSizeTest::SetUp();
+  }
+  void TearDown() override {
+    CloseGrabbedMenu();
+    Pump();
+    DoubleSizeTest::TearDown();
+    user = nullptr;
+  }
+  GromlitUserOptions options{};
+};
+
+TEST_F(ModernDoubleSizeTest, MenusStayOnTheScreenAndAreScrolledThere) {
+  XMenu* menu = Menu({Item("New"), Item("Open")});
+  ASSERT_TRUE(PopUpMenuGrabbed(1275, 718, menu));
+  Pump();
+  const Place corner = PlaceOf(menu->window);
+  EXPECT_EQ(corner.x, 2 * menu->x);
+  EXPECT_LE(corner.x + corner.width, 2560);
+  EXPECT_LE(corner.y + corner.height, 1440);
+  PopDownMenu(menu);
+
+  std::vector<XMenuItem*> items;
+  for (int i = 0; i < 100; i++) items.push_back(Item("Plug-in"));
+  menu = Menu(items);
+  ASSERT_TRUE(PopUpMenuGrabbed(600, 300, menu));
+  Pump();
+  const Place tall = PlaceOf(menu->window);
+  EXPECT_GE(tall.y, 0);
+  EXPECT_LE(tall.y + tall.height, 1440);
+  EXPECT_EQ(tall.height, 2 * menu->height);
+  // The arrow at its lower end, which leads to the rows that are left.
+  const int arrow = 2 * (4 + (menu->visible + 1) * menu->itemheight) + menu->itemheight;
+  const Picture seen = Take(menu->window, 0, arrow - menu->itemheight, tall.width, 30);
+  EXPECT_GT(seen.Count(kBlack, 0, 0, tall.width, 30), 60);
+  GoTo(menu->window, menu->width, arrow);
+  ASSERT_TRUE(PumpUntil([&] {
+    ScrollRestedMenu();
+    return menu->top > 0;
+  }));
+}
+
+TEST_F(ModernDoubleSizeTest, AClickPutsTheCaretWhereItIs) {
+  TextEditor* txt = MakeTextEditor(top, 20, 30, 200, kEditorHeight);
+  TextEditorInit(txt, "abcdef");
+  XMapWindow(dpy, txt->window);
+  Pump();
+  const int third = 2 * (4 + TextWidth(txtFontinfo, "abc"));
+  PressAt(txt->window, third + 1, 24);
+  player->Release(1);
+  Pump();
+  EXPECT_EQ(txt->index, 3);
+  PressAt(txt->window, third - 10, 24);
+  player->Release(1);
+  Pump();
+  EXPECT_EQ(txt->index, 2);
+}
+
+TEST_F(ModernDoubleSizeTest, DialogsTellTheirSizeInPixelsOfTheScreen) {
+  static const char* const kQuestion[] = {"Is this the question?", nullptr};
+  XDialog* dlog = MakeDialog("Ask", kQuestion, nullptr, 0, 0);
+  player->MoveTo(1500, 700);
+  Pump();
+  MousePopUpDialog(dlog, "Ask");
+  ASSERT_TRUE(PumpUntil([&] { return dlog->shown != 0; }));
+  const Place at = PlaceOf(dlog->window);
+  EXPECT_EQ(at.width, 2 * dlog->width);
+  EXPECT_NEAR(at.x + at.width / 2, 1500, 2);
+  XSizeHints hints{};
+  long given;
+  ASSERT_NE(XGetWMNormalHints(dpy, dlog->window, &hints, &given), 0);
+  EXPECT_EQ(hints.max_width, at.width);
+  EXPECT_EQ(hints.min_height, at.height);
+  EXPECT_EQ(hints.x, at.x);
 }
 
 }  // namespace
