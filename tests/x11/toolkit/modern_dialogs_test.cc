@@ -5,6 +5,7 @@
 #include <X11/Xatom.h>
 #include <X11/keysym.h>
 
+#include "tests/x11/toolkit/request_cost.h"
 #include "toolkit/dialog.h"
 #include "toolkit/dialog_hands.h"
 #include "toolkit/image.h"
@@ -14,6 +15,8 @@
 namespace gromlit {
 namespace {
 
+using testing::Cost;
+using testing::CostOf;
 using testing::Picture;
 using testing::Place;
 
@@ -231,6 +234,15 @@ TEST_F(ModernDialogsTest, ItLiesBesideWhatItAsksAbout) {
   player->MoveTo(600, 500);
   const XDialog* other = Ask();
   EXPECT_EQ(PlaceOf(other->window).x, 600 - other->width / 2);
+}
+
+TEST_F(ModernDialogsTest, ShowingCostsNoMoreThanStated) {
+  XDialog* dlog = Ask();
+  DialogNo(dlog);
+  Pump();
+  // Besides what a plain one costs: what desktops are told of it, where the main window lies, and
+  // the keyboard.
+  EXPECT_EQ(CostOf([&] { MousePopUpDialog(dlog, dlog->title); }), (Cost{41, 16}));
 }
 
 TEST_F(ModernDialogsTest, WhatComesUnaskedLeavesTheKeyboardAlone) {

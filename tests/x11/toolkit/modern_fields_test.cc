@@ -8,6 +8,7 @@
 
 #include <cstring>
 
+#include "tests/x11/toolkit/request_cost.h"
 #include "toolkit/button.h"
 #include "toolkit/manners.h"
 #include "toolkit/selection.h"
@@ -17,6 +18,8 @@
 namespace gromlit {
 namespace {
 
+using testing::Cost;
+using testing::CostOf;
 using testing::Picture;
 
 constexpr int kX = 20;  // of the field in its parent
@@ -371,6 +374,20 @@ TEST_F(ModernFieldsTest, TabLeadsFromFieldToButtonRowByRow) {
   held.xkey.time = 5100;
   right->wobj->eh[KeyPress](right, &held);
   EXPECT_EQ(presses, 3);
+}
+
+TEST_F(ModernFieldsTest, DrawingAndEnteringCostAsMuchAsEver) {
+  Enter();
+  Type("abc");
+  MoveTo(kX + 150, kY + 100);
+  Pump();
+  EXPECT_EQ(CostOf([&] { DrawTextEditor(txt); }), (Cost{16, 0})) << "frame and caret stay";
+  EXPECT_EQ(CostOf([&] { RedrawTextEditorLine(txt); }), (Cost{6, 0}));
+  DrawTextEditor(txt);
+  EXPECT_EQ(CostOf([&] { TextEditorLeave(txt, nullptr); }), (Cost{0, 0}));
+  MoveTo(kX + 150, kY + 10);
+  EXPECT_EQ(CostOf([&] { TextEditorEnter(txt, nullptr); }), (Cost{6, 2}))
+      << "the caret is solid already";
 }
 
 // --- Selections ----------------------------------------------------------------------------------

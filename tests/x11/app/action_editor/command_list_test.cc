@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 
+#include "core/option_files.h"
+
 namespace gromlit {
 namespace {
 
@@ -40,6 +42,32 @@ TEST_F(CommandListTest, OneCommandOfEachTypeIsAddedAndListed) {
   EXPECT_EQ(act->lst->selected, 5);
   EXPECT_EQ(Buttons(), "11111");
   Picture("action_six_commands");
+}
+
+TEST_F(CommandListTest, ReturnAddsAndUpdatesWithTodaysManners) {
+  GromlitUserOptions options{};
+  GromlitUserOptions* const former = user;
+  user = &options;
+  ClickTab(kRun);
+  Type(tab->ed, "xterm");
+  Chord({}, XK_Return);
+  EXPECT_EQ(act->action.ncmds, 0u) << "it means nothing with plain ones";
+  options.temp4 = kModernManners;
+  Chord({}, XK_Return);
+  EXPECT_THAT(Lines(), ElementsAre("Run: xterm"));
+  Type(tab->ed, "s");
+  Chord({}, XK_Return);
+  EXPECT_THAT(Lines(), ElementsAre("Run: xterms"));
+  // In the field of a hot key every key is one.
+  ClickTab(kHotKey);
+  Record({XK_Control_L}, XK_v);
+  Record({}, XK_Tab);
+  EXPECT_EQ(Field(tab->ed), "Tab");
+  // The name's is OK.
+  MoveInto(act->txt->window, 60, 12);
+  Chord({}, XK_Return);
+  EXPECT_FALSE(Open());
+  user = former;
 }
 
 TEST_F(CommandListTest, TheLineThatWasAddedIsInSight) {
