@@ -125,6 +125,7 @@ TEST_F(ScaleTest, OtherScalesPrintTheUsage) {
   }
   EXPECT_EQ(RunToEnd({"-scale"}).status, 1);
   EXPECT_EQ(RunToEnd({"-scale2"}).status, 1);
+  EXPECT_NE(RunToEnd({"-scale", "2", "-help"}).out.find("-scale n "), std::string::npos);
 }
 
 TEST_F(ScaleTest, AUserChoosesDrawsAndStrokes) {
