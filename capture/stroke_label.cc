@@ -8,6 +8,7 @@
 #include "core/strings.h"
 #include "display/display.h"
 #include "display/monitors.h"
+#include "display/scale.h"
 #include "recognition/find_action.h"
 #include "toolkit/child_window.h"
 #include "toolkit/text.h"
@@ -35,12 +36,12 @@ void MakeLabel(StrokeLabel* label, bool shaped) {
 // Gives the label room for a name, on its monitor. Returns whether that changed it.
 bool MakeRoom(StrokeLabel* label, int textwidth, bool moved) {
   const XRectangle& monitor = label->monitor;
-  const int needed = std::min<int>(std::max(textwidth + 2 * kSide, kLeast), monitor.width);
+  const int needed = std::min<int>(Device(std::max(textwidth + 2 * kSide, kLeast)), monitor.width);
   if (!moved && needed <= label->area.width) return false;
-  label->area = {
-      static_cast<short>(monitor.x + (monitor.width - needed) / 2),
-      static_cast<short>(monitor.y + kTop), static_cast<unsigned short>(needed),
-      static_cast<unsigned short>(labelFontinfo->ascent + labelFontinfo->descent + 2 * kAbove)};
+  label->area = {static_cast<short>(monitor.x + (monitor.width - needed) / 2),
+                 static_cast<short>(monitor.y + Device(kTop)), static_cast<unsigned short>(needed),
+                 static_cast<unsigned short>(
+                     Device(labelFontinfo->ascent + labelFontinfo->descent + 2 * kAbove))};
   XMoveResizeWindow(dpy, label->window, label->area.x, label->area.y, label->area.width,
                     label->area.height);
   return true;
@@ -49,15 +50,14 @@ bool MakeRoom(StrokeLabel* label, int textwidth, bool moved) {
 // The name is the window's background, so that the server draws it whenever it comes to light:
 // while a stroke is drawn nobody answers to exposures.
 void Paint(const StrokeLabel& label, const std::string& name) {
-  const int width = label.area.width;
-  const int height = label.area.height;
+  const int width = Logical(label.area.width);
+  const int height = Logical(label.area.height);
   const Pixmap picture = XCreatePixmap(dpy, label.window, label.area.width, label.area.height,
                                        static_cast<unsigned>(DefaultDepth(dpy, screen)));
   XSetForeground(dpy, label.gc, white.pixel);
   XFillRectangle(dpy, picture, label.gc, 0, 0, label.area.width, label.area.height);
   XSetForeground(dpy, label.gc, black.pixel);
-  XDrawRectangle(dpy, picture, label.gc, 0, 0, static_cast<unsigned>(width - 1),
-                 static_cast<unsigned>(height - 1));
+  ScaledDrawRectangle(picture, label.gc, 0, 0, width - 1, height - 1);
   const std::string text = FittingText(labelFontinfo, name, width - kSide);
   DrawCentredText(picture, label.gc, 0, width, kAbove + labelFontinfo->ascent, text,
                   TextWidth(labelFontinfo, text));

@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "display/display.h"
+#include "display/scale.h"
 #include "toolkit/window_object.h"
 
 namespace gromlit {
@@ -72,7 +73,7 @@ TrailWindows MakeTrailWindows(long mask) {
   values.function = GXinvert;
   values.foreground = black.pixel;
   values.background = white.pixel;
-  values.line_width = kTrailLineWidth;
+  values.line_width = Device(kTrailLineWidth);
   windows.gc = XCreateGC(dpy, windows.window,
                          GCFunction | GCForeground | GCBackground | GCLineWidth, &values);
   windows.shaped = HasInputShapes();

@@ -1,14 +1,7 @@
 #include "display/display.h"
 
-#include <X11/Xatom.h>
 #include <X11/Xutil.h>
 
-#include <cstdio>
-#include <string>
-#include <string_view>
-#include <vector>
-
-#include "display/x_handles.h"
 #include "images/handcursor.xbm"
 #include "images/handcursormask.xbm"
 
@@ -95,44 +88,6 @@ void MakeHandCursor() {
 
 namespace {
 
-void LoadFont(const char* name, Font* font, XFontStruct** info, int* height) {
-  *info = XLoadQueryFont(dpy, name);
-  if (*info == nullptr) {
-    std::printf("Text font %s not found, using fixed.", name);
-    *info = XLoadQueryFont(dpy, "fixed");
-  }
-  if (*info == nullptr) {
-    // A server without any "fixed" still has the font of its default graphics context; its metrics
-    // keep every window that measures text from reading through a null pointer.
-    *info = XQueryFont(dpy, XGContextFromGC(DefaultGC(dpy, screen)));
-    if (*info == nullptr) return;
-    (*info)->fid = None;  // the id of that query names the graphics context, not a font
-    *height = (*info)->ascent + (*info)->descent;
-    return;
-  }
-  *font = (*info)->fid;
-  *height = (*info)->ascent + (*info)->descent;
-}
-
-// The name of a loaded font in full, such as "-misc-fixed-...-iso8859-1"; "" when the server does
-// not say.
-std::string FullName(XFontStruct* font) {
-  unsigned long atom = 0;
-  if (XGetFontProperty(font, XA_FONT, &atom) == 0) return "";
-  const XData<char> name(XGetAtomName(dpy, atom));
-  return name != nullptr ? name.get() : "";
-}
-
-// The wide forms that were asked for.
-struct WideForm {
-  XFontStruct* font;
-  XFontStruct* wide;
-};
-std::vector<WideForm>& WideForms() {
-  static auto* forms = new std::vector<WideForm>;
-  return *forms;
-}
-
 GC MakeContext(Font font) {
   XGCValues values;
   values.foreground = black.pixel;
@@ -143,38 +98,6 @@ GC MakeContext(Font font) {
 }
 
 }  // namespace
-
-void LoadFonts() {
-  // Those of a connection that is closed.
-  for (const WideForm& form : WideForms()) {
-    if (form.wide != nullptr && form.wide != form.font) XFreeFontInfo(nullptr, form.wide, 1);
-  }
-  WideForms().clear();
-  LoadFont(txtFontname, &txtFont, &txtFontinfo, &txtCharht);
-  LoadFont(buttonFontname, &labelFont, &labelFontinfo, &labelCharht);
-  LoadFont(logoFontname, &logoFont, &logoFontinfo, &logoCharht);
-}
-
-XFontStruct* WideFormOf(XFontStruct* font) {
-  for (const WideForm& form : WideForms()) {
-    if (form.font == font) return form.wide;
-  }
-  constexpr std::string_view kWide = "-iso10646-1";
-  std::string name = FullName(font);
-  XFontStruct* wide = nullptr;
-  if (name.ends_with(kWide)) {
-    wide = font;
-  } else if (const size_t encoding = name.rfind('-'); encoding != std::string::npos) {
-    // The last two fields name the letters that a font has.
-    const size_t registry = encoding > 0 ? name.rfind('-', encoding - 1) : std::string::npos;
-    if (registry != std::string::npos) {
-      name.replace(registry, std::string::npos, kWide);
-      wide = XLoadQueryFont(dpy, name.c_str());
-    }
-  }
-  WideForms().push_back({font, wide});
-  return wide;
-}
 
 void MakeCursors() {
   xCursor = XCreateFontCursor(dpy, 34);

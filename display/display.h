@@ -13,7 +13,7 @@ extern int screen;     // default screen number
 extern Window root;    // root window of that screen
 extern Colormap cmap;  // its default colour map
 
-// The size of the screen now, pixels: what RandR made of it, which Xlib does not follow.
+// The size of the screen now, device pixels: what RandR made of it, which Xlib does not follow.
 extern int screenwidth;
 extern int screenheight;
 
@@ -25,7 +25,8 @@ extern XColor grey;
 extern XColor dgrey;
 extern XColor blue;
 
-// Fonts: id, metrics, and the height of a line (ascent + descent), pixels.
+// Fonts: id, metrics, and the height of a line (ascent + descent), logical pixels (display/scale.h;
+// widths are device pixels, which TextWidth knows, toolkit/text.h).
 inline constexpr const char* txtFontname = "fixed";
 inline constexpr const char* buttonFontname = "-*-helvetica-medium-r-normal--12-*1";
 inline constexpr const char* logoFontname = "-*-helvetica-bold-r-normal--18-*1";
@@ -66,18 +67,12 @@ void FollowScreenSize(void* obj, XEvent* event);
 
 // The steps that follow, each to be called once, in this order; MakeResources (toolkit/resources.h)
 // calls them all. None reports an error:
-// a colour that cannot be had keeps what the server left, a missing font is replaced by "fixed"
-// after a line on standard output.
+// a colour that cannot be had keeps what the server left. The fonts (display/fonts.h) come before
+// the contexts.
 void MakeColours();
 void MakeHandCursor();
-void LoadFonts();
 void MakeCursors();
 void MakeContexts();
-
-// The form of one of the fonts above that has the letters of all languages (iso10646-1); the font
-// itself when it is that; null when the server has none. Loaded at the first call for the font,
-// with round trips.
-XFontStruct* WideFormOf(XFontStruct* font);
 
 // Interns the window manager's atoms; makes them when no window manager has done so yet, so that a
 // window manager that starts later can close windows without ending the program.

@@ -10,6 +10,7 @@
 
 #include "core/printable.h"
 #include "core/strings.h"
+#include "display/scale_choice.h"
 #include "program/remote_call.h"
 
 namespace gromlit {
@@ -28,6 +29,7 @@ constexpr const char* kOptionText[] = {
 constexpr const char* kFurtherText[] = {
     "    -help, -h, --help      Print this text",
     "    --version              Print the version",
+    "    -scale n               Draw windows in their size (1) or twice as large (2)",
     "    -remote word           Have the running gromlit obey the word:",
 };
 
@@ -67,6 +69,12 @@ RemoteWord RemoteWordOrExit(const char* name) {
   return *word;
 }
 
+int ScaleOrUsage(const char* value) {
+  const std::optional<int> scale = ScaleOfText(value);
+  if (!scale) usage();
+  return *scale;
+}
+
 }  // namespace
 
 void usage() {
@@ -77,7 +85,8 @@ void usage() {
 }
 
 CommandLine ParseCommandLine(int argc, char** argv) {
-  CommandLine line{.display = nullptr, .path = nullptr, .remote = {}, .argc = argc, .argv = argv};
+  CommandLine line{
+      .display = nullptr, .path = nullptr, .remote = {}, .scale = 0, .argc = argc, .argv = argv};
   if (argc > 0) ProgramName = argv[0];
   for (int i = 1; i < argc; i++) {
     const char* option = argv[i];
@@ -85,6 +94,11 @@ CommandLine ParseCommandLine(int argc, char** argv) {
     if (StrCmp(option, "-remote") == 0) {
       i++;
       line.remote = RemoteWordOrExit(i < argc ? argv[i] : nullptr);
+      continue;
+    }
+    if (StrCmp(option, "-scale") == 0) {
+      i++;
+      line.scale = ScaleOrUsage(i < argc ? argv[i] : "");
       continue;
     }
     if (option[0] != '-') usage();

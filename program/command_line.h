@@ -15,6 +15,7 @@ struct CommandLine {
   const char* display;               // value of -display, or null
   const char* path;                  // value of -path, or null
   std::optional<RemoteWord> remote;  // what the program that runs already is to do; none: run
+  int scale;                         // value of -scale, 1 or 2; 0 where it was not given
   int argc;                          // all of it, as it was given
   char** argv;
 };
@@ -24,9 +25,9 @@ struct CommandLine {
 
 // Reads the arguments. Taken as whole words first: -h, -help, --help and --version, which print on
 // standard output and exit with status 0, and -remote, which takes the next argument; where that is
-// none of its words it says so and exits with status 2. Of other options only the second character
-// counts: d (display) and p (path) take the next argument, n takes it and ignores it. Anything else
-// ends in usage().
+// none of its words it says so and exits with status 2; and -scale, which takes 1 or 2, and ends in
+// usage() for anything else. Of other options only the second character counts: d (display) and p
+// (path) take the next argument, n takes it and ignores it. Anything else ends in usage().
 CommandLine ParseCommandLine(int argc, char** argv);
 
 // The installation directory: the -path value, else the environment's GROMLIT, else "."; exactly

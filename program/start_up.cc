@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 
 #include "actions/child.h"
 #include "actions/keyboard_change.h"
@@ -39,12 +40,15 @@
 #include "display/display.h"
 #include "display/draw_button.h"
 #include "display/end_signals.h"
+#include "display/scale.h"
+#include "display/scale_choice.h"
 #include "display/sent_events.h"
 #include "display/x_errors.h"
 #include "program/command_line.h"
 #include "program/remote_service.h"
 #include "toolkit/event_loop.h"
 #include "toolkit/focus.h"
+#include "toolkit/manners.h"
 #include "toolkit/pulldown_button.h"
 #include "toolkit/resources.h"
 #include "toolkit/window_object.h"
@@ -151,6 +155,8 @@ void StartUp(const CommandLine& line) {
   ForgetSentInput();
   GromlitPath = FindInstallation(line);
   GetUserOptions();
+  UseScale(ChooseScale(line.scale, std::getenv(kScaleVariable),
+                       ModernManners() ? DpiOfDesktop() : std::string()));
   MakeResources();
   if (user->splash != 0) DoSplash();
   BuildCharToKeycode();

@@ -1,6 +1,7 @@
 #include "toolkit/bevel.h"
 
 #include "display/display.h"
+#include "display/scale.h"
 
 namespace gromlit {
 
@@ -31,21 +32,21 @@ void XDrawBevel(int up, Window win, GC gc, int x, int y, int w, int h) {
   XSegment lower[] = {Segment(x + 1, b, r, b), Segment(r, y + 1, r, b),
                       Segment(x + 2, b - 1, r, b - 1), Segment(r - 1, y + 2, r - 1, b - 1)};
   XSetForeground(dpy, gc, colours.upper);
-  XDrawSegments(dpy, win, gc, upper, 4);
+  ScaledDrawSegments(win, gc, upper, 4);
   XSetForeground(dpy, gc, colours.lower);
-  XDrawSegments(dpy, win, gc, lower, 4);
+  ScaledDrawSegments(win, gc, lower, 4);
 }
 
 void FillRectangle(Window win, GC gc, unsigned long pixel, int x, int y, int w, int h) {
   XSetForeground(dpy, gc, pixel);
   if (w <= 0 || h <= 0) return;
-  XFillRectangle(dpy, win, gc, x, y, static_cast<unsigned>(w), static_cast<unsigned>(h));
+  ScaledFillRectangle(win, gc, x, y, w, h);
 }
 
 void DrawOutline(Window win, GC gc, unsigned long pixel, int x, int y, int w, int h) {
   XSetForeground(dpy, gc, pixel);
   if (w <= 0 || h <= 0) return;
-  XDrawRectangle(dpy, win, gc, x, y, static_cast<unsigned>(w), static_cast<unsigned>(h));
+  ScaledDrawRectangle(win, gc, x, y, w, h);
 }
 
 Inverting::Inverting(GC gc) : gc_(gc) {
@@ -59,13 +60,13 @@ Inverting::~Inverting() {
 void InvertRectangle(Window win, GC gc, int x, int y, int w, int h) {
   if (w <= 0 || h <= 0) return;
   const Inverting inverting(gc);
-  XFillRectangle(dpy, win, gc, x, y, static_cast<unsigned>(w), static_cast<unsigned>(h));
+  ScaledFillRectangle(win, gc, x, y, w, h);
 }
 
 void InvertOutline(Window win, GC gc, int x, int y, int w, int h) {
   if (w <= 0 || h <= 0) return;
   const Inverting inverting(gc);
-  XDrawRectangle(dpy, win, gc, x, y, static_cast<unsigned>(w), static_cast<unsigned>(h));
+  ScaledDrawRectangle(win, gc, x, y, w, h);
 }
 
 }  // namespace gromlit

@@ -1,8 +1,7 @@
 #include "toolkit/check_box.h"
 
-#include <algorithm>
-
 #include "display/display.h"
+#include "display/scale.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/manners.h"
@@ -37,17 +36,17 @@ void PlaceCaption(XCheckBox* box, int right, int top, int bottom) {
     return;
   }
   const int left = box->x + box->width;
-  const auto width = static_cast<unsigned>(std::max(right - left, 1));
-  const auto height = static_cast<unsigned>(std::max(bottom - top, 1));
+  const int width = right - left;
+  const int height = bottom - top;
   if (box->caption == None) {
     XSetWindowAttributes attributes{};
     attributes.event_mask = ButtonPressMask;
-    box->caption = XCreateWindow(dpy, box->parent, left, top, width, height, 0, 0, InputOnly,
-                                 nullptr, CWEventMask, &attributes);
+    box->caption = ScaledCreateWindow(box->parent, left, top, width, height, 0, InputOnly,
+                                      CWEventMask, &attributes);
     SetHandler(AllocWindowObj(box->caption, box), ButtonPress,
                [](void* obj, XEvent* event) { CheckBoxDown(static_cast<XCheckBox*>(obj), event); });
   } else {
-    XMoveResizeWindow(dpy, box->caption, left, top, width, height);
+    ScaledMoveResizeWindow(box->caption, left, top, width, height);
   }
   XMapWindow(dpy, box->caption);
 }

@@ -1,8 +1,7 @@
 #include "toolkit/child_window.h"
 
-#include <algorithm>
-
 #include "display/display.h"
+#include "display/scale.h"
 #include "display/x_handles.h"
 
 namespace gromlit {
@@ -12,9 +11,8 @@ Window MakeChildWindow(Window parent, int x, int y, int width, int height, unsig
   XSetWindowAttributes attributes = more;
   attributes.background_pixel = background;
   attributes.event_mask = eventmask;
-  return XCreateWindow(dpy, parent, x, y, static_cast<unsigned>(std::max(width, 1)),
-                       static_cast<unsigned>(std::max(height, 1)), 0, CopyFromParent, InputOutput,
-                       nullptr, CWBackPixel | CWEventMask | moremask, &attributes);
+  return ScaledCreateWindow(parent, x, y, width, height, 0, InputOutput,
+                            CWBackPixel | CWEventMask | moremask, &attributes);
 }
 
 void ExposeAll(Window window) {

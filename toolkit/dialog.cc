@@ -7,6 +7,7 @@
 
 #include "core/strings.h"
 #include "display/display.h"
+#include "display/scale.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/dialog_hands.h"
@@ -121,8 +122,8 @@ XDialog* MakeMsgDialog(const char* title, const char* const* msgs, int wd, int h
 
 void PopUpDialog(XDialog* dlog, const char* title, int px, int py) {
   SetTitle(dlog, title);
-  const int x = Place(px, dlog->width, screenwidth);
-  const int y = Place(py, dlog->height, screenheight);
+  const int x = Place(px, dlog->width, LogicalScreenWidth());
+  const int y = Place(py, dlog->height, LogicalScreenHeight());
   if (ModernManners()) {
     ShowDialogWithHands(dlog, x, y, false);
     return;
@@ -131,26 +132,23 @@ void PopUpDialog(XDialog* dlog, const char* title, int px, int py) {
   // A dialog that is shown already would keep the picture of its old title. On an unmapped window
   // this does nothing.
   XClearArea(dpy, dlog->window, 0, 0, 0, 0, True);
-  XMoveWindow(dpy, dlog->window, x, y);
+  ScaledMoveWindow(dlog->window, x, y);
   XMapRaised(dpy, dlog->window);
 }
 
 void MousePopUpDialog(XDialog* dlog, const char* title) {
-  Window rootwin;
-  Window childwin = None;
-  int rootx = 0;
-  int rooty = 0;
-  int winx;
-  int winy;
+  Window childwin;
+  int rootx;
+  int rooty;
   unsigned state;
-  XQueryPointer(dpy, root, &rootwin, &childwin, &rootx, &rooty, &winx, &winy, &state);
+  ScaledQueryPointer(root, &rootx, &rooty, &state, &childwin);
   if (!ModernManners()) {
     PopUpDialog(dlog, title, rootx, rooty);
     return;
   }
   SetTitle(dlog, title);
-  int x = Place(rootx, dlog->width, screenwidth);
-  int y = Place(rooty, dlog->height, screenheight);
+  int x = Place(rootx, dlog->width, LogicalScreenWidth());
+  int y = Place(rooty, dlog->height, LogicalScreenHeight());
   PlaceBeside(dlog, childwin, &x, &y);
   ShowDialogWithHands(dlog, x, y, true);
 }
@@ -166,12 +164,11 @@ void DialogNo(XDialog* dlog) {
 void ResizeDialog(XDialog* dlog, int width, int height) {
   dlog->width = std::max(width + 8, 1);
   dlog->height = std::max(logoImage->height + 8 + height + 40, 1);
-  XResizeWindow(dpy, dlog->window, static_cast<unsigned>(dlog->width),
-                static_cast<unsigned>(dlog->height));
+  ScaledResizeWindow(dlog->window, dlog->width, dlog->height);
   const int y = dlog->height - kButtonBottom;
-  XMoveWindow(dpy, dlog->no->window, dlog->width - kButtonStep, y);
+  ScaledMoveWindow(dlog->no->window, dlog->width - kButtonStep, y);
   if (dlog->yes != nullptr) {
-    XMoveWindow(dpy, dlog->yes->window, dlog->width - 2 * kButtonStep, y);
+    ScaledMoveWindow(dlog->yes->window, dlog->width - 2 * kButtonStep, y);
   }
 }
 

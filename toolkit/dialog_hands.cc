@@ -8,6 +8,7 @@
 #include <string>
 
 #include "display/display.h"
+#include "display/scale.h"
 #include "display/window_manager.h"
 #include "display/x_handles.h"
 #include "toolkit/focus.h"
@@ -66,10 +67,10 @@ void TellManager(const XDialog* dlog, int x, int y, bool keyboard) {
   const XData<XSizeHints> size(XAllocSizeHints());
   if (size != nullptr) {
     size->flags = USPosition | PPosition | PMinSize | PMaxSize;
-    size->x = x;
-    size->y = y;
-    size->min_width = size->max_width = dlog->width;
-    size->min_height = size->max_height = dlog->height;
+    size->x = Device(x);
+    size->y = Device(y);
+    size->min_width = size->max_width = Device(dlog->width);
+    size->min_height = size->max_height = Device(dlog->height);
     XSetWMNormalHints(dpy, window, size.get());
   }
   XWMHints hints{};
@@ -156,7 +157,7 @@ void ShowDialogWithHands(XDialog* dlog, int x, int y, bool keyboard) {
   dlog->keyboard = keyboard ? 1 : 0;
   TellManager(dlog, x, y, keyboard);
   XClearArea(dpy, dlog->window, 0, 0, 0, 0, True);
-  XMoveWindow(dpy, dlog->window, x, y);
+  ScaledMoveWindow(dlog->window, x, y);
   XMapRaised(dpy, dlog->window);
   if (shown) Stamp(dlog);
   // A window manager gives it, when it has mapped the window.
@@ -190,20 +191,22 @@ void PlaceBeside(const XDialog* dlog, Window child, int* x, int* y) {
   const bool framed = HasWindowManager();
   const int width = dlog->width + (framed ? kFrameSides : 0);
   const int height = dlog->height + (framed ? kFrameEnds : 0);
-  const int right = at.x + at.width + 2 * at.border_width + kGap;
-  const int below = at.y + at.height + 2 * at.border_width + kGap;
-  const int left = at.x - kGap - width;
-  const int above = at.y - kGap - height;
-  if (*x >= right || *y >= below || *x + width <= at.x || *y + height <= at.y) return;
-  const int row = std::max(0, std::min(*y, screenheight - height));
-  const int column = std::max(0, std::min(*x, screenwidth - width));
-  if (right + width <= screenwidth) {
+  const int x1 = Logical(at.x);
+  const int y1 = Logical(at.y);
+  const int right = LogicalLength(at.x + at.width + 2 * at.border_width) + kGap;
+  const int below = LogicalLength(at.y + at.height + 2 * at.border_width) + kGap;
+  const int left = x1 - kGap - width;
+  const int above = y1 - kGap - height;
+  if (*x >= right || *y >= below || *x + width <= x1 || *y + height <= y1) return;
+  const int row = std::max(0, std::min(*y, LogicalScreenHeight() - height));
+  const int column = std::max(0, std::min(*x, LogicalScreenWidth() - width));
+  if (right + width <= LogicalScreenWidth()) {
     *x = right;
     *y = row;
   } else if (left >= 0) {
     *x = left;
     *y = row;
-  } else if (below + height <= screenheight) {
+  } else if (below + height <= LogicalScreenHeight()) {
     *x = column;
     *y = below;
   } else if (above >= 0) {

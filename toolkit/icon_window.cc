@@ -3,6 +3,7 @@
 #include <bit>
 
 #include "display/display.h"
+#include "display/scale.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 
@@ -34,8 +35,8 @@ void DrawIconWindow(IconWindow* iw, XEvent*) {
     XDrawBevel(kRaised, iw->window, iw->gc, 0, 0, kIconWindowSize, kIconWindowSize);
   } else {
     XSetForeground(dpy, iw->gc, dgrey.pixel);
-    XDrawLine(dpy, iw->window, iw->gc, 0, 0, kIconWindowSize, 0);
-    XDrawLine(dpy, iw->window, iw->gc, 0, 0, 0, kIconWindowSize);
+    ScaledDrawLine(iw->window, iw->gc, 0, 0, kIconWindowSize, 0);
+    ScaledDrawLine(iw->window, iw->gc, 0, 0, 0, kIconWindowSize);
   }
   XSetForeground(dpy, iw->gc, blue.pixel);
   DrawSymbolIcon(iw->window, iw->gc, iw->sym, kIconMargin, kIconMargin);
@@ -57,7 +58,7 @@ void DrawSymbolIcon(Window w, GC gc, const GromlitSymbol* sym, int wx, int wy) {
                            static_cast<short>(wy + y)};
     }
   }
-  if (npoints > 0) XDrawPoints(dpy, w, gc, points, npoints, CoordModeOrigin);
+  if (npoints > 0) ScaledDrawPoints(w, gc, points, npoints);
 }
 
 }  // namespace gromlit

@@ -6,8 +6,10 @@
 #include <vector>
 
 #include "display/display.h"
+#include "display/scale.h"
 #include "images/downscrollbar.xpm"
 #include "images/gromlitlogo.xpm"
+#include "images/gromlitlogo2x.xpm"
 #include "images/gromlitsimple.xpm"
 #include "images/menurightarrow.xpm"
 #include "images/upscrollbar.xpm"
@@ -114,15 +116,53 @@ XImage* BlankImage(int width, int height) {
   return image;
 }
 
-void Renew(XImage** image, std::span<const char* const> data) {
-  if (*image != nullptr) XDestroyImage(*image);
+// The image with every pixel doubled both ways; null where there is no memory.
+XImage* Doubled(XImage* image) {
+  XImage* twice = BlankImage(2 * image->width, 2 * image->height);
+  if (twice == nullptr) return nullptr;
+  for (int y = 0; y < twice->height; y++) {
+    for (int x = 0; x < twice->width; x++) XPutPixel(twice, x, y, XGetPixel(image, x / 2, y / 2));
+  }
+  return twice;
+}
+
+// What is put at scale 2 for the images that are built in.
+struct Sharp {
+  XImage* image;
+  XImage* twice;
+};
+std::vector<Sharp>& SharpImages() {
+  static auto* images = new std::vector<Sharp>;
+  return *images;
+}
+
+void Drop(XImage* image) {
+  if (image == nullptr) return;
+  for (const Sharp& sharp : SharpImages()) {
+    if (sharp.image == image && sharp.twice != nullptr) XDestroyImage(sharp.twice);
+  }
+  std::erase_if(SharpImages(), [=](const Sharp& sharp) { return sharp.image == image; });
+  XDestroyImage(image);
+}
+
+// `twicedata` is the same picture drawn twice as large; empty where its pixels are doubled.
+void Renew(XImage** image, std::span<const char* const> data,
+           std::span<const char* const> twicedata = {}) {
+  Drop(*image);
   *image = XpmToPixmap(data);
+  if (Scale() == 1 || *image == nullptr) return;
+  SharpImages().push_back({*image, twicedata.empty() ? Doubled(*image) : XpmToPixmap(twicedata)});
+}
+
+void PutDevice(Window win, GC gc, XImage* image, int x, int y) {
+  XPutImage(dpy, win, gc, image, 0, 0, Device(x), Device(y), static_cast<unsigned>(image->width),
+            static_cast<unsigned>(image->height));
 }
 
 }  // namespace
 
 void MakeImages() {
-  Renew(&logoImage, gromlitlogo);
+  Renew(&logoImage, gromlitlogo, gromlitlogo2x);
   Renew(&smImage, gromlitsimple);
   Renew(&upscrollImage, upscrollbar);
   Renew(&downscrollImage, downscrollbar);
@@ -153,8 +193,19 @@ XImage* XpmToPixmap(std::span<const char* const> data) {
 
 void PutImage(Window win, GC gc, XImage* image, int x, int y) {
   if (image == nullptr) return;
-  XPutImage(dpy, win, gc, image, 0, 0, x, y, static_cast<unsigned>(image->width),
-            static_cast<unsigned>(image->height));
+  if (Scale() == 1) {
+    PutDevice(win, gc, image, x, y);
+    return;
+  }
+  for (const Sharp& sharp : SharpImages()) {
+    if (sharp.image != image || sharp.twice == nullptr) continue;
+    PutDevice(win, gc, sharp.twice, x, y);
+    return;
+  }
+  XImage* twice = Doubled(image);
+  if (twice == nullptr) return;
+  PutDevice(win, gc, twice, x, y);
+  XDestroyImage(twice);
 }
 
 }  // namespace gromlit

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "display/display.h"
+#include "display/scale.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/image.h"
@@ -150,8 +151,7 @@ void RemakeMenu(XMenu* menu, XFontStruct* fontinfo, XMenuItem** items, int nitem
 }
 
 void ResizeMenu(XMenu* menu) {
-  XResizeWindow(dpy, menu->window, static_cast<unsigned>(menu->width),
-                static_cast<unsigned>(menu->height));
+  ScaledResizeWindow(menu->window, menu->width, menu->height);
 }
 
 void SpareMenus(XMenuPool* pool, XMenu* menu) {
@@ -179,12 +179,7 @@ void ShowMenu(XMenu* menu) {
   CloseSubmenu(menu);
   menu->selected = -1;
   menu->open = 1;
-  // Moved and raised in one request.
-  XWindowChanges place{};
-  place.x = menu->x;
-  place.y = menu->y;
-  place.stack_mode = Above;
-  XConfigureWindow(dpy, menu->window, CWX | CWY | CWStackMode, &place);
+  ScaledMoveRaised(menu->window, menu->x, menu->y);
   XMapWindow(dpy, menu->window);
 }
 
@@ -328,8 +323,7 @@ void MenuTrackMouse(XMenu* menu, XEvent* event) {
       e.x = e.x_root - submenu->x;
       e.y = e.y_root - submenu->y;
     } else {
-      Window child;
-      XTranslateCoordinates(dpy, root, submenu->window, e.x_root, e.y_root, &e.x, &e.y, &child);
+      ScaledTranslate(root, submenu->window, e.x_root, e.y_root, &e.x, &e.y);
     }
     MenuTrackMouse(submenu, event);
     return;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "display/display.h"
+#include "display/scale.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/manners.h"
@@ -37,9 +38,7 @@ void OpenTitle(XMenuBar* bar, int i) {
   if (bar->items[i]->menu == nullptr) return;
   int x;
   int y;
-  Window child;
-  XTranslateCoordinates(dpy, bar->window, root, bar->itemx[i] - kTitleMargin, bar->itemheight + 4,
-                        &x, &y, &child);
+  ScaledTranslate(bar->window, root, bar->itemx[i] - kTitleMargin, bar->itemheight + 4, &x, &y);
   PullDownMenu(x, y, bar->items[i]->menu);
 }
 
@@ -139,9 +138,9 @@ void DrawMenuBar(XMenuBar* bar, XEvent*) {
   XSegment dark[] = {Segment(1, bottom, right, bottom), Segment(right, 1, right, bottom)};
   XClearWindow(dpy, bar->window);
   XSetForeground(dpy, bar->gc, white.pixel);
-  XDrawSegments(dpy, bar->window, bar->gc, light, 2);
+  ScaledDrawSegments(bar->window, bar->gc, light, 2);
   XSetForeground(dpy, bar->gc, dgrey.pixel);
-  XDrawSegments(dpy, bar->window, bar->gc, dark, 2);
+  ScaledDrawSegments(bar->window, bar->gc, dark, 2);
   XSetForeground(dpy, bar->gc, black.pixel);
   DrawTitles(bar);
   if (bar->selected < 0) return;
@@ -205,8 +204,7 @@ bool MenuBarOpenByHand(XMenuBar* bar, int i, const XButtonEvent* press) {
   }
   bar->selected = i;
   DrawTitleBevel(bar, kRaised, i);
-  Window child;
-  XTranslateCoordinates(dpy, bar->window, root, 0, 0, &bar->rootx, &bar->rooty, &child);
+  ScaledTranslate(bar->window, root, 0, 0, &bar->rootx, &bar->rooty);
   const MenuAnchor title = {bar->rootx + bar->itemx[i] - kTitleMargin, bar->rooty,
                             bar->itemwidth[i] + 2 * kTitleMargin, bar->itemheight + 4, false};
   if (OpenMenuByHand(bar->items[i]->menu, title, press, bar, &kTitles)) return true;

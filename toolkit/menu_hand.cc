@@ -10,6 +10,7 @@
 
 #include "display/display.h"
 #include "display/monitors.h"
+#include "display/scale.h"
 #include "toolkit/bevel.h"
 #include "toolkit/menu_parts.h"
 #include "toolkit/press_time.h"
@@ -302,8 +303,9 @@ bool OpenMenuByHand(XMenu* menu, const MenuAnchor& anchor, const XButtonEvent* p
   const Hand before = follows ? hand : Hand{};
   hand.area = before.menu != nullptr
                   ? before.area
-                  : MonitorAt(press != nullptr ? press->x_root : anchor.x + anchor.width / 2,
-                              press != nullptr ? press->y_root : anchor.y + anchor.height / 2);
+                  : LogicalArea(MonitorAt(
+                        Device(press != nullptr ? press->x_root : anchor.x + anchor.width / 2),
+                        Device(press != nullptr ? press->y_root : anchor.y + anchor.height / 2)));
   Open(menu, [&] { Place(menu, anchor); });
   if (!GrabPointerFor(menu, kPointerEvents)) {
     // The former menu has the pointer no more, or will not know what became of it.

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "display/display.h"
+#include "display/scale.h"
 #include "toolkit/menu_parts.h"
 
 namespace gromlit {
@@ -138,7 +139,7 @@ void DrawMenuArrows(XMenu* menu) {
         {static_cast<short>(middle + 2 * half), static_cast<short>(base)},
     };
     XSetForeground(dpy, menu->gc, leads ? black.pixel : dgrey.pixel);
-    XFillPolygon(dpy, menu->window, menu->gc, corners, 3, Convex, CoordModeOrigin);
+    ScaledFillPolygon(menu->window, menu->gc, corners, 3);
   };
   draw(0, 1, menu->top > 0);
   draw(menu->visible + 1, -1, menu->top + menu->visible < menu->nitems);

@@ -3,6 +3,7 @@
 #include <X11/keysym.h>
 
 #include "display/display.h"
+#include "display/scale.h"
 #include "toolkit/bevel.h"
 #include "toolkit/manners.h"
 #include "toolkit/menu_hand.h"
@@ -19,8 +20,7 @@ constexpr int kMarkRight = 8;  // pixels from the mark to the button's right edg
 void OpenByHand(XButton* button, const XButtonEvent* press) {
   int x;
   int y;
-  Window child;
-  XTranslateCoordinates(dpy, button->window, root, 0, 0, &x, &y, &child);
+  ScaledTranslate(button->window, root, 0, 0, &x, &y);
   OpenMenuByHand(button->menu, {x, y, button->width - kMarkRight, button->height, true}, press);
 }
 
@@ -70,8 +70,7 @@ void PulldownButtonPress(XButton* button, XEvent* event) {
   }
   int x;
   int y;
-  Window child;
-  XTranslateCoordinates(dpy, button->window, root, 0, 0, &x, &y, &child);
+  ScaledTranslate(button->window, root, 0, 0, &x, &y);
   PopUpMenuGrabbed(x, y, button->menu);
 }
 

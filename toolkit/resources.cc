@@ -1,6 +1,7 @@
 #include "toolkit/resources.h"
 
 #include "display/display.h"
+#include "display/fonts.h"
 #include "toolkit/image.h"
 
 namespace gromlit {

@@ -10,6 +10,7 @@
 
 #include "display/display.h"
 #include "display/end_signals.h"
+#include "display/scale.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/image.h"
@@ -72,7 +73,7 @@ Ending EndingOfPress(const XScrollbar* sb) {
     if (event->type == ButtonRelease && button.window == found->window &&
         button.button <= kLastPressingButton && !found->released) {
       found->over = found->released = true;
-      found->y = button.y;
+      found->y = Logical(button.y);
     }
     if (event->type == ButtonPress && button.window == root) found->over = true;
     return False;  // every event stays where it is
@@ -87,15 +88,9 @@ Ending EndingOfPress(const XScrollbar* sb) {
 // its release.
 bool Held(const XScrollbar* sb, int* y) {
   EndIfSignalled();
-  Window rootwin;
-  Window childwin;
-  int rootx;
-  int rooty;
   int x;
   unsigned state;
-  if (XQueryPointer(dpy, sb->window, &rootwin, &childwin, &rootx, &rooty, &x, y, &state) == 0) {
-    return false;
-  }
+  if (!ScaledQueryPointer(sb->window, &x, y, &state)) return false;
   return (state & Button1Mask) != 0 && !EndingOfPress(sb).over;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "display/display.h"
+#include "display/scale.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 
@@ -77,9 +78,9 @@ void XDrawTabBevel(int up, Window win, GC gc, int x, int y, int w, int h, int fu
                      Segment(r, b, fullw - 1, b)};
   const bool edgeright = fullw - (x + w) > 1;
   XSetForeground(dpy, gc, colours.lower);
-  XDrawSegments(dpy, win, gc, right, 2);
+  ScaledDrawSegments(win, gc, right, 2);
   XSetForeground(dpy, gc, colours.upper);
-  XDrawSegments(dpy, win, gc, rest, edgeright ? 8 : 6);
+  ScaledDrawSegments(win, gc, rest, edgeright ? 8 : 6);
 }
 
 void DrawTabBar(XTabBar* tbar, XEvent*) {
@@ -91,9 +92,9 @@ void DrawTabBar(XTabBar* tbar, XEvent*) {
                      Segment(2, h - 2, w - 1, h - 2), Segment(1, h - 1, w - 1, h - 1)};
   XClearWindow(dpy, tbar->window);
   XSetForeground(dpy, tbar->gc, white.pixel);
-  XDrawSegments(dpy, tbar->window, tbar->gc, light, 2);
+  ScaledDrawSegments(tbar->window, tbar->gc, light, 2);
   XSetForeground(dpy, tbar->gc, dgrey.pixel);
-  XDrawSegments(dpy, tbar->window, tbar->gc, dark, 4);
+  ScaledDrawSegments(tbar->window, tbar->gc, dark, 4);
   XSetForeground(dpy, tbar->gc, black.pixel);
   DrawTitles(tbar);
   if (!HasSelected(tbar)) return;

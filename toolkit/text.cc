@@ -6,6 +6,8 @@
 
 #include "core/letters.h"
 #include "display/display.h"
+#include "display/fonts.h"
+#include "display/scale.h"
 
 namespace gromlit {
 namespace {
@@ -77,25 +79,29 @@ void DrawWith(DrawBytes bytes, DrawLetters letters, Window win, GC gc, int x, in
   XGetGCValues(dpy, gc, GCFont, &has);
   const std::optional<Drawn> drawn = Decode(InfoOf(has.font), text);
   if (!drawn) {
-    bytes(dpy, win, gc, x, baseline, text.data(), Length(text));
+    bytes(dpy, win, gc, Device(x), Device(baseline), text.data(), Length(text));
   } else if (drawn->wide == nullptr) {
-    bytes(dpy, win, gc, x, baseline, drawn->bytes.data(), Length(drawn->bytes));
+    bytes(dpy, win, gc, Device(x), Device(baseline), drawn->bytes.data(), Length(drawn->bytes));
   } else {
     XSetFont(dpy, gc, drawn->wide->fid);
-    letters(dpy, win, gc, x, baseline, drawn->letters.data(),
+    letters(dpy, win, gc, Device(x), Device(baseline), drawn->letters.data(),
             static_cast<int>(drawn->letters.size()));
     XSetFont(dpy, gc, has.font);
   }
 }
 
-}  // namespace
-
-int TextWidth(XFontStruct* font, std::string_view text) {
-  if (font == nullptr) return 0;
+// Width of a text in device pixels, in which fonts have theirs.
+int DeviceWidth(XFontStruct* font, std::string_view text) {
   const std::optional<Drawn> drawn = Decode(font, text);
   if (!drawn) return XTextWidth(font, text.data(), Length(text));
   if (drawn->wide == nullptr) return XTextWidth(font, drawn->bytes.data(), Length(drawn->bytes));
   return XTextWidth16(drawn->wide, drawn->letters.data(), static_cast<int>(drawn->letters.size()));
+}
+
+}  // namespace
+
+int TextWidth(XFontStruct* font, std::string_view text) {
+  return font != nullptr ? LogicalLength(DeviceWidth(font, text)) : 0;
 }
 
 std::string FittingText(XFontStruct* font, std::string_view text, int room) {

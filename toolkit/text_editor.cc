@@ -9,6 +9,7 @@
 
 #include "core/letters.h"
 #include "display/display.h"
+#include "display/scale.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/focus.h"
@@ -122,8 +123,8 @@ void DrawLine(TextEditor* txt) {
 // inverted, take the one away and leave the other.
 void ToggleCaret(TextEditor* txt) {
   const Inverting inverting(txt->gc);
-  XDrawRectangle(dpy, txt->window, txt->gc, txt->caretx, kCaretY, kCaretWidth, kCaretHeight);
-  XFillRectangle(dpy, txt->window, txt->gc, txt->caretx, kCaretY, kCaretWidth, kCaretHeight);
+  ScaledDrawRectangle(txt->window, txt->gc, txt->caretx, kCaretY, kCaretWidth, kCaretHeight);
+  ScaledFillRectangle(txt->window, txt->gc, txt->caretx, kCaretY, kCaretWidth, kCaretHeight);
   txt->caret = txt->caret == kHollowCaret ? kSolidCaret : kHollowCaret;
 }
 

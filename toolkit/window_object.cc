@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "display/display.h"
+#include "display/scale.h"
 #include "toolkit/manners.h"
 
 namespace gromlit {
@@ -60,6 +61,7 @@ WindowObj* AllocWindowObj(Window window, void* obj) {
   entry->window = window;
   entry->obj = obj;
   entry->wheel = nullptr;
+  entry->device = false;
   for (EventHandler& handler : entry->eh) handler = NoHandler;
   return entry;
 }
@@ -124,6 +126,8 @@ void DispatchEvent(XEvent* event) {
     const WindowObj* entry = FindWindowObj(event->xany.window);
     handler = entry != nullptr ? entry->eh[event->type] : NoHandler;
     owner = entry != nullptr ? entry->obj : nullptr;
+    if (entry != nullptr && entry != defaultWindowObj && entry->window != root && !entry->device)
+      MakeLogical(event);
   }
   handler(owner, event);
 }

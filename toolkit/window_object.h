@@ -34,6 +34,7 @@ struct WindowObj {
   void* obj;                     // the owner, handed to every handler
   EventHandler eh[kEventTypes];  // eh[t] handles event type t; never null in an entry handed out
   WheelHandler wheel;            // takes the notches of a wheel over it; or null
+  bool device;                   // its handlers count in device pixels (display/scale.h)
 };
 
 // The first block. When it is full the table goes on in further blocks of the same size; entries
@@ -68,11 +69,13 @@ bool IsOwnWindow(Window window);
 WindowObj* FindWindowObj(Window window);
 
 // Hands an event to its entry's handler, and lets Xlib know of a changed keyboard mapping first
-// (one round trip). An event of a type outside 2..34 prints "Unknown event type N" on standard
-// output and goes to the handler and owner of the event before it. Presses and releases of buttons
-// above kLastPressingButton go no further, for every window but the root: the owners need not ask,
-// and no release of one ends what another button began. With ModernManners() a press of Button4 or
-// Button5 goes to the wheel handler of its window.
+// (one round trip). Places in it become logical pixels before, in the event itself; those of the
+// root window, of windows of others and of entries that say so stay device pixels. An event of a
+// type outside 2..34 prints "Unknown event type N" on standard output and goes to the handler and
+// owner of the event before it. Presses and releases of buttons above kLastPressingButton go no
+// further, for every window but the root: the owners need not ask, and no release of one ends what
+// another button began. With ModernManners() a press of Button4 or Button5 goes to the wheel
+// handler of its window.
 void DispatchEvent(XEvent* event);
 
 // The handler of every slot that was not set: nothing.

@@ -10,6 +10,7 @@
 #include "core/command_types.h"
 #include "core/strings.h"
 #include "display/display.h"
+#include "display/scale.h"
 #include "toolkit/bevel.h"
 #include "toolkit/manners.h"
 #include "toolkit/pulldown_button.h"
@@ -147,8 +148,7 @@ void ClearTabField(ActionTab* tab) {
 void DoTabMsgs(XTabBar* tbar, const char* const* msgs, int y) {
   int baseline = y != 0 ? y : 4 * txtCharht + kFieldY;
   XSetForeground(dpy, txtgc, black.pixel);
-  XClearArea(dpy, tbar->window, kHelpEdge, kFieldY, static_cast<unsigned>(tbar->width - 8),
-             static_cast<unsigned>(tbar->height - 80), False);
+  ScaledClearArea(tbar->window, kHelpEdge, kFieldY, tbar->width - 8, tbar->height - 80);
   for (; *msgs != nullptr; msgs++, baseline += txtCharht) {
     DrawText(tbar->window, txtgc, kMargin, baseline, *msgs);
   }

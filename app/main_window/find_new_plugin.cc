@@ -4,6 +4,7 @@
 
 #include "core/offer_memory.h"
 #include "core/strings.h"
+#include "display/scale.h"
 #include "toolkit/dialog.h"
 
 namespace gromlit {
@@ -15,7 +16,7 @@ int FindNewPlugin(GromlitApp* gromlit, const char* name, int x, int y) {
   // Only now: a dialog that is still open for another class goes on offering that one.
   std::free(dlog->arg);
   dlog->arg = StrDup(name);
-  PopUpDialog(dlog, name, x, y);
+  PopUpDialog(dlog, name, Logical(x), Logical(y));
   return 0;
 }
 

@@ -10,6 +10,7 @@
 #include "app/windows/symbol_big_icon.h"
 #include "core/strings.h"
 #include "display/display.h"
+#include "display/scale.h"
 #include "toolkit/bevel.h"
 #include "toolkit/list_keys.h"
 #include "toolkit/manners.h"
@@ -92,13 +93,12 @@ void PopUpByKey(GromlitApp* gromlit) {
   const int at = seen ? cell : 0;
   int x;
   int y;
-  Window child;
-  XTranslateCoordinates(
-      dpy, gromlit->window, root,
+  ScaledTranslate(
+      gromlit->window, root,
       gromlit->iconx + at % gromlit->ncols * GridCellWidth(gromlit) + gromlit->iconwidth / 2,
       gromlit->icony + at / gromlit->ncols * GridCellHeight(gromlit) + kCellMargin +
           gromlit->iconheight / 2,
-      &x, &y, &child);
+      &x, &y);
   PopUpMenuGrabbed(x, y, gromlit->popup);
 }
 

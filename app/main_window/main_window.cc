@@ -8,6 +8,7 @@
 #include "app/windows/top_level.h"
 #include "display/display.h"
 #include "display/modes.h"
+#include "display/scale.h"
 #include "display/window_manager.h"
 #include "toolkit/child_window.h"
 #include "toolkit/dialog.h"
@@ -31,8 +32,7 @@ void MakeWindow(GromlitApp* gromlit) {
   gromlit->mbar = MakeGromlitMenuBar(gromlit, gromlit->window, 0, 0, gromlit->width);
   XMapWindow(dpy, gromlit->mbar->window);
   gromlit->height += gromlit->mbar->height;
-  XResizeWindow(dpy, gromlit->window, static_cast<unsigned>(gromlit->width),
-                static_cast<unsigned>(gromlit->height));
+  ScaledResizeWindow(gromlit->window, gromlit->width, gromlit->height);
   SetWindowManagerProperties(gromlit->window, {.title = "Gromlit",
                                                .icontitle = nullptr,
                                                .name = "Application",
@@ -57,9 +57,7 @@ void MakeParts(GromlitApp* gromlit) {
   gromlit->icony = buttony + 26;
   const int below = gromlit->height - (border + gromlit->icony);
   // Names are cut at the edge of the grid.
-  XRectangle grid = {static_cast<short>(border), static_cast<short>(gromlit->icony),
-                     static_cast<unsigned short>(inside), static_cast<unsigned short>(below)};
-  XSetClipRectangles(dpy, gromlit->gc, 0, 0, &grid, 1, YXBanded);
+  ScaledSetClipRectangle(gromlit->gc, border, gromlit->icony, inside, below);
 
   gromlit->sbar = MakeScrollbar(gromlit->window, gromlit->width - kScrollbarWidth - border,
                                 gromlit->icony, below);

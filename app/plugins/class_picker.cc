@@ -11,6 +11,7 @@
 #include "core/strings.h"
 #include "display/display.h"
 #include "display/end_signals.h"
+#include "display/scale.h"
 #include "display/target.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
@@ -81,10 +82,9 @@ void PickLabel::MoveTo(int x, int y, const char* text) {
   text_ = text;
   width_ = TextWidth(txtFontinfo, text) + 8;
   // Kept on the screen, where it can be read.
-  x = std::max(std::min(x, screenwidth - width_), 0);
-  y = std::max(std::min(y, screenheight - height_), 0);
-  XMoveResizeWindow(dpy, window_, x, y, static_cast<unsigned>(width_),
-                    static_cast<unsigned>(height_));
+  x = std::max(std::min(x, LogicalScreenWidth() - width_), 0);
+  y = std::max(std::min(y, LogicalScreenHeight() - height_), 0);
+  ScaledMoveResizeWindow(window_, x, y, width_, height_);
   Draw();
 }
 
@@ -130,7 +130,8 @@ void PickGrab::Release() {
 
 class Pick {
  public:
-  Pick(int x, int y, std::span<char> cname) : cname_(cname), label_(x, y), x_(x), y_(y) {}
+  Pick(int x, int y, std::span<char> cname)
+      : cname_(cname), label_(Logical(x), Logical(y)), x_(x), y_(y) {}
 
   bool Run();
 
@@ -214,7 +215,7 @@ void Pick::Motion(const XMotionEvent& motion) {
   looked_ = found != None;
   if (found == None || found == app_) return;
   app_ = found;
-  label_.MoveTo(motion.x_root, motion.y_root, cname_.data());
+  label_.MoveTo(Logical(motion.x_root), Logical(motion.y_root), cname_.data());
 }
 
 bool Pick::Run() {

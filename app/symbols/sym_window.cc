@@ -7,6 +7,7 @@
 
 #include "app/symbols/symbol_editor_record.h"
 #include "display/display.h"
+#include "display/scale.h"
 #include "recognition/signature_match.h"
 #include "recognition/symbol_icon.h"
 #include "toolkit/bevel.h"
@@ -58,8 +59,8 @@ void DrawPoint(SymWindow* sw, unsigned long pixel, int k) {
 void DrawLineAfter(SymWindow* sw, unsigned long pixel, int k) {
   if (k < 1 || k >= PointCount(sw)) return;
   XSetForeground(dpy, sw->linegc, pixel);
-  XDrawLine(dpy, sw->window, sw->linegc, PointX(sw, k), PointY(sw, k), PointX(sw, k + 1),
-            PointY(sw, k + 1));
+  ScaledDrawLine(sw->window, sw->linegc, PointX(sw, k), PointY(sw, k), PointX(sw, k + 1),
+                 PointY(sw, k + 1));
 }
 
 // Draws the rubber-band line, or takes it away again.
@@ -70,7 +71,7 @@ void InvertRubberBand(SymWindow* sw) {
   const int y = PointY(sw, last);
   if (x == sw->lastx && y == sw->lasty) return;
   const Inverting inverting(sw->linegc);
-  XDrawLine(dpy, sw->window, sw->linegc, x, y, sw->lastx, sw->lasty);
+  ScaledDrawLine(sw->window, sw->linegc, x, y, sw->lastx, sw->lasty);
 }
 
 // Four angles that frame the square in which points can be.
@@ -86,7 +87,7 @@ void DrawCornerMarks(SymWindow* sw) {
       Segment(kHigh, kHigh, kHighEnd, kHigh), Segment(kHigh, kHigh, kHigh, kHighEnd),
   };
   XSetForeground(dpy, sw->gc, lgrey.pixel);
-  XDrawSegments(dpy, sw->window, sw->gc, marks, static_cast<int>(std::size(marks)));
+  ScaledDrawSegments(sw->window, sw->gc, marks, static_cast<int>(std::size(marks)));
 }
 
 // The points with their squares and the lines between them, on top of the marks, which a square in
@@ -104,10 +105,10 @@ void DrawVector(SymWindow* sw) {
                      static_cast<short>(corners[slot].y - kPointSize / 2), kPointSize, kPointSize};
   }
   XSetForeground(dpy, sw->gc, black.pixel);
-  XFillRectangles(dpy, sw->window, sw->gc, squares.data(), npoints);
+  ScaledFillRectangles(sw->window, sw->gc, squares.data(), npoints);
   if (npoints < 2) return;
   XSetForeground(dpy, sw->linegc, black.pixel);
-  XDrawLines(dpy, sw->window, sw->linegc, corners.data(), npoints, CoordModeOrigin);
+  ScaledDrawLines(sw->window, sw->linegc, corners.data(), npoints);
 }
 
 void ClearArea(SymWindow* sw) {
@@ -283,7 +284,7 @@ void DrawSymAsBitmap(SymWindow* sw) {
     *line++ = Segment(kIconOrigin, at, kEnd, at);
   }
   XSetForeground(dpy, sw->gc, lgrey.pixel);
-  XDrawSegments(dpy, sw->window, sw->gc, lines, static_cast<int>(std::size(lines)));
+  ScaledDrawSegments(sw->window, sw->gc, lines, static_cast<int>(std::size(lines)));
 
   XRectangle squares[kIconSize * kIconSize];
   int set = 0;
@@ -297,7 +298,7 @@ void DrawSymAsBitmap(SymWindow* sw) {
   }
   if (set == 0) return;
   XSetForeground(dpy, sw->gc, blue.pixel);
-  XFillRectangles(dpy, sw->window, sw->gc, squares, set);
+  ScaledFillRectangles(sw->window, sw->gc, squares, set);
 }
 
 void SymWindowButtonPress(SymWindow* sw, XEvent* event) {

@@ -15,9 +15,9 @@
 #include "display/display.h"
 #include "display/modes.h"
 #include "display/pause.h"
+#include "display/scale.h"
 #include "display/window_manager.h"
 #include "toolkit/child_window.h"
-#include "toolkit/image.h"
 
 namespace gromlit {
 
@@ -70,13 +70,14 @@ void MakeIconWindow(TrayIcon* icon) {
       MakeChildWindow(root, 0, 0, kUsualSize, kUsualSize, white.pixel,
                       ExposureMask | StructureNotifyMask | ButtonPressMask | ButtonReleaseMask,
                       CWOverrideRedirect, unframed);
-  icon->width = icon->height = kUsualSize;
+  icon->width = icon->height = Device(kUsualSize);
   icon->pressed = 0;
   if (icon->wobj != nullptr) {
     // Entries cannot be given back.
     icon->wobj->window = icon->window;
   } else {
     icon->wobj = AllocWindowObj(icon->window, icon);
+    icon->wobj->device = true;  // the tray, not the program, says how large it is
     icon->gc = MakeWindowGC(icon->window);
     On<Expose, DrawTrayIcon>(icon);
     On<ConfigureNotify, TrayIconResized>(icon);
@@ -186,8 +187,9 @@ void NoteTrayGone(void*, XEvent* event) {
 void DrawTrayIcon(TrayIcon* icon, XEvent*) {
   const int side = std::clamp(std::min(icon->width, icon->height), 1, kMostSize);
   if (icon->picture == nullptr) icon->picture = MakeTrayPicture(side, gesturesPaused != 0);
-  PutImage(icon->window, icon->gc, icon->picture, (icon->width - side) / 2,
-           (icon->height - side) / 2);
+  if (icon->picture == nullptr) return;
+  XPutImage(dpy, icon->window, icon->gc, icon->picture, 0, 0, (icon->width - side) / 2,
+            (icon->height - side) / 2, static_cast<unsigned>(side), static_cast<unsigned>(side));
 }
 
 void TrayIconResized(TrayIcon* icon, XEvent* event) {

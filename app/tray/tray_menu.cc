@@ -20,6 +20,7 @@
 #include "display/modes.h"
 #include "display/monitors.h"
 #include "display/pause.h"
+#include "display/scale.h"
 #include "display/x_handles.h"
 #include "toolkit/menu.h"
 
@@ -119,9 +120,10 @@ void OpenTrayMenu(int x, int y) {
     RemakeMenu(trayicon->menu, labelFontinfo, items.data(), nitems);
   }
   // Trays lie at the edges.
-  const XRectangle area = MonitorAt(x, y);
-  PopUpMenuGrabbed(Along(x, trayicon->menu->width, area.x, area.x + area.width),
-                   Along(y, trayicon->menu->height, area.y, area.y + area.height), trayicon->menu);
+  const XRectangle area = LogicalArea(MonitorAt(x, y));
+  PopUpMenuGrabbed(Along(Logical(x), trayicon->menu->width, area.x, area.x + area.width),
+                   Along(Logical(y), trayicon->menu->height, area.y, area.y + area.height),
+                   trayicon->menu);
 }
 
 void NoteEntered(const Target& entered, Window rootchild) {

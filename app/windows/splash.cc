@@ -7,6 +7,7 @@
 
 #include "actions/launch.h"
 #include "display/display.h"
+#include "display/scale.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/image.h"
@@ -58,9 +59,9 @@ void DoSplash() {
   XSetWindowAttributes more{};
   more.save_under = True;
   more.override_redirect = True;
-  const Window win =
-      MakeChildWindow(root, screenwidth / 2 - width / 2, screenheight / 2 - height / 2, width,
-                      height, lgrey.pixel, ExposureMask, CWSaveUnder | CWOverrideRedirect, more);
+  const Window win = MakeChildWindow(
+      root, LogicalScreenWidth() / 2 - width / 2, LogicalScreenHeight() / 2 - height / 2, width,
+      height, lgrey.pixel, ExposureMask, CWSaveUnder | CWOverrideRedirect, more);
   const GC gc = MakeWindowGC(win, labelFont);
   XMapWindow(dpy, win);
   XSync(dpy, False);

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "display/display.h"
+#include "display/scale.h"
 #include "display/x_handles.h"
 #include "toolkit/child_window.h"
 #include "toolkit/manners.h"
@@ -56,8 +57,8 @@ void SetWindowManagerProperties(Window window, const WindowIdentity& identity) {
   const XData<XSizeHints> size(XAllocSizeHints());
   if (size != nullptr) {
     size->flags = PMinSize | PMaxSize | PBaseSize;
-    size->min_width = size->max_width = size->base_width = identity.width;
-    size->min_height = size->max_height = size->base_height = identity.height;
+    size->min_width = size->max_width = size->base_width = Device(identity.width);
+    size->min_height = size->max_height = size->base_height = Device(identity.height);
   }
   char classpart[] = "Gromlit";
   XClassHint hint;
@@ -73,9 +74,8 @@ Window CreateTopLevel(int width, int height, long events) {
   attributes.background_pixel = lgrey.pixel;
   attributes.backing_store = WhenMapped;
   attributes.event_mask = events;
-  return XCreateWindow(dpy, root, 0, 0, static_cast<unsigned>(width), static_cast<unsigned>(height),
-                       1, DefaultDepth(dpy, screen), InputOutput, CopyFromParent,
-                       CWBackPixel | CWBackingStore | CWEventMask, &attributes);
+  return ScaledCreateWindow(root, 0, 0, width, height, 1, InputOutput,
+                            CWBackPixel | CWBackingStore | CWEventMask, &attributes);
 }
 
 Window MakeEditorWindow(const WindowIdentity& identity) {

@@ -10,6 +10,7 @@
 #include <memory>
 
 #include "display/display.h"
+#include "display/fonts.h"
 #include "tests/support/temp_install.h"
 #include "tests/support/x_server.h"
 #include "toolkit/window_object.h"

@@ -9,6 +9,7 @@
 #include "capture/stroke_label.h"
 #include "core/option_files.h"
 #include "core/strings.h"
+#include "display/scale.h"
 #include "display/target.h"
 #include "recognition/signature_match.h"
 #include "tests/support/process.h"
@@ -199,6 +200,33 @@ TEST_F(StrokeLabelTest, ALongNameIsShortenedToTheScreen) {
   EXPECT_EQ(label.shown, std::string(63, 'W'));
   EXPECT_GE(label.area.x, 0);
   EXPECT_LE(label.area.width, screenwidth);
+}
+
+class DoubleStrokeLabelTest : public StrokeLabelTest {
+ protected:
+  void SetUp() override {
+    UseScale(2);
+    StrokeLabelTest::SetUp();
+  }
+  void TearDown() override {
+    StrokeLabelTest::TearDown();
+    UseScale(1);
+  }
+};
+
+// The monitor and the stroke are measured in pixels of the screen, and so is the hole in the trail.
+TEST_F(DoubleStrokeLabelTest, IsTwiceAsLargeInTheMiddleOfTheMonitor) {
+  Name(Line(5, 0));
+  ASSERT_TRUE(Viewable());
+  const XRectangle& area = label.area;
+  EXPECT_EQ(area.width, 2 * 96);
+  EXPECT_EQ(area.height, 2 * (labelFontinfo->ascent + labelFontinfo->descent + 12));
+  EXPECT_NEAR(area.x + area.width / 2, screenwidth / 2, 1);
+  EXPECT_EQ(area.y, 2 * 8);
+  EXPECT_EQ(PixelOf(label.window, 1, area.height - 2), 0UL) << "an outline of two pixels";
+  EXPECT_EQ(PixelOf(label.window, 2, area.height - 3), 0xffffffUL);
+  EXPECT_EQ(PixelOf(label.window, area.width - 2, 5), 0UL);
+  EXPECT_GT(Ink(), 4 * 40);
 }
 
 }  // namespace

@@ -17,6 +17,7 @@
 #include "core/plugin_files.h"
 #include "display/draw_button.h"
 #include "display/pause.h"
+#include "display/scale.h"
 #include "display/window_manager.h"
 #include "tests/x11/capture/test_tray.h"
 
@@ -500,6 +501,50 @@ TEST_F(TrayTest, PluginThatCannotBeSavedIsToldAndNothingIsSwitched) {
   EXPECT_TRUE(ShownFailure().starts_with("Gestures stay off: the plug-in was not saved."));
   EXPECT_TRUE(IsHandsOffClass("Edit.edit"));
   GiveFileBack(plugin);
+}
+
+class DoubleTrayTest : public TrayTest {
+ protected:
+  void SetUp() override {
+    UseScale(2);
+    server = std::make_unique<testing::XServer>("2560x1440x24");
+    TrayTest::SetUp();
+  }
+  void TearDown() override {
+    TrayTest::TearDown();
+    UseScale(1);
+  }
+};
+
+// The tray says how large the icon is, in pixels of the screen; its menu is the program's.
+TEST_F(DoubleTrayTest, IconIsAsLargeAsTheTraySaysAndItsMenuTwiceAsLarge) {
+  WatchForTrays();
+  StartTray();
+  XWindowAttributes is{};
+  ASSERT_NE(XGetWindowAttributes(dpy, trayicon->window, &is), 0);
+  EXPECT_TRUE(PumpUntil([&] {
+    XGetWindowAttributes(dpy, trayicon->window, &is);
+    return trayicon->width == is.width && trayicon->height == is.height;
+  })) << trayicon->width;
+  ASSERT_NE(trayicon->picture, nullptr);
+  EXPECT_EQ(trayicon->picture->width, std::min(is.width, is.height));
+  // In the last pixel of the icon that a press of logical pixels would not reach.
+  player->MoveTo(TestTray::kX + TestTray::kIconX + is.width - 1,
+                 TestTray::kY + TestTray::kIconY + is.height - 1);
+  player->Click(3);
+  ASSERT_TRUE(PumpUntil([&] { return trayicon->menu != nullptr && trayicon->menu->open != 0; }));
+  const XMenu* menu = trayicon->menu;
+  XGetWindowAttributes(dpy, menu->window, &is);
+  EXPECT_EQ(is.width, 2 * menu->width);
+  EXPECT_GE(is.x, 0);
+  EXPECT_LE(is.x + is.width, 2560);
+  EXPECT_LE(is.y + is.height, 1440);
+  const int item = 2 * (4 + menu->itemheight) + menu->itemheight;  // the second one
+  player->MoveTo(is.x + menu->width, is.y + item);
+  Pump();
+  player->Click(1);
+  Pump();
+  EXPECT_EQ(gesturesPaused, 1);
 }
 
 }  // namespace
