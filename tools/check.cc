@@ -32,7 +32,8 @@ std::string Quote(std::string_view text) {
 
 bool SameCommand(const GromlitCmd& one, const GromlitCmd& other) {
   const auto text = [](const GromlitCmd& cmd) {
-    return std::string_view(cmd.text == nullptr ? "" : cmd.text, cmd.text == nullptr ? 0 : cmd.ntext);
+    return std::string_view(cmd.text == nullptr ? "" : cmd.text,
+                            cmd.text == nullptr ? 0 : cmd.ntext);
   };
   return one.type == other.type && one.nkeys == other.nkeys && one.checked == other.checked &&
          one.flag == other.flag && text(one) == text(other) &&

@@ -82,6 +82,7 @@ TEST_F(EditorPictures, ThePreferences) {
   ForBoth("preferences", Still(Framed(window)));
   ClickChild(window, BoxOf(window).width - 80, 100);  // More...
   const Window more = Editor("MorePreferences");
+  Place(more, 40, 400);  // it is higher than the others
   ClickChild(more, BoxOf(more).width - 272, BoxOf(more).height - 40);  // Recommended
   ForBoth("more-preferences", Still(Framed(more)));
   Cancel("MorePreferences");
