@@ -7,6 +7,7 @@
 #include <map>
 #include <random>
 
+#include "core/option_files.h"
 #include "core/strings.h"
 #include "core/symbol_files.h"
 #include "tests/e2e/stored_files.h"
@@ -27,9 +28,17 @@ using testing::Sanitized;
 using testing::Title;
 using testing::WaitFor;
 
-// The parameter is the window manager; empty for none.
-class FrontEndStormTest : public testing::FrontEnd,
-                          public ::testing::WithParamInterface<const char*> {
+struct Desk {
+  const char* manager;  // window manager; empty for none
+  int32_t manners;      // of menus, fields and dialogs
+};
+
+void PrintTo(const Desk& desk, std::ostream* out) {
+  *out << (*desk.manager != '\0' ? desk.manager : "no manager")
+       << (desk.manners == kModernManners ? ", today's manners" : "");
+}
+
+class FrontEndStormTest : public testing::FrontEnd, public ::testing::WithParamInterface<Desk> {
  protected:
   void SetUp() override {
     FrontEnd::SetUp();
@@ -39,7 +48,14 @@ class FrontEndStormTest : public testing::FrontEnd,
     std::printf("seed %u\n", seed_);
     RecordProperty("seed", std::to_string(seed_));
     random_.seed(seed_);
-    if (*GetParam() != '\0') StartWindowManager(GetParam(), testing::kClickToRaise);
+    const Desk desk = GetParam();
+    if (*desk.manager != '\0') StartWindowManager(desk.manager, testing::kClickToRaise);
+    if (desk.manners != kPlainManners) {
+      GromlitUserOptions options{};
+      DefaultUserOptions(&options);
+      options.temp4 = desk.manners;
+      ASSERT_EQ(SaveUserOptions(&options, defaultOptionFile), 1);
+    }
     probe_ = std::make_unique<ProbeClient>(
         install->path(), std::vector<std::string>{"--class", "Probe", "probe", "--geometry",
                                                   "340x300+880+80", "--events", "0"});
@@ -128,7 +144,8 @@ class FrontEndStormTest : public testing::FrontEnd,
 
   void DoSomething(const std::vector<Window>& windows) {
     constexpr KeySym kKeys[] = {XK_a,      XK_b,    XK_c,     XK_1,    XK_slash,  XK_BackSpace,
-                                XK_Delete, XK_Left, XK_Right, XK_Home, XK_Return, XK_Tab};
+                                XK_Delete, XK_Left, XK_Right, XK_Home, XK_Return, XK_Tab,
+                                XK_Up,     XK_Down, XK_End,   XK_F10,  XK_Escape, XK_Menu};
     // Most ways begin in the menu bar.
     if (Pick(4) == 0) {
       MoveTo(Inside(bar_));
@@ -156,7 +173,9 @@ class FrontEndStormTest : public testing::FrontEnd,
           player->Type(kKeys[static_cast<size_t>(Pick(static_cast<int>(std::size(kKeys))))]);
         break;
       default:
-        Chord(XK_Control_L, Pick(2) == 0 ? XK_a : XK_k);
+        constexpr KeySym kChords[] = {XK_a, XK_k, XK_c, XK_v, XK_x, XK_Right};
+        Chord(XK_Control_L,
+              kChords[static_cast<size_t>(Pick(static_cast<int>(std::size(kChords))))]);
     }
   }
 
@@ -198,7 +217,8 @@ class FrontEndStormTest : public testing::FrontEnd,
 };
 
 TEST_P(FrontEndStormTest, RandomClicksAndKeysEndNothingAndDamageNoFile) {
-  const int rounds = Sanitized() ? 25 : 50;
+  const char* wanted = std::getenv("GROMLIT_ROUNDS");
+  const int rounds = wanted != nullptr ? std::atoi(wanted) : Sanitized() ? 10 : 20;
   for (int round = 0; round < rounds; round++) {
     SCOPED_TRACE("round " + std::to_string(round) + ", seed " + std::to_string(seed_));
     std::vector<Window> windows;
@@ -231,8 +251,11 @@ TEST_P(FrontEndStormTest, RandomClicksAndKeysEndNothingAndDamageNoFile) {
               NamesIn(*install / "plugins").size(), exits_);
 }
 
-INSTANTIATE_TEST_SUITE_P(Alone, FrontEndStormTest, ::testing::Values(""));
-INSTANTIATE_TEST_SUITE_P(Openbox, FrontEndStormTest, ::testing::Values("openbox"));
+constexpr Desk kDesks[] = {{"", kPlainManners},
+                           {"openbox", kPlainManners},
+                           {"", kModernManners},
+                           {"openbox", kModernManners}};
+INSTANTIATE_TEST_SUITE_P(Desks, FrontEndStormTest, ::testing::ValuesIn(kDesks));
 
 }  // namespace
 }  // namespace gromlit
