@@ -43,12 +43,7 @@ void LoseRelease() {
 void ButtonKeyPress(void* obj, XEvent* event) {
   auto* button = static_cast<XButton*>(obj);
   if (!ModernManners()) return;
-  char bytes[32];
-  KeySym key = NoSymbol;
-  LookupKey(&event->xkey, bytes, sizeof bytes, &key);
-  key = PlainKey(key);
-  const bool plain = (event->xkey.state & (ControlMask | Mod1Mask | Mod4Mask)) == 0;
-  if (!plain || (key != XK_space && key != XK_Return)) {
+  if (!IsPressingKey(&event->xkey)) {
     HandKeyUp(button->window, event);
     return;
   }

@@ -4,9 +4,16 @@
 #include "display/scale.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
+#include "toolkit/focus.h"
 #include "toolkit/manners.h"
+#include "toolkit/tab_order.h"
 
 namespace gromlit {
+namespace {
+
+constexpr int kFocusInset = 3;  // of the frame that shows the keyboard, from each edge
+
+}  // namespace
 
 XCheckBox* MakeCheckBox(void* owner, Window parent, void (*func)(void* arg, int newstate), int x,
                         int y) {
@@ -26,6 +33,11 @@ XCheckBox* MakeCheckBox(void* owner, Window parent, void (*func)(void* arg, int 
   box->wobj = AllocWindowObj(box->window, box);
   On<Expose, DrawCheckBox>(box);
   On<ButtonPress, CheckBoxDown>(box);
+  On<KeyPress, CheckBoxKeyPress>(box);
+  On<FocusIn, CheckBoxFocus>(box);
+  On<FocusOut, CheckBoxFocus>(box);
+  SetHandler(box->wobj, KeyRelease, NoteKeyRelease);
+  SetTabStop(box->wobj, nullptr);
   XMapWindow(dpy, box->window);
   return box;
 }
@@ -63,11 +75,30 @@ void DrawCheckBox(XCheckBox* box, XEvent*) {
   }
   XDrawBevel(box->state != 0 ? kSunken : kRaised, box->window, box->gc, 0, 0, box->width,
              box->height);
+  if (box->focused != 0 && ModernManners())
+    DrawOutline(box->window, box->gc, black.pixel, kFocusInset, kFocusInset,
+                box->width - 2 * kFocusInset - 1, box->height - 2 * kFocusInset - 1);
 }
 
 void CheckBoxDown(XCheckBox* box, XEvent*) {
   box->state = box->state != 0 ? 0 : 1;
   if (box->action != nullptr) box->action(box->arg, box->state);
+  DrawCheckBox(box);
+}
+
+void CheckBoxKeyPress(XCheckBox* box, XEvent* event) {
+  if (!ModernManners()) return;
+  if (!IsPressingKey(&event->xkey)) {
+    HandKeyUp(box->window, event);
+  } else if (!IsKeyRepeat(event->xkey)) {
+    CheckBoxDown(box, event);
+  }
+}
+
+void CheckBoxFocus(XCheckBox* box, XEvent* event) {
+  if (event->type == FocusOut) FocusLost(event->xfocus);
+  if (!IsFocusMove(event->xfocus)) return;
+  box->focused = event->type == FocusIn ? 1 : 0;
   DrawCheckBox(box);
 }
 

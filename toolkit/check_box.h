@@ -21,6 +21,7 @@ struct XCheckBox {
   int x;  // position in the parent
   int y;
   int state;                                // 1 checked, 0 unchecked
+  int focused;                              // 1 while it has the keyboard
   void (*action)(void* arg, int newstate);  // or null
   void* arg;                                // the box itself unless the owner replaces it
   Window caption;                           // takes the presses on the caption; None before there
@@ -40,5 +41,9 @@ void HideCheckBox(XCheckBox* box);
 // Handlers; the drawing does not look at its event. Every press counts, of any mouse button.
 void DrawCheckBox(XCheckBox* box, XEvent* event = nullptr);
 void CheckBoxDown(XCheckBox* box, XEvent* event);
+
+// With today's manners Tab leads to a box, and Space or Return turns it over.
+void CheckBoxKeyPress(XCheckBox* box, XEvent* event);
+void CheckBoxFocus(XCheckBox* box, XEvent* event);
 
 }  // namespace gromlit

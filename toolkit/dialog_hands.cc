@@ -58,12 +58,28 @@ std::string Question(const XDialog* dlog) {
   return text;
 }
 
+// The window that a dialog belongs to: the one that its user works in, where that is one that a
+// window manager knows; else the main window. A menu closes, and the icon in the tray is none.
+Window AskerOf(const XDialog* dlog) {
+  if (lastpressed == None) return dialogowner;
+  const Window top = TopOf(lastpressed);
+  const WindowObj* entry = FindWindowObj(top);
+  if (top == dlog->window || entry == nullptr || entry->window != top ||
+      entry->eh[ClientMessage] == NoHandler) {
+    return dialogowner;
+  }
+  XWindowAttributes at{};
+  const bool seen = XGetWindowAttributes(dpy, top, &at) != 0 && at.map_state == IsViewable;
+  return seen && at.override_redirect == False ? top : dialogowner;
+}
+
 void TellManager(const XDialog* dlog, int x, int y, bool keyboard) {
   const Window window = dlog->window;
   XStoreName(dpy, window, Latin1Of(dlog->title).c_str());
   DescribeWindow(window, Question(dlog), WindowKind::kDialog);
   XSetWMProtocols(dpy, window, &wm_delete, 1);
-  if (dialogowner != None) XSetTransientForHint(dpy, window, dialogowner);
+  const Window asker = AskerOf(dlog);
+  if (asker != None) XSetTransientForHint(dpy, window, asker);
   const XData<XSizeHints> size(XAllocSizeHints());
   if (size != nullptr) {
     size->flags = USPosition | PPosition | PMinSize | PMaxSize;
@@ -180,8 +196,8 @@ void PlaceBeside(const XDialog* dlog, Window child, int* x, int* y) {
   Window beside = None;
   if (child != None && HoldsOwn(child, kLevels)) {
     beside = child;
-  } else if (dialogowner != None) {
-    beside = FrameOf(dialogowner);
+  } else if (const Window asker = AskerOf(dlog); asker != None) {
+    beside = FrameOf(asker);
   }
   XWindowAttributes at{};
   if (beside == None || beside == FrameOf(dlog->window) ||

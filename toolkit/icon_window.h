@@ -17,6 +17,7 @@ struct IconWindow {
   GC gc;                           // its own
   int (*action)(void* buttonarg);  // set by the owner before a clickable tile is mapped
   void* buttonarg;                 // null: the tile is passive and selects no button events
+  int focused;                     // 1 while it has the keyboard
 };
 
 // Makes a tile, not mapped.
@@ -26,6 +27,10 @@ IconWindow* MakeIconWindow(Window parent, int x, int y, GromlitSymbol* sym, void
 // is.
 void DrawIconWindow(IconWindow* iw, XEvent* event = nullptr);
 void IconWindowButtonRelease(IconWindow* iw, XEvent* event);
+
+// With today's manners Tab leads to a clickable tile, and Space or Return calls back.
+void IconWindowKeyPress(IconWindow* iw, XEvent* event);
+void IconWindowFocus(IconWindow* iw, XEvent* event);
 
 // Draws the set bits of a symbol's icon, 32 x 32 pixels, in gc's foreground with the top-left
 // corner at (wx, wy). One request at most.

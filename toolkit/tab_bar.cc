@@ -1,11 +1,17 @@
 #include "toolkit/tab_bar.h"
 
+#include <X11/keysym.h>
+
 #include <algorithm>
 
 #include "display/display.h"
 #include "display/scale.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
+#include "toolkit/focus.h"
+#include "toolkit/key_lookup.h"
+#include "toolkit/manners.h"
+#include "toolkit/tab_order.h"
 
 namespace gromlit {
 namespace {
@@ -21,9 +27,30 @@ void DrawSelected(XTabBar* tbar, int up) {
                 tbar->itemwidth[i] + 2 * kTitleMargin, tbar->itemheight + 2, tbar->width - 1);
 }
 
+// The line below the selected title.
+void DrawFocus(XTabBar* tbar, unsigned long pixel) {
+  if (!HasSelected(tbar)) return;
+  FillRectangle(tbar->window, tbar->gc, pixel, tbar->itemx[tbar->selected], tbar->itemheight + 1,
+                tbar->itemwidth[tbar->selected], 1);
+}
+
+bool ShowsFocus(const XTabBar* tbar) {
+  return tbar->focused != 0 && ModernManners();
+}
+
 void CallBack(XTabBar* tbar, int flag) {
   const XTabItem* item = tbar->items[tbar->selected];
   if (item->action != nullptr) item->action(tbar, item->arg, flag);
+}
+
+void SelectTab(XTabBar* tbar, int i) {
+  if (i == tbar->selected) return;
+  if (ShowsFocus(tbar)) DrawFocus(tbar, lgrey.pixel);
+  if (HasSelected(tbar)) DrawSelected(tbar, kFlat);
+  tbar->selected = i;
+  DrawSelected(tbar, kRaised);
+  if (ShowsFocus(tbar)) DrawFocus(tbar, dgrey.pixel);
+  CallBack(tbar, kTabSelected);
 }
 
 }  // namespace
@@ -58,6 +85,10 @@ XTabBar* MakeTabBar(Window parent, int x, int y, int width, int height, XFontStr
   On<ButtonPress, TabBarButtonPress>(tbar);
   On<ButtonRelease, TabBarButtonRelease>(tbar);
   On<MotionNotify, TabBarMotionNotify>(tbar);
+  On<KeyPress, TabBarKeyPress>(tbar);
+  On<FocusIn, TabBarFocus>(tbar);
+  On<FocusOut, TabBarFocus>(tbar);
+  SetTabStop(tbar->wobj, nullptr);
   return tbar;
 }
 
@@ -99,6 +130,7 @@ void DrawTabBar(XTabBar* tbar, XEvent*) {
   DrawTitles(tbar);
   if (!HasSelected(tbar)) return;
   DrawSelected(tbar, kRaised);
+  if (ShowsFocus(tbar)) DrawFocus(tbar, dgrey.pixel);
   CallBack(tbar, kTabRedrawn);
 }
 
@@ -123,11 +155,34 @@ void TabBarTrackMouse(XTabBar* tbar, XEvent* event) {
   const XButtonEvent& e = event->xbutton;
   if (e.y > tbar->itemheight) return;
   const int i = TitleAt(tbar->itemx, tbar->itemwidth, tbar->nitems, e.x);
-  if (i < 0 || i == tbar->selected) return;
-  if (HasSelected(tbar)) DrawSelected(tbar, kFlat);
-  tbar->selected = i;
-  DrawSelected(tbar, kRaised);
-  CallBack(tbar, kTabSelected);
+  if (i >= 0) SelectTab(tbar, i);
+}
+
+void TabBarKeyPress(XTabBar* tbar, XEvent* event) {
+  if (!ModernManners()) return;
+  char bytes[32];
+  KeySym key = NoSymbol;
+  LookupKey(&event->xkey, bytes, sizeof bytes, &key);
+  key = PlainKey(key);
+  const int last = tbar->nitems - 1;
+  // What the field and the buttons of a page have no use for comes here, too.
+  const bool moves = key == XK_Left || key == XK_Right || key == XK_Home || key == XK_End;
+  if (tbar->focused == 0 || !moves || last < 0) {
+    HandKeyUp(tbar->window, event);
+    return;
+  }
+  const int to = key == XK_Home   ? 0
+                 : key == XK_End  ? last
+                 : key == XK_Left ? tbar->selected - 1
+                                  : tbar->selected + 1;
+  SelectTab(tbar, std::clamp(to, 0, last));
+}
+
+void TabBarFocus(XTabBar* tbar, XEvent* event) {
+  if (event->type == FocusOut) FocusLost(event->xfocus);
+  if (!IsFocusMove(event->xfocus)) return;
+  tbar->focused = event->type == FocusIn ? 1 : 0;
+  DrawFocus(tbar, ShowsFocus(tbar) ? dgrey.pixel : lgrey.pixel);
 }
 
 }  // namespace gromlit

@@ -7,6 +7,10 @@
 //   tab i          press or drag on title i           tab i   TabBarTrackMouse, nothing to do
 //   tab i          press or drag elsewhere            tab i   TabBarTrackMouse, nothing to do
 //   tab i          uncovered                          tab i   DrawTabBar, action with flag 0
+//   tab i          an arrow key, Home or End          tab j   TabBarKeyPress, action with flag 1
+//
+// Keys count with today's manners, where Tab leads to the titles; a line below the selected one
+// shows that they have the keyboard.
 #pragma once
 
 #include <X11/Xlib.h>
@@ -48,6 +52,7 @@ struct XTabBar {
   int height;      // of titles and panel
   int itemheight;  // of the titles
   int selected;    // the selected tab
+  int focused;     // 1 while the titles have the keyboard
   int visible;     // titles drawn
   int top;         // 0
   int nitems;      // 0..kMaxTitles
@@ -78,6 +83,8 @@ void DrawTabBar(XTabBar* tbar, XEvent* event = nullptr);
 void TabBarButtonPress(XTabBar* tbar, XEvent* event);
 void TabBarButtonRelease(XTabBar* tbar, XEvent* event);
 void TabBarMotionNotify(XTabBar* tbar, XEvent* event);
+void TabBarKeyPress(XTabBar* tbar, XEvent* event);
+void TabBarFocus(XTabBar* tbar, XEvent* event);
 
 // Selects the title at the event's position, unless that lies below the titles.
 void TabBarTrackMouse(XTabBar* tbar, XEvent* event);

@@ -119,6 +119,15 @@ KeySym PlainKey(KeySym key) {
   }
 }
 
+bool IsPressingKey(XKeyEvent* press) {
+  char bytes[32];
+  KeySym key = NoSymbol;
+  LookupKey(press, bytes, sizeof bytes, &key);
+  key = PlainKey(key);
+  return (press->state & (ControlMask | Mod1Mask | Mod4Mask)) == 0 &&
+         (key == XK_space || key == XK_Return);
+}
+
 Window TopOf(Window window) {
   for (;;) {
     const Window parent = ParentOf(window);

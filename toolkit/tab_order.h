@@ -24,6 +24,9 @@ WindowKey WindowKeyOf(KeySym key, unsigned state);
 // XK_KP_Enter is XK_Return. Keypad keys that type, as with Num Lock, stay.
 KeySym PlainKey(KeySym key);
 
+// Whether a key presses what has the keyboard: Space or Return, without Control, Alt or Super.
+bool IsPressingKey(XKeyEvent* press);
+
 // The outermost window of the program that a window lies in. A round trip for each level.
 Window TopOf(Window window);
 

@@ -124,6 +124,8 @@ void DispatchEvent(XEvent* event) {
       return;
     }
     const WindowObj* entry = FindWindowObj(event->xany.window);
+    const bool press = event->type == KeyPress || event->type == ButtonPress;
+    if (press && event->xany.window != root) lastpressed = event->xany.window;
     handler = entry != nullptr ? entry->eh[event->type] : NoHandler;
     owner = entry != nullptr ? entry->obj : nullptr;
     if (entry != nullptr && entry != defaultWindowObj && entry->window != root && !entry->device)

@@ -87,6 +87,10 @@ const char* EventName(int type);
 // Swallows debug traces.
 void noprintf(const char* format, ...);
 
+// The window of the program whose key or button the user pressed last; None before the first. What
+// is asked next comes of it. Written by DispatchEvent.
+inline Window lastpressed = None;
+
 // Takes a window from the screen: the one way for all top-level windows and dialogs of the program.
 // Menus, which close as part of what the pointer does, have their own.
 void HideWindow(Window window);

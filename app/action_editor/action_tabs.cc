@@ -14,6 +14,7 @@
 #include "toolkit/bevel.h"
 #include "toolkit/manners.h"
 #include "toolkit/pulldown_button.h"
+#include "toolkit/tab_order.h"
 #include "toolkit/text.h"
 
 namespace gromlit {
@@ -200,6 +201,13 @@ void ActionHotKeyPress(TextEditor* txt, XEvent* event) {
   char bytes[32];
   KeySym key = NoSymbol;
   LookupKey(&event->xkey, bytes, sizeof bytes, &key);
+  // The way on for a hand that stays on the keyboard: Tab is recorded in an empty field alone.
+  const WindowKey meaning = WindowKeyOf(key, event->xkey.state);
+  if (ModernManners() && txt->len > 0 &&
+      (meaning == WindowKey::kNext || meaning == WindowKey::kBack)) {
+    FocusNext(txt->window, meaning == WindowKey::kBack);
+    return;
+  }
   txt->keycode = static_cast<int>(event->xkey.keycode);
   txt->keystate = static_cast<int>(event->xkey.state);
   if (IsModifier(key)) return;

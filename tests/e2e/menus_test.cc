@@ -7,6 +7,7 @@
 
 #include "core/option_files.h"
 #include "core/plugin_files.h"
+#include "tests/e2e/stored_files.h"
 
 namespace gromlit {
 namespace {
@@ -331,9 +332,14 @@ class ModernMenusTest : public testing::FrontEnd {
     GromlitUserOptions options{};
     DefaultUserOptions(&options);
     options.splash = 0;
+    options.temp2 = kActivateFirst;
     options.temp4 = kModernManners;
     ASSERT_EQ(SaveUserOptions(&options, defaultOptionFile), 1);
     StartWindowManager("openbox");
+    // Before the main window, which openbox then gives the keyboard.
+    probe_ = std::make_unique<ProbeClient>(
+        install->path(),
+        std::vector<std::string>{"--class", "Probe", "probe", "--geometry", "340x300+880+80"});
     LaunchInstalled();
     ASSERT_NE(WaitShown("Application"), Window{0});
   }
@@ -378,23 +384,67 @@ class ModernMenusTest : public testing::FrontEnd {
                      std::chrono::milliseconds(300));
     });
   }
-  // Whether a dialog is on the screen, framed or not.
-  bool AsksSomething(Window in, int levels) {
+  // Whether a dialog is on the screen, framed or not; the dialog, or 0.
+  Window AsksSomething(Window in, int levels) {
     for (const Window window : Children(in)) {
       XClassHint hint{};
       if (XGetClassHint(player->display(), window, &hint) != 0) {
         const bool dialog = std::string("Dialog") == hint.res_name;
         XFree(hint.res_name);
         XFree(hint.res_class);
-        if (dialog && Viewable(window)) return true;
+        if (dialog && Viewable(window)) return window;
       }
-      if (levels > 1 && AsksSomething(window, levels - 1)) return true;
+      const Window inner = levels > 1 ? AsksSomething(window, levels - 1) : 0;
+      if (inner != 0) return inner;
     }
-    return false;
+    return 0;
   }
+  // --- By the keyboard alone ---
+
+  Window Focus() {
+    Window focus = 0;
+    int revert;
+    XGetInputFocus(player->display(), &focus, &revert);
+    return focus;
+  }
+  // Goes on with Tab until a widget has the keyboard, one step after the other.
+  bool TabTo(Window widget) {
+    for (int tabs = 0; tabs < 30; tabs++) {
+      const Window before = Focus();
+      if (before == widget) return true;
+      player->Type(XK_Tab);
+      WaitFor([&] { return Focus() != before; }, std::chrono::seconds(2));
+    }
+    return Focus() == widget;
+  }
+  // Chooses from a menu: F10, so many titles to the right, the first letter, Return. The window
+  // manager may give the main window the keyboard a moment after a dialog has gone.
+  void ChooseByKeys(Title title, KeySym letter) {
+    Window opened = 0;
+    ASSERT_TRUE(WaitFor([&] {
+      player->Type(XK_F10);
+      return WaitFor([&] { return (opened = Menu()) != 0; }, std::chrono::seconds(2));
+    }));
+    for (int i = 0; i < static_cast<int>(title); i++) {
+      player->Type(XK_Right);
+      ASSERT_TRUE(WaitFor([&] { return Menu() != 0 && Menu() != opened; }));
+      opened = Menu();
+    }
+    player->Type(letter);
+    player->Type(XK_Return);
+  }
+  // The text field in a window that is on the screen.
+  Window FieldIn(Window window) {
+    for (const Window child : Children(window))
+      if (Viewable(child) && BoxOf(child).height == 24 && BoxOf(child).width > 100) return child;
+    return 0;
+  }
+
   bool GivesBack() {
     return WaitFor([this] { return Menu() == 0 && player->CanGrabPointer() && KeyboardIsFree(); });
   }
+
+  std::unique_ptr<ProbeClient> probe_;
 };
 
 TEST_F(ModernMenusTest, TheMenuBarIsWorkedByClicksAndByKeys) {
@@ -431,6 +481,92 @@ TEST_F(ModernMenusTest, TheMenuBarIsWorkedByClicksAndByKeys) {
   EXPECT_FALSE(player->CanGrabPointer());
   gromlit->Kill(SIGTERM);
   EXPECT_TRUE(GivesBack());
+}
+
+// From an empty directory to a stroke that acts; the pointer draws, and picks the application.
+TEST_F(ModernMenusTest, AGestureIsMadeWithThePointerForDrawingAndPickingAlone) {
+  ChooseByKeys(Title::kSymbol, XK_n);
+  if (HasFailure()) return;
+  const Window symbol = WaitShown("SymbolEditor");
+  const Point area = OriginOf(WaitChild(symbol, 16, 100));
+  Draw({{area.x + 40, area.y + 40}, {area.x + 40, area.y + 200}, {area.x + 200, area.y + 200}});
+  Window next = WaitChild(symbol, 400, 414);
+  ASSERT_TRUE(TabTo(next));
+  player->Type(XK_space);
+  Window finish = 0;
+  ASSERT_TRUE(WaitFor([&] {
+    finish = ChildAt(symbol, 400, 414);
+    return finish != 0 && finish != next;
+  }));
+  ASSERT_TRUE(TabTo(finish));
+  player->Type(XK_space);
+  Window field = 0;
+  ASSERT_TRUE(WaitFor([&] { return (field = FieldIn(symbol)) != 0; }));
+  ASSERT_TRUE(TabTo(field));
+  TypeText("Tick");
+  player->Type(XK_Return);
+  ASSERT_TRUE(WaitHidden("SymbolEditor"));
+  ASSERT_EQ(NamesIn(*install / "symbols"), std::vector<std::string>{"Tick.sls"});
+
+  ChooseByKeys(Title::kPlugIn, XK_n);
+  if (HasFailure()) return;
+  Window question = 0;
+  ASSERT_TRUE(WaitFor([&] { return (question = AsksSomething(player->root(), 3)) != 0; }));
+  EXPECT_TRUE(WaitFor([&] {
+    player->Type(XK_Return);
+    return WaitFor([&] { return AsksSomething(player->root(), 3) == 0; },
+                   std::chrono::milliseconds(300));
+  }));
+  ASSERT_TRUE(WaitFor([this] { return PickLabel() != 0; }));
+  ClickIn(probe_->window(), 20, 250);
+  ASSERT_TRUE(WaitFor([this] { return Exists(PluginFile("Probe.probe")); }));
+
+  ChooseByKeys(Title::kAction, XK_n);
+  if (HasFailure()) return;
+  const Window editor = WaitShown("ActionEditor");
+  const Window bar = TabBar(editor);
+  ASSERT_TRUE(TabTo(TabField(editor)));
+  Chord(XK_Control_L, XK_s);
+  ASSERT_TRUE(FieldReads(TabField(editor), "Control-s", 0));
+  ASSERT_TRUE(TabTo(WaitChild(bar, BoxOf(bar).width - 216, BoxOf(bar).height - 32)));
+  player->Type(XK_space);
+  // Another tab, and what its field types.
+  ASSERT_TRUE(TabTo(bar));
+  player->Type(XK_Right);
+  player->Type(XK_Right);
+  ASSERT_TRUE(TabTo(TabField(editor)));
+  TypeText("yes");
+  player->Type(XK_Return);
+  const int width = BoxOf(bar).width;
+  ASSERT_TRUE(TabTo(WaitChild(editor, width + 28, 100)));
+  Chord(XK_Control_L, XK_a);
+  TypeText("Sign");
+  const Window icon = WaitChild(editor, width + 128 + 48, 100);
+  ASSERT_TRUE(TabTo(icon));
+  player->Type(XK_space);
+  Window chooser = 0;
+  ASSERT_TRUE(WaitFor([&] { return (chooser = AsksSomething(player->root(), 3)) != 0; }));
+  // The window manager gives the dialog the keyboard, and that its grid; the letter selects.
+  constexpr int kBelowLogo = 65;
+  const Window grid = WaitChild(chooser, 4, kBelowLogo);
+  ASSERT_TRUE(WaitFor([&] { return Focus() == grid; }));
+  player->Type(XK_t);
+  player->Type(XK_Return);
+  ASSERT_TRUE(WaitFor([&] { return AsksSomething(player->root(), 3) == 0; }));
+  ASSERT_TRUE(TabTo(WaitChild(editor, 560 - 160, BoxOf(editor).height - 40)));
+  player->Type(XK_space);
+  ASSERT_TRUE(WaitHidden("ActionEditor"));
+
+  const auto action = testing::ShowFile(PluginFile("Probe.probe"))["actions"][0];
+  EXPECT_EQ(action["name"], "Sign");
+  EXPECT_EQ(action["symbol"]["name"], "Tick");
+  ASSERT_EQ(action["commands"].size(), 2u);
+  EXPECT_EQ(action["commands"][0]["text"], "Control-s");
+  EXPECT_EQ(action["commands"][1]["text"], "yes");
+
+  const Point on = OriginOf(probe_->window());
+  Draw({{on.x + 40, on.y + 40}, {on.x + 40, on.y + 200}, {on.x + 200, on.y + 200}});
+  EXPECT_EQ(probe_->Wait(4, "KeyPress").size(), 4u) << "Control-s, y, e, s";
 }
 
 INSTANTIATE_TEST_SUITE_P(Alone, MenusTest, ::testing::Values(""));
