@@ -58,11 +58,17 @@ TEST_F(CommandListTest, ReturnAddsAndUpdatesWithTodaysManners) {
   Type(tab->ed, "s");
   Chord({}, XK_Return);
   EXPECT_THAT(Lines(), ElementsAre("Run: xterms"));
-  // In the field of a hot key every key is one.
+  // In the field of a hot key every key is one, but Tab where one has been recorded.
   ClickTab(kHotKey);
-  Record({XK_Control_L}, XK_v);
   Record({}, XK_Tab);
   EXPECT_EQ(Field(tab->ed), "Tab");
+  Record({XK_Control_L}, XK_v);
+  Record({}, XK_Tab);
+  EXPECT_EQ(Field(tab->ed), "Control-v");
+  Window focus = None;
+  int revert;
+  XGetInputFocus(dpy, &focus, &revert);
+  EXPECT_NE(focus, tab->ed->window) << "Tab leads on";
   // The name's is OK.
   MoveInto(act->txt->window, 60, 12);
   Chord({}, XK_Return);
