@@ -187,8 +187,11 @@ void LoseRelease() {
 void GrabPoint(SymWindow* sw) {
   // A press that is read late must not take the pointer from a menu that was opened meanwhile.
   if (MenuHoldsPointer()) return;
-  if (XGrabPointer(dpy, sw->window, False, ButtonReleaseMask | PointerMotionMask, GrabModeAsync,
-                   GrabModeAsync, None, None, CurrentTime) != GrabSuccess) {
+  // Presses too: a quick hand takes hold of the next point before the release of this one is read
+  // and the pointer given back.
+  constexpr unsigned kEvents = ButtonPressMask | ButtonReleaseMask | PointerMotionMask;
+  if (XGrabPointer(dpy, sw->window, False, kEvents, GrabModeAsync, GrabModeAsync, None, None,
+                   CurrentTime) != GrabSuccess) {
     // Without the grab the release might never come here.
     return;
   }

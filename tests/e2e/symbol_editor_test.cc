@@ -135,7 +135,8 @@ TEST_F(SymbolEditorRun, NextKeepsTheIconOfAnEditedSymbolAndRestartDrawsItAnew) {
   Open();
   OpenEdit(0);
   NextStep();
-  for (const Point& bit : hand) EXPECT_EQ(HasBit(bit), PreviewHasBit(bit));
+  for (const Point& bit : hand)
+    EXPECT_TRUE(WaitFor([&] { return HasBit(bit) == PreviewHasBit(bit); }));
   EXPECT_TRUE(HasBit({15, 4}));
   Shoot("kept");
   FinishStep();
