@@ -203,6 +203,7 @@ struct Tracing {
   pid_t child;
   const std::function<void(Stop&)>& at_stop;
   Ending* ending;
+  bool let_go = false;
   int pending_error = 0;
   std::optional<uint64_t> former_count = {};
   uint64_t number = 0;
@@ -230,7 +231,7 @@ struct Tracing {
       stop.result = info.exit.rval;
       if (!Restore(&stop)) return false;
     }
-    at_stop(stop);
+    if (!let_go) at_stop(stop);
     return Obey(stop);
   }
 
@@ -254,6 +255,7 @@ struct Tracing {
   }
 
   bool Obey(const Stop& stop) {
+    let_go = let_go || stop.let_go_;
     if (stop.kill_) kill(child, SIGKILL);
     if (stop.signal_ != 0) kill(child, stop.signal_);
 #ifdef __x86_64__
@@ -277,7 +279,8 @@ struct Tracing {
     int signal_to_give = 0;
     for (;;) {
       // A child that was killed in the meantime is no failure: the wait tells.
-      ptrace(PTRACE_SYSCALL, child, nullptr,
+      const bool on_call = !let_go || pending_error != 0 || former_count.has_value();
+      ptrace(on_call ? PTRACE_SYSCALL : PTRACE_CONT, child, nullptr,
              reinterpret_cast<void*>(static_cast<intptr_t>(signal_to_give)));
       signal_to_give = 0;
       int status = 0;

@@ -45,6 +45,8 @@ class Stop {
   std::string Path() const;
 
   void Kill() { kill_ = true; }
+  // The child is left alone from here on.
+  void LetGo() { let_go_ = true; }
   void Signal(int number_of_signal) { signal_ = number_of_signal; }
   // Before a call: it is not made and fails with this error.
   void Fail(int error) { error_ = error; }
@@ -58,6 +60,7 @@ class Stop {
   friend struct Tracing;
   pid_t child_;
   bool kill_ = false;
+  bool let_go_ = false;
   int signal_ = 0;
   int error_ = 0;
   uint64_t count_ = 0;
