@@ -51,7 +51,7 @@ function(gromlit_room)
   endif()
   file(GLOB sources CONFIGURE_DEPENDS *.cc)
   list(FILTER sources EXCLUDE REGEX "/main\\.cc$")
-  add_library(${room} STATIC ${sources})
+  add_library(${room} ${sources})
   target_link_libraries(${room} PUBLIC gromlit_flags ${gromlit_uses_${room}} ${ARG_LIBRARIES})
 endfunction()
 

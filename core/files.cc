@@ -71,7 +71,19 @@ bool WriteAll(int fd, std::span<const std::byte> bytes, off_t offset, size_t* do
 
 // EINVAL: this kind of file cannot be synchronised, which is no reason to call the save failed.
 bool Sync(int fd) {
-  return fsync(fd) == 0 || errno == EINVAL || errno == EROFS;
+  return Uninterrupted([&] { return fsync(fd); }) == 0 || errno == EINVAL || errno == EROFS;
+}
+
+int Open(const char* path, int flags, mode_t mode = 0) {
+  return Uninterrupted([&] { return open(path, flags, mode); });
+}
+
+bool Stat(int fd, struct stat* st) {
+  return Uninterrupted([&] { return fstat(fd, st); }) == 0;
+}
+
+bool Cut(int fd, size_t size) {
+  return Uninterrupted([&] { return ftruncate(fd, static_cast<off_t>(size)); }) == 0;
 }
 
 std::string ParentOf(const std::string& path) {
@@ -80,19 +92,27 @@ std::string ParentOf(const std::string& path) {
   return slash == 0 ? "/" : path.substr(0, slash);
 }
 
-// Where a chain of symbolic links leads, existing or not; path itself when it is no link. The open
-// that came before has already refused loops.
-std::string FollowLinks(std::string path) {
+// Makes what happened to the names in the directory of `path` certain. Nothing is left to do where
+// that fails: it has happened.
+void SyncParentOf(const std::string& path) {
+  const Descriptor directory(Open(ParentOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (directory.ok()) (void)Sync(directory.get());
+}
+
+// Leads *path to where a chain of symbolic links ends, existing or not. The open that came before
+// has already refused loops. False with errno set when that cannot be told: the link itself would
+// be replaced.
+bool FollowLinks(std::string* path) {
   for (int i = 0; i < kMaxLinks; i++) {
     char target[PATH_MAX];
-    const ssize_t n = readlink(path.c_str(), target, sizeof target);
-    if (n <= 0) break;
+    const ssize_t n = Uninterrupted([&] { return readlink(path->c_str(), target, sizeof target); });
+    if (n < 0) return errno == EINVAL || errno == ENOENT;  // no link, or nothing there
     // A relative target starts from the directory of its link.
-    std::string next = target[0] == '/' ? "" : ParentOf(path) + "/";
+    std::string next = target[0] == '/' ? "" : ParentOf(*path) + "/";
     next.append(target, static_cast<size_t>(n));
-    path = next;
+    *path = next;
   }
-  return path;
+  return true;
 }
 
 // Overwrites an open regular file without ever giving up its old contents before the new ones are
@@ -120,13 +140,13 @@ bool OverwriteRegular(int fd, std::span<const std::byte> image, size_t old_size,
     if (!good) *wrote = done;
   }
   good = good && Sync(fd);
-  if (good && image.size() < old_size) good = ftruncate(fd, static_cast<off_t>(image.size())) == 0;
+  if (good && image.size() < old_size) good = Cut(fd, image.size());
   if (good) return true;
 
   const int saved = errno;
   size_t ignored = 0;
   if (head_touched) (void)WriteAll(fd, old, 0, &ignored);
-  if (image.size() > old_size && ftruncate(fd, static_cast<off_t>(old_size)) != 0) {
+  if (image.size() > old_size && !Cut(fd, old_size)) {
     // Nothing better is left to try; the save is reported as failed either way.
   }
   errno = saved;
@@ -136,7 +156,7 @@ bool OverwriteRegular(int fd, std::span<const std::byte> image, size_t old_size,
 constexpr int kTargetFlags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 
 bool WriteNew(const char* path, std::span<const std::byte> image, size_t* wrote) {
-  const Descriptor fresh(open(path, O_RDWR | O_CREAT | O_EXCL | kTargetFlags, 0666));
+  const Descriptor fresh(Open(path, O_RDWR | O_CREAT | O_EXCL | kTargetFlags, 0666));
   if (!fresh.ok()) return false;
   bool good = WriteAll(fresh.get(), image, 0, wrote);
   if (good) {
@@ -149,15 +169,15 @@ bool WriteNew(const char* path, std::span<const std::byte> image, size_t* wrote)
 
 bool WriteInPlace(const char* path, std::span<const std::byte> image, size_t* wrote) {
   {
-    const Descriptor existing(open(path, O_RDWR | kTargetFlags));
+    const Descriptor existing(Open(path, O_RDWR | kTargetFlags));
     if (!existing.ok()) return errno == ENOENT && WriteNew(path, image, wrote);
     struct stat st {};
-    if (fstat(existing.get(), &st) != 0) return false;
+    if (!Stat(existing.get(), &st)) return false;
     if (S_ISREG(st.st_mode))
       return OverwriteRegular(existing.get(), image, static_cast<size_t>(st.st_size), wrote);
   }
   // Opened for writing alone, a FIFO that nobody reads is refused instead of swallowing the data.
-  const Descriptor special(open(path, O_WRONLY | kTargetFlags));
+  const Descriptor special(Open(path, O_WRONLY | kTargetFlags));
   return special.ok() && WriteAll(special.get(), image, -1, wrote);
 }
 
@@ -167,13 +187,16 @@ enum class Replaced { kYes, kFailed, kImpossible };
 // temporary could be made or moved into place, nothing has happened.
 Replaced ReplaceByRename(const std::string& target, std::span<const std::byte> image,
                          const struct stat* old, size_t* wrote) {
-  std::string name = std::string(GromlitPath) + "/" + std::string(kTemporaryPrefix) +
-                     std::string(kTemporaryPattern);
-  const Descriptor temporary(mkostemp(name.data(), O_CLOEXEC));
+  std::string name;
+  const Descriptor temporary(Uninterrupted([&] {
+    name = std::string(GromlitPath) + "/" + std::string(kTemporaryPrefix) +
+           std::string(kTemporaryPattern);
+    return mkostemp(name.data(), O_CLOEXEC);
+  }));
   if (!temporary.ok()) return Replaced::kImpossible;
   const int fd = temporary.get();
   // Held until the descriptor closes: tells RemoveStaleTemporaries of another process to keep off.
-  (void)flock(fd, LOCK_EX | LOCK_NB);
+  (void)Uninterrupted([&] { return flock(fd, LOCK_EX | LOCK_NB); });
   if (!WriteAll(fd, image, 0, wrote)) {
     UnlinkKeepingErrno(name.c_str());
     return Replaced::kFailed;
@@ -183,8 +206,10 @@ Replaced ReplaceByRename(const std::string& target, std::span<const std::byte> i
   if (old != nullptr) {
     // Ownership is kept where the system allows it, before the bits, because changing it may clear
     // some of them.
-    if (fchown(fd, old->st_uid, old->st_gid) != 0 &&
-        fchown(fd, static_cast<uid_t>(-1), old->st_gid) != 0) {
+    const auto own = [&](uid_t user) {
+      return Uninterrupted([&] { return fchown(fd, user, old->st_gid); }) == 0;
+    };
+    if (!own(old->st_uid) && !own(static_cast<uid_t>(-1))) {
       // The file becomes the saving user's own.
     }
     mode = old->st_mode & kPermissionBits;
@@ -193,7 +218,7 @@ Replaced ReplaceByRename(const std::string& target, std::span<const std::byte> i
     umask(mask);
     mode = 0666 & ~mask;
   }
-  if (fchmod(fd, mode) != 0) {
+  if (Uninterrupted([&] { return fchmod(fd, mode); }) != 0) {
     UnlinkKeepingErrno(name.c_str());
     return Replaced::kImpossible;
   }
@@ -201,23 +226,22 @@ Replaced ReplaceByRename(const std::string& target, std::span<const std::byte> i
     UnlinkKeepingErrno(name.c_str());
     return Replaced::kFailed;
   }
-  if (rename(name.c_str(), target.c_str()) != 0) {
+  if (Uninterrupted([&] { return rename(name.c_str(), target.c_str()); }) != 0) {
     UnlinkKeepingErrno(name.c_str());
     return Replaced::kImpossible;
   }
-  const Descriptor directory(open(ParentOf(target).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (directory.ok()) (void)Sync(directory.get());
+  SyncParentOf(target);
   return Replaced::kYes;
 }
 
 }  // namespace
 
 int OpenRegular(const char* path) {
-  const int fd = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+  const int fd = Open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
   if (fd < 0) return -1;
   struct stat st {};
   int why = 0;
-  if (fstat(fd, &st) != 0)
+  if (!Stat(fd, &st))
     why = errno;
   else if (S_ISDIR(st.st_mode))
     why = EISDIR;
@@ -235,7 +259,7 @@ bool ReadFile(const char* path, size_t limit, std::vector<std::byte>* out) {
   if (!file.ok()) return false;
   // Room for what is expected; a file that is larger than it says is read in further steps.
   struct stat st {};
-  if (fstat(file.get(), &st) != 0) return false;
+  if (!Stat(file.get(), &st)) return false;
   constexpr size_t kStep = 4096;
   size_t room = std::min(limit, std::max(static_cast<size_t>(st.st_size), kStep));
   size_t got = 0;
@@ -262,16 +286,17 @@ bool SaveFile(const char* path, std::span<const std::byte> image, size_t* wrote)
   struct stat old {};
   bool exists = false;
   {
-    const Descriptor probe(open(path, O_RDWR | kTargetFlags));
+    const Descriptor probe(Open(path, O_RDWR | kTargetFlags));
     if (probe.ok()) {
-      if (fstat(probe.get(), &old) != 0) return false;
+      if (!Stat(probe.get(), &old)) return false;
       exists = true;
     } else if (errno != ENOENT) {
       return false;
     }
   }
   if (exists && !S_ISREG(old.st_mode)) return WriteInPlace(path, image, wrote);
-  const std::string target = FollowLinks(path);
+  std::string target = path;
+  if (!FollowLinks(&target)) return false;
   switch (ReplaceByRename(target, image, exists ? &old : nullptr, wrote)) {
     case Replaced::kYes:
       return true;
@@ -299,6 +324,18 @@ void RemoveStaleTemporaries() {
     if (file.ok() && flock(file.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) continue;
     unlinkat(base, entry->d_name, 0);
   }
+}
+
+bool RemoveFile(const char* path) {
+  if (Uninterrupted([&] { return unlink(path); }) != 0) return false;
+  SyncParentOf(path);
+  return true;
+}
+
+bool MakeDirectory(const char* path) {
+  if (Uninterrupted([&] { return mkdir(path, 0777); }) != 0) return errno == EEXIST;
+  SyncParentOf(path);
+  return true;
 }
 
 std::string DataPath(const char* directory, const char* name) {

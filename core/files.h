@@ -2,12 +2,22 @@
 // checked, and a save never loses what was there.
 #pragma once
 
+#include <cerrno>
 #include <cstddef>
 #include <span>
 #include <string>
 #include <vector>
 
 namespace gromlit {
+
+// Makes a system call that tells of failure by -1, again as long as a signal interrupts it: on some
+// file systems any call on a file may be, and a save is not to fail for a signal.
+template <typename Call>
+auto Uninterrupted(Call call) {
+  auto result = call();
+  while (result == -1 && errno == EINTR) result = call();
+  return result;
+}
 
 // Opens a regular file for reading (O_NONBLOCK, so that a FIFO cannot block the program;
 // O_CLOEXEC). Returns the descriptor, or -1 with errno set when it cannot be opened or is not a
@@ -42,6 +52,14 @@ bool SaveFile(const char* path, std::span<const std::byte> image, size_t* wrote 
 // Removes temporaries that an interrupted save left below GromlitPath; those of a save that another
 // process is busy with stay.
 void RemoveStaleTemporaries();
+
+// Removes the file at `path`, for good: what was reported as removed does not come back when the
+// power fails. False with errno set.
+bool RemoveFile(const char* path);
+
+// Makes a directory, less the umask, for good; one that is there already will do. What is saved in
+// it is as safe as in any other. False with errno set.
+bool MakeDirectory(const char* path);
 
 // GromlitPath + "/" + directory + "/" + name.
 std::string DataPath(const char* directory, const char* name);

@@ -2,7 +2,6 @@
 
 #include <dirent.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -94,27 +93,61 @@ void KeepFile(GromlitPlugin* pin, std::string_view name) {
 
 // --- Saving -----------------------------------------------------------------------------------
 
-// Reads the node's file into pin, once: whatever comes of it, the node then counts as loaded.
-void ReadOnFirstUse(GromlitPluginList* node, GromlitPlugin& pin) {
+// As ReadPluginActions; *error is why the system gave nothing to read, or 0.
+GromlitPlugin* ReadActions(const char* fname, GromlitPlugin* pin, int* error) {
+  std::vector<std::byte> file;
+  *error = 0;
+  if (!ReadFile(PluginPath(fname).c_str(), kMaxPluginFile, &file)) {
+    *error = errno;
+    return nullptr;
+  }
+  const PluginPart missing = DecodePluginFile(file, pin);
+  if (missing == PluginPart::kRecord) return nullptr;
+  KeepFile(pin, fname);
+  if (missing == PluginPart::kNothing) return pin;
+  PrintReadError(missing);
+  pin->damagedfile = StrDup(fname);
+  return nullptr;
+}
+
+// Reads the node's file into pin, once: whatever comes of it, the node then counts as loaded. The
+// result is why the system gave nothing to read, or 0.
+int ReadOnFirstUse(GromlitPluginList* node, GromlitPlugin& pin) {
+  int error = 0;
   // Unreadable now though it was listed: the file may hold actions that the record lacks.
-  if (ReadPluginActions(node->filename, &pin) == nullptr && pin.damagedfile == nullptr)
+  if (ReadActions(node->filename, &pin, &error) == nullptr && pin.damagedfile == nullptr)
     pin.damagedfile = StrDup(node->filename);
   node->loaded = 1;
+  return error;
 }
 
 // Reads the actions of a listed plug-in that nobody has looked up yet, keeping its record as the
-// caller changed it.
-void EnsureActions(GromlitPlugin* pin) {
+// caller changed it. False with errno set when the file cannot be read now: a save would put a
+// plug-in without actions in its place.
+bool EnsureActions(GromlitPlugin* pin) {
   EnsureList();
   for (auto* node = allPlugins; node->plugin != nullptr; node = node->next) {
     if (node->plugin != pin || node->loaded != 0) continue;
     GromlitPlugin stored{};
-    ReadOnFirstUse(node, stored);
+    if (const int error = ReadOnFirstUse(node, stored); error != 0 && error != ENOENT) {
+      node->loaded = 0;
+      Retire(stored.damagedfile);
+      errno = error;
+      return false;
+    }
     std::copy_n(stored.actions, kMaxActions, pin->actions);
     pin->nactions = stored.nactions;
     pin->damagedfile = stored.damagedfile;
-    return;
+    return true;
   }
+  return true;
+}
+
+// Whether a regular file is there, or may be: the system does not say.
+bool MayBeFile(const std::string& path) {
+  struct stat st {};
+  if (Uninterrupted([&] { return stat(path.c_str(), &st); }) == 0) return S_ISREG(st.st_mode);
+  return errno != ENOENT;
 }
 
 GromlitPlugin* SaveFailed() {
@@ -184,26 +217,16 @@ GromlitPlugin* ReadPluginHeader(const char* fname, GromlitPlugin* pin) {
 }
 
 GromlitPlugin* ReadPluginActions(const char* fname, GromlitPlugin* pin) {
-  std::vector<std::byte> file;
-  if (!ReadFile(PluginPath(fname).c_str(), kMaxPluginFile, &file)) return nullptr;
-  const PluginPart missing = DecodePluginFile(file, pin);
-  if (missing == PluginPart::kRecord) return nullptr;
-  KeepFile(pin, fname);
-  if (missing == PluginPart::kNothing) return pin;
-  PrintReadError(missing);
-  pin->damagedfile = StrDup(fname);
-  return nullptr;
+  int unused = 0;
+  return ReadActions(fname, pin, &unused);
 }
 
 // --- Writing ----------------------------------------------------------------------------------
 
 GromlitPlugin* UnLoadPlugin(GromlitPlugin* pin, const char* fname) {
-  EnsureActions(pin);
+  if (!EnsureActions(pin)) return SaveFailed();
   const std::string name = StoredName(*pin, fname);
-  if (name.empty()) {
-    errno = EEXIST;
-    return SaveFailed();
-  }
+  if (name.empty()) return SaveFailed();
   const std::vector<std::byte> image = EncodePluginFile(pin);
   if (image.empty()) {
     errno = EFBIG;
@@ -275,9 +298,7 @@ GromlitPlugin* CreatePlugin(const char* appname, const char* classname, bool* sa
   CopyText(plugin->appname, appname);
   CopyText(plugin->classname, classname);
   const std::string name = StoredName(*plugin, plugin->classname);
-  struct stat st {};
-  if (!name.empty() && stat(PluginPath(name).c_str(), &st) == 0 && S_ISREG(st.st_mode))
-    plugin->damagedfile = StrDup(name.c_str());
+  if (!name.empty() && MayBeFile(PluginPath(name))) plugin->damagedfile = StrDup(name.c_str());
   allPlugins = new GromlitPluginList{StrDup(plugin->classname), 1, plugin, allPlugins};
   const bool written = UnLoadPlugin(plugin, plugin->classname) != nullptr;
   if (saved != nullptr) *saved = written;
@@ -296,8 +317,8 @@ int DropPlugin(const GromlitPlugin* killpin, const char* fname) {
     if (const GromlitPluginList* node = NodeOf(FieldText(killpin->classname)))
       stored = node->plugin;
   const std::string name = StoredName(*stored, fname);
-  if (name.empty()) errno = ENOENT;
-  if (name.empty() || unlink(PluginPath(name).c_str()) != 0) {
+  if (name.empty() && errno == EEXIST) errno = ENOENT;
+  if (name.empty() || !RemoveFile(PluginPath(name).c_str())) {
     ReportSystemError("Delete Plugin");
     return 0;
   }

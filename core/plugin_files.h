@@ -38,7 +38,8 @@ GromlitPlugin* ReadPluginActions(const char* fname, GromlitPlugin* pin);
 //   a free variation of the name (NAME_2.sla, ...) is taken, and kept from then on.
 // - A plug-in that was read damaged has its file copied to damaged/ before the first overwrite; if
 //   that copy fails, so does the save.
-// - Of a plug-in in the list whose actions have not been read yet, they are read first.
+// - Of a plug-in in the list whose actions have not been read yet, they are read first; if the
+//   system does not let them be read, the save fails.
 // Returns pin; or null after reporting "Save Plugin" with the system error, which is left in errno,
 // the old file left as it was. A write that ends early also prints on standard output which part it
 // was.

@@ -1,6 +1,7 @@
 #include "core/plugin_names.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstddef>
 #include <utility>
 
@@ -48,8 +49,11 @@ std::string PluginPath(const std::string& name) {
 FileOwner OwnerOf(const std::string& name, std::string_view classname) {
   std::vector<std::byte> file;
   GromlitPlugin record;
-  if (!ReadFile(PluginPath(name).c_str(), kHeaderSize + kPluginImageSize, &file))
-    return FileOwner::kNone;
+  if (!ReadFile(PluginPath(name).c_str(), kHeaderSize + kPluginImageSize, &file)) {
+    // Nothing there, or a directory or another thing that no plug-in is in.
+    const bool none = errno == ENOENT || errno == ENOTDIR || errno == EISDIR || errno == EINVAL;
+    return none ? FileOwner::kNone : FileOwner::kUnknown;
+  }
   if (!DecodePluginRecord(file, &record)) return FileOwner::kNone;
   return FieldText(record.classname) == classname ? FileOwner::kThisClass : FileOwner::kOtherClass;
 }
@@ -74,9 +78,11 @@ std::string StoredName(const GromlitPlugin& pin, const char* fname) {
     const std::string number = n == 1 ? "" : "_" + std::to_string(n);
     std::string name = base + number + GromlitPluginFileExt;
     const FileOwner owner = OwnerOf(name, classname);
+    if (owner == FileOwner::kUnknown) return "";
     if (owner == FileOwner::kThisClass && !IsSpare(name)) return name;
     if (owner == FileOwner::kNone && unowned.empty()) unowned = name;
   }
+  if (unowned.empty()) errno = EEXIST;
   return unowned;
 }
 

@@ -17,9 +17,10 @@ inline constexpr const char* pluginDirectory = "plugins";
 inline constexpr const char* GromlitPluginFileExt = ".sla";
 
 // Whose plug-in lies under a name of the plug-in directory.
-enum class FileOwner { kNone, kThisClass, kOtherClass };
+enum class FileOwner { kNone, kThisClass, kOtherClass, kUnknown };
 
-// kNone for no file and for one that is no plug-in.
+// kNone for no file and for one that is no plug-in; kUnknown with errno set for one that cannot be
+// read now, which may be anybody's.
 FileOwner OwnerOf(const std::string& name, std::string_view classname);
 
 // The name that a class gives its file: CLASS.sla, a "/" as "_".
@@ -47,7 +48,8 @@ std::string PluginPath(const std::string& name);
 // The name of the file that a save or a removal of pin is about: its own file, unless that belongs
 // to another class by now; else the first variation of `fname` (NAME.sla, NAME_2.sla, ...) that
 // already is this class's, else the first that is nobody's. Never a spare file (SparePluginFiles).
-// Empty when all belong to others.
+// Empty with errno set: EEXIST when all belong to others, else why it cannot be told whose a file
+// is.
 std::string StoredName(const GromlitPlugin& pin, const char* fname);
 
 }  // namespace gromlit

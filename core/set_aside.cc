@@ -18,15 +18,15 @@ std::string FreeCopyPath(const char* directory, const std::string& name) {
   std::replace(plain.begin(), plain.end(), '/', '_');
   std::string copy = DataPath(directory, plain.c_str());
   struct stat taken {};
-  for (int n = 2; lstat(copy.c_str(), &taken) == 0; n++)
+  for (int n = 2; Uninterrupted([&] { return lstat(copy.c_str(), &taken); }) == 0; n++)
     copy = DataPath(directory, (plain + "." + std::to_string(n)).c_str());
-  return copy;
+  return errno == ENOENT ? copy : "";
 }
 
 bool SetAside(const std::string& source, const char* directory, const std::string& name) {
   std::vector<std::byte> contents;
   struct stat st {};
-  if (stat(source.c_str(), &st) != 0) return errno == ENOENT;
+  if (Uninterrupted([&] { return stat(source.c_str(), &st); }) != 0) return errno == ENOENT;
   // One byte more than allowed tells a file that is too large to be kept whole.
   if (!ReadFile(source.c_str(), kMaxPluginFile + 1, &contents)) return false;
   if (contents.size() > kMaxPluginFile) {
@@ -34,9 +34,9 @@ bool SetAside(const std::string& source, const char* directory, const std::strin
     return false;
   }
   const std::string home = std::string(GromlitPath) + "/" + directory;
-  if (mkdir(home.c_str(), 0777) != 0 && errno != EEXIST) return false;
+  if (!MakeDirectory(home.c_str())) return false;
   const std::string copy = FreeCopyPath(directory, name);
-  if (!SaveFile(copy.c_str(), contents)) return false;
+  if (copy.empty() || !SaveFile(copy.c_str(), contents)) return false;
   (void)chmod(copy.c_str(), st.st_mode & 0777);  // as private as the original
   return true;
 }

@@ -6,7 +6,8 @@
 namespace gromlit {
 
 // The path in the directory `directory` of the installation directory that a copy of `name` would
-// get: the name with "_" for "/", with ".2", ".3", ... behind it where that is in use.
+// get: the name with "_" for "/", with ".2", ".3", ... behind it where that is in use. Empty with
+// errno set when the system does not say whether it is.
 std::string FreeCopyPath(const char* directory, const std::string& name);
 
 // Copies the file at `source` to FreeCopyPath(directory, name), with its permission bits; the

@@ -1,7 +1,6 @@
 #include "core/symbol_files.h"
 
 #include <dirent.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -118,7 +117,7 @@ int DropSymbol(const GromlitSymbol* sym, const char* fname) {
   // Relative to the working directory, unlike every other path: what starts the program changes to
   // the installation directory first.
   const std::string path = std::string(symbolDirectory) + "/" + fname + GromlitSymbolFileExt;
-  if (unlink(path.c_str()) != 0) {
+  if (!RemoveFile(path.c_str())) {
     ReportSystemError("Remove Symbol");
     return 0;
   }
