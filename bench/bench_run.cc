@@ -208,9 +208,15 @@ BenchRun::~BenchRun() {
 }
 
 void BenchRun::Start(const std::string& display) {
-  program = std::make_unique<testing::Process>(
-      std::vector<std::string>{testing::Built("gromlit"), "-path", install.path()},
-      install / "gromlit.log", std::vector<std::string>{"DISPLAY=" + display}, install.path());
+  std::vector<std::string> command;
+  const char* through = std::getenv("GROMLIT_BENCH_THROUGH");
+  std::istringstream words(through != nullptr ? through : "");
+  for (std::string word; words >> word;) command.push_back(word);
+  for (const std::string& word : {testing::Built("gromlit"), std::string("-path"), install.path()})
+    command.push_back(word);
+  program = std::make_unique<testing::Process>(command, install / "gromlit.log",
+                                               std::vector<std::string>{"DISPLAY=" + display},
+                                               install.path());
   const auto ready = [this] {
     XWindowAttributes attributes{};
     XGetWindowAttributes(player.display(), player.root(), &attributes);

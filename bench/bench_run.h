@@ -69,7 +69,8 @@ class BenchRun {
   ~BenchRun();
 
   // Starts the program on this display, through a proxy or not, and waits until it follows the
-  // pointer; exits with a message when it does not come up.
+  // pointer; exits with a message when it does not come up. Words of $GROMLIT_BENCH_THROUGH go in
+  // front of the command.
   void Start(const std::string& display);
   void Stop();
 

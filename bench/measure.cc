@@ -155,6 +155,7 @@ std::vector<double> ReleaseToKey(BenchRun* run, Application* application, int ti
     XSync(run->player.display(), False);
     Pause(rest);  // until all of it is drawn
     before_release();
+    Pause(rest);
     const auto start = Clock::now();
     XTestFakeButtonEvent(run->player.display(), 3, False, CurrentTime);
     XFlush(run->player.display());
@@ -241,8 +242,6 @@ void MeasurePresses() {
 // --- Texts
 // ----------------------------------------------------------------------------------------
 
-constexpr int kTexts = 10;
-
 // Until all keys of the texts have come.
 void TypeTexts(BenchRun* run, Application* application, int letters) {
   run->Trace(20, milliseconds(1));
@@ -258,16 +257,16 @@ void TypeTexts(BenchRun* run, Application* application, int letters) {
   run->WaitOver();
 }
 
-// What ten texts of so many letters take; names begin with `name`.
-void MeasureTexts(const std::string& name, int letters) {
+// What an action of so many texts of so many letters takes; names begin with `name`.
+void MeasureTexts(const std::string& name, int texts, int letters) {
   BenchRun run;
-  WritePlugin("Bench.bench", kTexts, letters);
+  WritePlugin("Bench.bench", texts, letters);
   Application application(run.server.name(), 0, 0);
   run.Start(run.server.name());
   run.PressAndThaw();
   const unsigned long writes = Writes(run.program->pid());
   const auto start = Clock::now();
-  TypeTexts(&run, &application, kTexts * letters);
+  TypeTexts(&run, &application, texts * letters);
   Put(name + "_time", Microseconds(Clock::now() - start));
   Put(name + "_writes", static_cast<double>(Writes(run.program->pid()) - writes));
   run.Stop();
@@ -275,17 +274,18 @@ void MeasureTexts(const std::string& name, int letters) {
   run.Start(proxy.name());
   run.PressAndThaw();
   const testing::XCounts before = proxy.Counts(0);
-  TypeTexts(&run, &application, kTexts * letters);
+  TypeTexts(&run, &application, texts * letters);
   const testing::XCounts after = proxy.Counts(0);
   Put(name + "_answers", static_cast<double>(after.replies - before.replies));
   Put(name + "_bytes", static_cast<double>(after.bytes_to_server - before.bytes_to_server));
-  Put(name + "_commands", kTexts);
-  Put(name + "_letters", kTexts * letters);
+  Put(name + "_commands", texts);
+  Put(name + "_letters", texts * letters);
 }
 
 void MeasureTexts() {
-  MeasureTexts("text", 1000);
-  MeasureTexts("text_short", 10);
+  MeasureTexts("text", 10, 1000);
+  MeasureTexts("text_short", 10, 10);
+  MeasureTexts("text_one", 1, 10);
 }
 
 // --- Drawing and doing nothing
@@ -398,11 +398,46 @@ void MeasureStrokes() {
   Put("memory_stroke_time", Microseconds(Clock::now() - start) / strokes);
 }
 
+// --- Profiles
+// -------------------------------------------------------------------------------------
+
+// For a program that runs in callgrind, which scripts/bench puts in front of it.
+void ProfileStart() {
+  BenchRun run;
+  run.Start(run.server.name());
+}
+
+void ProfileGesture() {
+  BenchRun run;
+  WritePlugin("Bench.bench", 0, 0);
+  Application application(run.server.name(), 0, 0);
+  run.Start(run.server.name());
+  const auto draw = [&] {
+    run.PressAndThaw();
+    run.Trace(100, milliseconds(20));
+    run.player.Release(3);
+    application.TakeKeys(seconds(60));
+    run.WaitOver();
+    Pause(milliseconds(500));
+  };
+  draw();  // the first one reads the plug-in's actions
+  const std::string pid = std::to_string(run.program->pid());
+  Process({"callgrind_control", "-i", "on", pid}, "/dev/null").Wait();
+  draw();
+  Process({"callgrind_control", "-i", "off", pid}, "/dev/null").Wait();
+}
+
 int Run(const std::vector<std::string>& words) {
-  const std::map<std::string, std::function<void()>> kinds = {
-      {"start", MeasureStart},   {"link", MeasureStartOverLink},   {"gesture", MeasureGesture},
-      {"press", MeasurePresses}, {"text", [] { MeasureTexts(); }}, {"draw", MeasureDrawing},
-      {"idle", MeasureIdle},     {"strokes", MeasureStrokes}};
+  const std::map<std::string, std::function<void()>> kinds = {{"start", MeasureStart},
+                                                              {"link", MeasureStartOverLink},
+                                                              {"gesture", MeasureGesture},
+                                                              {"press", MeasurePresses},
+                                                              {"text", [] { MeasureTexts(); }},
+                                                              {"draw", MeasureDrawing},
+                                                              {"idle", MeasureIdle},
+                                                              {"strokes", MeasureStrokes},
+                                                              {"profile_start", ProfileStart},
+                                                              {"profile_gesture", ProfileGesture}};
   for (const std::string& word : words) {
     if (word == "--quick" || word == "--long") {
       form = word == "--quick" ? Form::kQuick : Form::kLong;
