@@ -13,8 +13,10 @@
 #include <utility>
 #include <vector>
 
+#include "bench/angle_templates.h"
 #include "bench/protractor.h"
 #include "bench/recognition_svg.h"
+#include "bench/report_table.h"
 #include "bench/starter_report.h"
 #include "recognition/find_action.h"
 #include "recognition/shape_match.h"
@@ -40,32 +42,16 @@ struct Count {
     wrong += found >= 0 && found != meant;
     all++;
   }
-  double Percent(int part) const { return all > 0 ? 100.0 * part / all : 0; }
-  double Right() const { return Percent(right); }
-  double Wrong() const { return Percent(wrong); }
-  double Run() const { return Percent(right + wrong); }
-  std::string Cells() const {
-    char text[64];
-    std::snprintf(text, sizeof text, "%.1f / %.2f / %.1f", Right(), Wrong(), 100 - Run());
-    return text;
-  }
+  double Right() const { return PercentOf(right, all); }
+  double Wrong() const { return PercentOf(wrong, all); }
+  double Run() const { return PercentOf(right + wrong, all); }
+  std::string Cells() const { return Shares(right, wrong, all); }
 };
 
 std::string Percent(double v) {
   char text[32];
   std::snprintf(text, sizeof text, "%.2f %%", v);
   return text;
-}
-
-void Row(const std::vector<std::string>& cells) {
-  for (const std::string& cell : cells) std::printf("| %s ", cell.c_str());
-  std::printf("|\n");
-}
-
-void Head(const std::string& title, const std::vector<std::string>& cells) {
-  std::printf("\n**%s**\n\n", title.c_str());
-  Row(cells);
-  Row(std::vector<std::string>(cells.size(), "---"));
 }
 
 int Found(const ShapeRanking& ranking, int tolerance) {
@@ -258,17 +244,19 @@ void PrintSources(const RecordedSet& set, const std::string& title,
 void PrintOwnHand(const RecordedSet& set) {
   constexpr int kTimes = 10;
   Head("The person's own hand, medium speed, samples chosen at random, ten times",
-       {"samples", "shape, Medium", "shape, Very high", "Protractor", "signatures"});
+       {"samples", "shape, Medium", "shape, Very high", "Protractor", "angles", "signatures"});
   std::mt19937 random(kSeed);
   for (const size_t samples : {1U, 3U, 5U, 9U}) {
     Count medium;
     Count nearest;
     Count protractor;
+    Count angles;
     Count signature;
     for (int time = 0; time < kTimes; time++) {
       for (int person = 0; person < static_cast<int>(set.people.size()); person++) {
         Library library;
         std::vector<ProtractorVector> vectors;
+        std::vector<AngleTemplate> templates;
         std::vector<const SetStroke*> others;
         for (int gesture = 0; gesture < static_cast<int>(set.gestures.size()); gesture++) {
           std::vector<const SetStroke*> drawn;
@@ -282,6 +270,7 @@ void PrintOwnHand(const RecordedSet& set) {
           for (size_t i = 0; i < samples; i++) {
             chosen.push_back(&drawn[i]->stroke);
             vectors.push_back(Vectorize(drawn[i]->stroke));
+            templates.push_back(MakeAngleTemplate(drawn[i]->stroke));
           }
           others.insert(others.end(), drawn.begin() + static_cast<std::ptrdiff_t>(samples),
                         drawn.end());
@@ -293,12 +282,15 @@ void PrintOwnHand(const RecordedSet& set) {
           nearest.Add(Found(ranking, kVeryHigh), s->gesture);
           const int index = RunProtractor(vectors, s->stroke).index;
           protractor.Add(index / static_cast<int>(samples), s->gesture);
+          const int nearest_angles = RunAngleTemplates(templates, s->stroke).index;
+          angles.Add(nearest_angles < 0 ? -1 : nearest_angles / static_cast<int>(samples),
+                     s->gesture);
           signature.Add(BySignature(library, s->stroke), s->gesture);
         }
       }
     }
     Row({std::to_string(samples), medium.Cells(), nearest.Cells(), protractor.Cells(),
-         signature.Cells()});
+         angles.Cells(), signature.Cells()});
   }
 }
 

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "bench/report_table.h"
 #include "core/strings.h"
 #include "recognition/find_action.h"
 #include "tests/unit/recognition/starter_gestures.h"
@@ -39,13 +40,7 @@ struct Tally {
     destructive += other.destructive;
     all += other.all;
   }
-  double Part(int n) const { return all > 0 ? 100.0 * n / all : 0; }
-  std::string Cells() const {
-    char text[64];
-    std::snprintf(text, sizeof text, "%.1f / %.2f / %.1f", Part(right), Part(wrong),
-                  Part(all - right - wrong));
-    return text;
-  }
+  std::string Cells() const { return Shares(right, wrong, all); }
 };
 
 using ByWay = std::map<size_t, std::array<Tally, 2>>;  // by the number of the way; matchings
@@ -87,17 +82,6 @@ Measured Measure(const std::vector<GromlitPlugin*>& plugins, int drawings, doubl
     }
   }
   return m;
-}
-
-void Row(const std::vector<std::string>& cells) {
-  for (const std::string& cell : cells) std::printf("| %s ", cell.c_str());
-  std::printf("|\n");
-}
-
-void Head(const std::string& title, const std::vector<std::string>& cells) {
-  std::printf("\n**%s**\n\n", title.c_str());
-  Row(cells);
-  Row(std::vector<std::string>(cells.size(), "---"));
 }
 
 Measured::Sum SumOf(const ByPlugin& plugins) {

@@ -7,26 +7,20 @@
 #include <limits>
 #include <type_traits>
 
+#include "recognition/shape_warp.h"
+
 namespace gromlit {
 namespace {
 
 // Four floats at a time, which both compilers turn into the instructions of whatever processor.
 using Lanes = float __attribute__((vector_size(16)));
 constexpr int kLanes = 4;
-static_assert(kShapePoints % kLanes == 0 && kShapeRow % kLanes == 0);
+static_assert(kShapePoints % kLanes == 0);
 
 constexpr float kFar = std::numeric_limits<float>::infinity();
 
-constexpr float kMaxTurn = 0.17453293F;  // 10 degrees: how far a stroke is turned to suit
-constexpr float kCosMaxTurn = 0.98480775F;
+constexpr float kCosMaxTurn = 0.98480775F;  // 10 degrees: how far a stroke is turned to suit
 constexpr float kSinMaxTurn = 0.17364818F;
-constexpr float kTurnShare = 0.5F;     // the part of it that is turned before warping
-constexpr float kMaxStretch = 1.3F;    // how far proportions are made to suit
-constexpr float kLeastExtent = 0.01F;  // keeps the proportions of a flat shape finite
-constexpr float kSaturation = 6;       // see the header; a cell costs at most 1 / kSaturation
-constexpr float kDirectionWeight = 0.5F;
-// The mean squared distance of a shape's points from their centre is 1 / kShapePoints.
-constexpr float kPositionWeight = 0.5F * kShapePoints / 2;
 
 // Thresholds by tolerance; docs/recognition.md has what each lets through.
 constexpr float kThresholds[] = {0.965F, 0.957F, 0.950F, 0.934F, -1};
@@ -48,29 +42,50 @@ float Sum(Lanes lanes) {
 
 // --- Features -----------------------------------------------------------------------------------
 
-float Distance(int n, const int16_t* x, const int16_t* y, int i) {
-  if (i + 1 >= n) return 0;
+float Distance(const int16_t* x, const int16_t* y, int i) {
   const auto dx = static_cast<float>(x[i + 1] - x[i]);
   const auto dy = static_cast<float>(y[i + 1] - y[i]);
   return std::sqrt(dx * dx + dy * dy);
 }
 
-// Points at equal distances along the way. REQUIRES: length > 0.
-void Resample(int n, const int16_t* x, const int16_t* y, float length, Shape* shape) {
-  int i = 0;  // the segment in which the next point lies, and where it begins along the way
-  float begin = 0;
-  float here = Distance(n, x, y, 0);
-  for (int k = 0; k < kShapePoints; ++k) {
-    const float at = length * static_cast<float>(k) / kShapeSegments;
-    while (i + 2 < n && begin + here < at) {
-      begin += here;
-      here = Distance(n, x, y, ++i);
+// The way through n points, the lengths of its parts kept as far as a stroke has points.
+class Way {
+ public:
+  Way(int n, const int16_t* x, const int16_t* y) : n_(n), x_(x), y_(y) {
+    for (int i = 0; i + 1 < n; ++i) {
+      const float here = Distance(x, y, i);
+      if (i < kMaxStrokePoints) parts_[i] = here;
+      length_ += here;
     }
-    const float part = here > 0 ? std::clamp((at - begin) / here, 0.0F, 1.0F) : 0;
-    shape->x[k] = static_cast<float>(x[i]) + part * static_cast<float>(x[i + 1] - x[i]);
-    shape->y[k] = static_cast<float>(y[i]) + part * static_cast<float>(y[i + 1] - y[i]);
   }
-}
+  float length() const { return length_; }
+
+  // Points at equal distances. REQUIRES: length() > 0.
+  void Resample(Shape* shape) const {
+    int i = 0;  // the part in which the next point lies, and where it begins along the way
+    float begin = 0;
+    float here = Part(0);
+    for (int k = 0; k < kShapePoints; ++k) {
+      const float at = length_ * static_cast<float>(k) / kShapeSegments;
+      while (i + 2 < n_ && begin + here < at) {
+        begin += here;
+        here = Part(++i);
+      }
+      const float part = here > 0 ? std::clamp((at - begin) / here, 0.0F, 1.0F) : 0;
+      shape->x[k] = static_cast<float>(x_[i]) + part * static_cast<float>(x_[i + 1] - x_[i]);
+      shape->y[k] = static_cast<float>(y_[i]) + part * static_cast<float>(y_[i + 1] - y_[i]);
+    }
+  }
+
+ private:
+  float Part(int i) const { return i < kMaxStrokePoints ? parts_[i] : Distance(x_, y_, i); }
+
+  int n_;
+  const int16_t* x_;
+  const int16_t* y_;
+  float length_ = 0;
+  float parts_[kMaxStrokePoints];  // the first n - 1 are set
+};
 
 // Moves the points to their centre and scales them. False when all lie in one place.
 bool Normalize(Shape* shape) {
@@ -103,28 +118,21 @@ bool Normalize(Shape* shape) {
   return true;
 }
 
-// Directions and middles of the segments, into arrays that begin at the first segment.
-void Segments(const float* x, const float* y, float* dx, float* dy, float* mx, float* my) {
+// Directions and middles of the segments.
+void Segments(Shape* shape) {
   for (int i = 0; i < kShapeSegments; ++i) {
-    const float xstep = x[i + 1] - x[i];
-    const float ystep = y[i + 1] - y[i];
+    const float xstep = shape->x[i + 1] - shape->x[i];
+    const float ystep = shape->y[i + 1] - shape->y[i];
     const float square = xstep * xstep + ystep * ystep;
     const float inverse = square > 0 ? 1 / std::sqrt(square) : 0;
-    dx[i] = xstep * inverse;
-    dy[i] = ystep * inverse;
-    mx[i] = (x[i] + x[i + 1]) / 2;
-    my[i] = (y[i] + y[i + 1]) / 2;
+    shape->dx[i] = xstep * inverse;
+    shape->dy[i] = ystep * inverse;
+    shape->mx[i] = (shape->x[i] + shape->x[i + 1]) / 2;
+    shape->my[i] = (shape->y[i] + shape->y[i + 1]) / 2;
   }
 }
 
 // --- Ranking ------------------------------------------------------------------------------------
-
-// The products from which the best rotation follows: (1, 0) for the same shape, (cos a, sin a) for
-// one that has to be turned by a to suit.
-struct Products {
-  float along;
-  float across;
-};
 
 Products Compare(const Shape& stroke, const Shape& symbol) {
   Lanes along{};
@@ -148,83 +156,7 @@ float BoundedCosine(Products p) {
   return p.along * kCosMaxTurn + across * kSinMaxTurn;
 }
 
-// --- Warping ------------------------------------------------------------------------------------
-
-// A stroke's segments, made to suit one symbol.
-struct Suited {
-  float dx[kShapeSegments];
-  float dy[kShapeSegments];
-  float mx[kShapeSegments];
-  float my[kShapeSegments];
-};
-
-void Suit(const Shape& stroke, const Shape& symbol, Products p, Suited* suited) {
-  const float turn = std::clamp(std::atan2(p.across, p.along), -kMaxTurn, kMaxTurn) * kTurnShare;
-  const float cosine = std::cos(turn);
-  const float sine = std::sin(turn);
-  alignas(16) float x[kShapePoints];
-  alignas(16) float y[kShapePoints];
-  Lanes squares{};
-  for (int i = 0; i < kShapePoints; i += kLanes) {
-    const Lanes xhere = Load(stroke.x + i) * cosine - Load(stroke.y + i) * sine;
-    Store(x + i, xhere);
-    Store(y + i, Load(stroke.x + i) * sine + Load(stroke.y + i) * cosine);
-    squares += xhere * xhere;
-  }
-  const float width = Sum(squares);
-  const float height = 1 - width;
-  const float want = (symbol.width + kLeastExtent) / (1 - symbol.width + kLeastExtent);
-  const float have = (width + kLeastExtent) / (height + kLeastExtent);
-  const float stretch = std::clamp(std::sqrt(want / have), 1 / kMaxStretch, kMaxStretch);
-  // Scaled as a whole again, so that the sum of the squares stays 1.
-  const float scale = 1 / std::sqrt(width * stretch + height / stretch);
-  const float xscale = scale * std::sqrt(stretch);
-  const float yscale = scale / std::sqrt(stretch);
-  for (int i = 0; i < kShapePoints; i += kLanes) {
-    Store(x + i, Load(x + i) * xscale);
-    Store(y + i, Load(y + i) * yscale);
-  }
-  Segments(x, y, suited->dx, suited->dy, suited->mx, suited->my);
-}
-
-// What it costs to draw the stroke's segment i beside the symbol's segments i - kShapeBand .. .
-void RowCosts(const Suited& stroke, const Shape& symbol, int i, float* costs) {
-  for (int j = 0; j < kShapeRow; j += kLanes) {
-    const int at = i + j;  // the margin of the stored arrays is as wide as the band
-    const Lanes cosine = Load(symbol.dx + at) * stroke.dx[i] + Load(symbol.dy + at) * stroke.dy[i];
-    const Lanes x = Load(symbol.mx + at) - stroke.mx[i];
-    const Lanes y = Load(symbol.my + at) - stroke.my[i];
-    const Lanes cost = kDirectionWeight * (1 - cosine) + kPositionWeight * (x * x + y * y);
-    Store(costs + j, cost / (1 + kSaturation * cost));
-  }
-}
-
-// Cost of the cheapest way from both first segments to both last ones; kFar as soon as it is sure
-// to cost more than `limit`.
-float Warp(const Suited& stroke, const Shape& symbol, float limit) {
-  float total[kShapeSegments];  // cheapest way to each segment of the symbol, up to this row
-  std::fill(total, total + kShapeSegments, kFar);
-  alignas(16) float costs[kShapeRow];
-  for (int i = 0; i < kShapeSegments; ++i) {
-    RowCosts(stroke, symbol, i, costs);
-    const int first = std::max(0, i - kShapeBand);
-    const int last = std::min(kShapeSegments - 1, i + kShapeBand);
-    float before = kFar;  // in the row before, one segment earlier
-    if (i == 0) before = 0;
-    if (first > 0) before = total[first - 1];
-    float here = kFar;
-    float least = kFar;
-    for (int j = first; j <= last; ++j) {
-      const float above = total[j];
-      here = std::min(std::min(above, here), before) + costs[j - i + kShapeBand];
-      before = above;
-      total[j] = here;
-      least = std::min(least, here);
-    }
-    if (least > limit) return kFar;
-  }
-  return total[kShapeSegments - 1];
-}
+// --- Scores --------------------------------------------------------------------------------------
 
 float ScoreOfCost(float cost) {
   return 1 - cost / kShapeSegments;
@@ -251,13 +183,11 @@ int Insert(Candidate* candidates, int n, const Candidate& candidate) {
 
 Shape ShapeOfPoints(int n, const int16_t* x, const int16_t* y) {
   Shape shape = {};
-  float length = 0;
-  for (int i = 0; i + 1 < n; ++i) length += Distance(n, x, y, i);
-  if (length <= 0) return shape;
-  Resample(n, x, y, length, &shape);
+  const Way way(n, x, y);
+  if (way.length() <= 0) return shape;
+  way.Resample(&shape);
   if (!Normalize(&shape)) return shape;
-  Segments(shape.x, shape.y, shape.dx + kShapeBand, shape.dy + kShapeBand, shape.mx + kShapeBand,
-           shape.my + kShapeBand);
+  Segments(&shape);
   shape.drawable = true;
   return shape;
 }
@@ -280,9 +210,9 @@ const Shape* SymbolShape(GromlitSymbol* sym) {
 
 float ShapeScore(const Shape& stroke, const Shape& symbol) {
   if (!stroke.drawable || !symbol.drawable) return -1;
-  Suited suited;
-  Suit(stroke, symbol, Compare(stroke, symbol), &suited);
-  return ScoreOfCost(Warp(suited, symbol, kFar));
+  Warped warped = {&symbol, Compare(stroke, symbol), 0, 0};
+  Warp(stroke, 1, kFar, &warped);
+  return ScoreOfCost(warped.cost);
 }
 
 bool SameShape(const Shape& one, const Shape& other) {
@@ -308,23 +238,28 @@ ShapeRanking RankByShape(const GromlitPlugin* pin, const Stroke& stroke) {
     const Products products = Compare(drawn, *symbol);
     n = Insert(candidates, n, {i, BoundedCosine(products), products});
   }
+  Warped warped[kShapeCandidates];
+  for (int k = 0; k < n; ++k) {
+    GromlitSymbol* sym = &pin->actions[candidates[k].index]->sym;
+    warped[k] = {SymbolShape(sym), candidates[k].products, kFar, kFar};
+  }
   float best = kFar;
   float next = kFar;
   for (int k = 0; k < n; ++k) {
-    const Candidate& candidate = candidates[k];
-    const Shape* symbol = SymbolShape(&pin->actions[candidate.index]->sym);
-    Suited suited;
-    Suit(drawn, *symbol, candidate.products, &suited);
-    const float cost = Warp(suited, *symbol, next);
+    if (k % kWarpedAtOnce == 0) {
+      Warp(drawn, std::min(n - k, kWarpedAtOnce), next, warped + k);
+    }
+    const int index = candidates[k].index;
+    const float cost = warped[k].most > next ? kFar : warped[k].cost;
     // The cosine may rank a later action first; the same cost still goes to the earlier one.
-    if (cost < best || (cost == best && cost < kFar && candidate.index < ranking.best)) {
+    if (cost < best || (cost == best && cost < kFar && index < ranking.best)) {
       next = best;
       ranking.next = ranking.best;
       best = cost;
-      ranking.best = candidate.index;
-    } else if (cost < next || (cost == next && cost < kFar && candidate.index < ranking.next)) {
+      ranking.best = index;
+    } else if (cost < next || (cost == next && cost < kFar && index < ranking.next)) {
       next = cost;
-      ranking.next = candidate.index;
+      ranking.next = index;
     }
   }
   if (ranking.best >= 0) ranking.score = ScoreOfCost(best);

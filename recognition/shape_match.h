@@ -30,11 +30,6 @@ inline constexpr int kShapeSegments = kShapePoints - 1;
 inline constexpr int kShapeBand = 5;        // segments by which the pens may be apart
 inline constexpr int kShapeCandidates = 5;  // actions that are compared by warping
 
-// Words of four floats in which the segments of a row's band are handled; their arrays have a
-// margin of zeros at both ends, so that no row has to look for the end.
-inline constexpr int kShapeRow = (2 * kShapeBand + 1 + 3) / 4 * 4;
-inline constexpr int kShapeStored = kShapeSegments - 1 + kShapeRow;
-
 // What the comparisons need of a shape. Points relative to their centre, the sum of the squares of
 // all coordinates being 1.
 // NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding): its arrays are aligned for vectors.
@@ -43,11 +38,11 @@ struct Shape {
   alignas(16) float x[kShapePoints];
   alignas(16) float y[kShapePoints];
   float width;  // sum of the squares of x: 0 upright line .. 1 level line
-  // Segments, from index kShapeBand on: unit vector (zero for a segment without length) and middle.
-  alignas(16) float dx[kShapeStored];
-  alignas(16) float dy[kShapeStored];
-  alignas(16) float mx[kShapeStored];
-  alignas(16) float my[kShapeStored];
+  // Segments: unit vector (zero for a segment without length) and middle.
+  float dx[kShapeSegments];
+  float dy[kShapeSegments];
+  float mx[kShapeSegments];
+  float my[kShapeSegments];
 };
 
 // The shape of n points, any number, in drawing order.

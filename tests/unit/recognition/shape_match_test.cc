@@ -4,11 +4,16 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <limits>
 #include <numbers>
+#include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "recognition/find_action.h"
+#include "recognition/shape_warp.h"
 #include "recognition/signature_match.h"
 #include "tests/unit/recognition/recognition_support.h"
 #include "tests/unit/recognition/stroke_sets.h"
@@ -321,6 +326,164 @@ TEST(ShapeMatch, ReadsCoordinatesOfDamagedFiles) {
   sym.npoints = UINT8_MAX;
   EXPECT_TRUE(SymbolShape(&sym)->drawable);
   ForgetSignature(&sym);
+}
+
+// --- The plain form
+// -------------------------------------------------------------------------------
+
+float SumOfFour(const float* v) {
+  return (v[0] + v[1]) + (v[2] + v[3]);
+}
+
+Products PlainProducts(const Shape& stroke, const Shape& symbol) {
+  float along[4] = {};
+  float across[4] = {};
+  for (int i = 0; i < kShapePoints; ++i) {
+    along[i % 4] += stroke.x[i] * symbol.x[i] + stroke.y[i] * symbol.y[i];
+    across[i % 4] += stroke.x[i] * symbol.y[i] - stroke.y[i] * symbol.x[i];
+  }
+  return {SumOfFour(along), SumOfFour(across)};
+}
+
+// What ShapeScore says, one symbol and one cell of the table after the other, and without a limit.
+// `most` as in recognition/shape_warp.h.
+float PlainCost(const Shape& stroke, const Shape& symbol, float* most) {
+  const Products p = PlainProducts(stroke, symbol);
+  const float turn = std::clamp(std::atan2(p.across, p.along), -0.17453293F, 0.17453293F) / 2;
+  const float cosine = std::cos(turn);
+  const float sine = std::sin(turn);
+  float x[kShapePoints];
+  float y[kShapePoints];
+  float squares[4] = {};
+  for (int i = 0; i < kShapePoints; ++i) {
+    x[i] = stroke.x[i] * cosine - stroke.y[i] * sine;
+    y[i] = stroke.x[i] * sine + stroke.y[i] * cosine;
+    squares[i % 4] += x[i] * x[i];
+  }
+  const float width = SumOfFour(squares);
+  const float want = (symbol.width + 0.01F) / (1 - symbol.width + 0.01F);
+  const float stretch =
+      std::clamp(std::sqrt(want / ((width + 0.01F) / (1 - width + 0.01F))), 1 / 1.3F, 1.3F);
+  const float scale = 1 / std::sqrt(width * stretch + (1 - width) / stretch);
+  const float xscale = scale * std::sqrt(stretch);
+  const float yscale = scale / std::sqrt(stretch);
+  for (int i = 0; i < kShapePoints; ++i) {
+    x[i] *= xscale;
+    y[i] *= yscale;
+  }
+  constexpr float kFar = std::numeric_limits<float>::infinity();
+  float total[kShapeSegments + 1][kShapeSegments + 1];  // one row and one column before the first
+  for (auto& row : total) std::fill(std::begin(row), std::end(row), kFar);
+  total[0][0] = 0;
+  *most = -kFar;
+  for (int i = 0; i < kShapeSegments; ++i) {
+    const float xstep = x[i + 1] - x[i];
+    const float ystep = y[i + 1] - y[i];
+    const float square = xstep * xstep + ystep * ystep;
+    const float inverse = square > 0 ? 1 / std::sqrt(square) : 0;
+    float least = kFar;
+    for (int j = std::max(0, i - kShapeBand); j <= std::min(kShapeSegments - 1, i + kShapeBand);
+         ++j) {
+      const float alike = symbol.dx[j] * (xstep * inverse) + symbol.dy[j] * (ystep * inverse);
+      const float xaway = symbol.mx[j] - (x[i] + x[i + 1]) / 2;
+      const float yaway = symbol.my[j] - (y[i] + y[i + 1]) / 2;
+      const float cost = 0.5F * (1 - alike) + 8 * (xaway * xaway + yaway * yaway);
+      total[i + 1][j + 1] =
+          std::min({total[i][j + 1], total[i + 1][j], total[i][j]}) + cost / (1 + 6 * cost);
+      least = std::min(least, total[i + 1][j + 1]);
+    }
+    *most = std::max(*most, least);
+  }
+  return total[kShapeSegments][kShapeSegments];
+}
+
+// To the last bit, but for processors on which products and sums are rounded as one.
+void ExpectSame(float fast, float plain) {
+#ifdef __FP_FAST_FMAF
+  EXPECT_NEAR(fast, plain, 1e-5F);
+#else
+  EXPECT_EQ(fast, plain);
+#endif
+}
+
+// Symbols of all kinds: alike, equal, with a point only.
+void AddRandomSymbols(int n, std::mt19937* random, Library* library) {
+  GromlitSymbol sym = {};
+  for (int i = 0; i < n; ++i) {
+    const unsigned how = (*random)() % 4;
+    if (how > 1 || sym.npoints == 0) {
+      sym.npoints = static_cast<uint8_t>(1 + (*random)() % 9);
+      for (int k = 1; k <= sym.npoints; ++k) {
+        sym.x[k] = static_cast<uint16_t>(kGridMin + (*random)() % 249);
+        sym.y[k] = static_cast<uint16_t>(kGridMin + (*random)() % 249);
+      }
+    } else if (how == 1) {
+      sym.x[1] = static_cast<uint16_t>(sym.x[1] + 3);
+    }
+    library->Add("action", sym);
+  }
+}
+
+TEST(ShapeMatch, WarpsFourAtATimeToTheBitAsOneAfterTheOther) {
+  const auto seed = static_cast<uint32_t>(TestSeed());
+  std::mt19937 random(seed);
+  Library library;
+  AddRandomSymbols(kMaxActions, &random, &library);
+  int compared = 0;
+  for (int round = 0; round < 40; ++round) {
+    const Stroke stroke = RandomWalk(&random);
+    const Shape drawn = ShapeOfPoints(stroke.count, stroke.x, stroke.y);
+    Warped warped[kWarpedAtOnce] = {};
+    const int n = 1 + round % kWarpedAtOnce;
+    for (int k = 0; k < n; ++k) {
+      const Shape* symbol = nullptr;
+      do {
+        symbol = SymbolShape(library.symbol(static_cast<int>(random() % kMaxActions)));
+      } while (!symbol->drawable);
+      warped[k] = {symbol, PlainProducts(drawn, *symbol), 0, 0};
+    }
+    Warp(drawn, n, std::numeric_limits<float>::infinity(), warped);
+    for (int k = 0; k < n; ++k, ++compared) {
+      float most = 0;
+      const float cost = PlainCost(drawn, *warped[k].symbol, &most);
+      ExpectSame(warped[k].cost, cost);
+      ExpectSame(warped[k].most, most);
+      ExpectSame(ShapeScore(drawn, *warped[k].symbol), 1 - cost / kShapeSegments);
+    }
+    float least = warped[0].most;
+    for (int k = 1; k < n; ++k) least = std::min(least, warped[k].most);
+    // With a limit that some keep, all are told in full.
+    Warped limited[kWarpedAtOnce];
+    std::copy(std::begin(warped), std::end(warped), limited);
+    Warp(drawn, n, least, limited);
+    for (int k = 0; k < n; ++k) EXPECT_EQ(limited[k].cost, warped[k].cost);
+    Warp(drawn, n, least / 2, limited);
+    for (int k = 0; k < n; ++k) EXPECT_GT(limited[k].most, least / 2);
+  }
+  EXPECT_EQ(compared, 100);
+}
+
+// Of at most five actions all are candidates, so the ranking is that of the scores.
+TEST(ShapeMatch, RanksFewActionsByTheirScores) {
+  const auto seed = static_cast<uint32_t>(TestSeed());
+  std::mt19937 random(seed);
+  for (int round = 0; round < 300; ++round) {
+    Library library;
+    AddRandomSymbols(1 + round % kShapeCandidates, &random, &library);
+    const Stroke stroke = RandomWalk(&random);
+    const Shape drawn = ShapeOfPoints(stroke.count, stroke.x, stroke.y);
+    std::vector<std::pair<float, int>> scores;
+    for (int i = 0; i < library.size(); ++i) {
+      const float score = ShapeScore(drawn, *SymbolShape(library.symbol(i)));
+      if (score >= 0) scores.push_back({-score, i});
+    }
+    std::sort(scores.begin(), scores.end());
+    const ShapeRanking ranking = RankByShape(library.plugin(), stroke);
+    EXPECT_EQ(ranking.best, !scores.empty() ? scores[0].second : -1);
+    EXPECT_EQ(ranking.score, !scores.empty() ? -scores[0].first : -1);
+    EXPECT_EQ(ranking.next, scores.size() > 1 ? scores[1].second : -1);
+    EXPECT_EQ(ranking.nextscore, scores.size() > 1 ? -scores[1].first : -1);
+  }
 }
 
 }  // namespace

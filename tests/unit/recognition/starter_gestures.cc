@@ -16,7 +16,7 @@ namespace {
 
 constexpr double kPi = std::numbers::pi;
 
-using Pen = std::vector<PenPoint>;
+using Pen = PenPoints;
 
 // Points of an arc, angles in degrees, 0 to the right and 90 up, sense by their order.
 Pen Arc(double x, double y, double rx, double ry, double from, double to) {
@@ -238,26 +238,8 @@ void AddShapes(Ways* ways) {
   ways->Add("Loop", "with a small loop, from the right", Mirrored(small));
 }
 
-double Distance(PenPoint a, PenPoint b) {
-  return std::hypot(b.x - a.x, b.y - a.y);
-}
-
-PenPoint Between(PenPoint a, PenPoint b, double part) {
-  return {a.x + part * (b.x - a.x), a.y + part * (b.y - a.y)};
-}
-
-double DiagonalOf(const Pen& points) {
-  PenPoint low = points[0];
-  PenPoint high = points[0];
-  for (const PenPoint& p : points) {
-    low = {std::min(low.x, p.x), std::min(low.y, p.y)};
-    high = {std::max(high.x, p.x), std::max(high.y, p.y)};
-  }
-  return Distance(low, high);
-}
-
 // Corners missed by a little: moved, and sometimes overshot. The points of curves move together
-// with their neighbours, by slow waves, which TremblingPen adds.
+// with their neighbours, by slow waves, which Tremble adds.
 Pen Missed(const Pen& corners, double diagonal, double care, std::mt19937* random) {
   std::normal_distribution<double> normal;
   std::uniform_real_distribution<double> uniform(0, 1);
@@ -305,43 +287,6 @@ Pen Smoothed(const Pen& points, int window) {
     smooth.push_back({sum.x / (2 * reach + 1), sum.y / (2 * reach + 1)});
   }
   return smooth;
-}
-
-Pen EvenlySpaced(const Pen& points, int count) {
-  double length = 0;
-  for (size_t i = 1; i < points.size(); i++) length += Distance(points[i - 1], points[i]);
-  Pen spaced;
-  size_t i = 0;
-  double begin = 0;
-  for (int k = 0; k < count; k++) {
-    const double at = length * k / (count - 1);
-    while (i + 2 < points.size() && begin + Distance(points[i], points[i + 1]) < at) {
-      begin += Distance(points[i], points[i + 1]);
-      i++;
-    }
-    const double here = Distance(points[i], points[i + 1]);
-    const double part = here > 0 ? std::clamp((at - begin) / here, 0.0, 1.0) : 0;
-    spaced.push_back(Between(points[i], points[i + 1], part));
-  }
-  return spaced;
-}
-
-// Waves of random phase, one to four over the length of the stroke.
-void Tremble(double deviation, std::mt19937* random, Pen* points) {
-  constexpr int kWaves = 4;
-  std::normal_distribution<double> normal;
-  std::uniform_real_distribution<double> uniform(0, 2 * kPi);
-  for (int wave = 1; wave <= kWaves; wave++) {
-    const double height = deviation * std::sqrt(2.0 / kWaves);
-    const PenPoint high = {height * normal(*random), height * normal(*random)};
-    const PenPoint phase = {uniform(*random), uniform(*random)};
-    for (size_t i = 0; i < points->size(); i++) {
-      const double at =
-          2 * kPi * wave * static_cast<double>(i) / static_cast<double>(points->size());
-      (*points)[i].x += high.x * std::cos(at + phase.x);
-      (*points)[i].y += high.y * std::cos(at + phase.y);
-    }
-  }
 }
 
 }  // namespace

@@ -10,20 +10,16 @@
 #include "core/gromlit.h"
 #include "core/option_files.h"
 #include "recognition/stroke.h"
+#include "tests/unit/recognition/pen_points.h"
 
 namespace gromlit {
-
-struct PenPoint {
-  double x;
-  double y;
-};
 
 // One way of drawing a gesture: its corners, or closely set points of a curve, in any unit, y
 // downwards.
 struct DrawingWay {
   std::string gesture;  // the name of the library's first symbol for it
   std::string how;      // start, direction, legs, loops, in words
-  std::vector<PenPoint> points;
+  PenPoints points;
 };
 
 // All ways of all gestures, those of a gesture together.

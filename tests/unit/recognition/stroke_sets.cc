@@ -9,6 +9,7 @@
 #include "recognition/learn_symbol.h"
 #include "recognition/shape_match.h"
 #include "recognition/signature_match.h"
+#include "tests/unit/recognition/pen_points.h"
 #include "tests/unit/recognition/recognition_support.h"
 
 namespace gromlit {
@@ -16,20 +17,8 @@ namespace {
 
 constexpr double kPi = std::numbers::pi;
 
-struct Point {
-  double x;
-  double y;
-};
-
-using Points = std::vector<Point>;
-
-double Distance(Point a, Point b) {
-  return std::hypot(b.x - a.x, b.y - a.y);
-}
-
-Point Between(Point a, Point b, double part) {
-  return {a.x + part * (b.x - a.x), a.y + part * (b.y - a.y)};
-}
+using Points = PenPoints;
+using Point = PenPoint;
 
 Stroke StrokeOf(const Points& points) {
   Stroke stroke;
@@ -39,16 +28,6 @@ Stroke StrokeOf(const Points& points) {
     stroke.y[i] = static_cast<int16_t>(std::lround(points[i].y));
   }
   return stroke;
-}
-
-double Diagonal(const Points& points) {
-  Point low = points[0];
-  Point high = points[0];
-  for (const Point& p : points) {
-    low = {std::min(low.x, p.x), std::min(low.y, p.y)};
-    high = {std::max(high.x, p.x), std::max(high.y, p.y)};
-  }
-  return Distance(low, high);
 }
 
 // The corners between the ends become curves over this part of the lines that meet there.
@@ -65,44 +44,6 @@ Points Rounded(const Points& corners, double part) {
   }
   points.push_back(corners.back());
   return points;
-}
-
-Points Spaced(const Points& points, int count) {
-  double length = 0;
-  for (size_t i = 1; i < points.size(); i++) length += Distance(points[i - 1], points[i]);
-  Points spaced;
-  size_t i = 0;
-  double begin = 0;
-  for (int k = 0; k < count; k++) {
-    const double at = length * k / (count - 1);
-    while (i + 2 < points.size() && begin + Distance(points[i], points[i + 1]) < at) {
-      begin += Distance(points[i], points[i + 1]);
-      i++;
-    }
-    const double here = Distance(points[i], points[i + 1]);
-    const double part = here > 0 ? std::clamp((at - begin) / here, 0.0, 1.0) : 0;
-    spaced.push_back(Between(points[i], points[i + 1], part));
-  }
-  return spaced;
-}
-
-// Waves of random phase, one to four over the length of the stroke.
-void AddNoise(double deviation, std::mt19937* random, Points* points) {
-  constexpr int kWaves = 4;
-  std::normal_distribution<double> normal;
-  std::uniform_real_distribution<double> uniform(0, 2 * kPi);
-  for (int wave = 1; wave <= kWaves; wave++) {
-    // The waves' variances, half the squares of their heights, add up.
-    const double height = deviation * std::sqrt(2.0 / kWaves);
-    const Point high = {height * normal(*random), height * normal(*random)};
-    const Point phase = {uniform(*random), uniform(*random)};
-    for (size_t i = 0; i < points->size(); i++) {
-      const double at =
-          2 * kPi * wave * static_cast<double>(i) / static_cast<double>(points->size());
-      (*points)[i].x += high.x * std::cos(at + phase.x);
-      (*points)[i].y += high.y * std::cos(at + phase.y);
-    }
-  }
 }
 
 int IndexOf(const std::vector<std::string>& names, const std::string& name) {
@@ -208,7 +149,7 @@ Stroke SimulatedDrawing(const GromlitSymbol& sym, std::mt19937* random) {
   Points points;
   for (int k = 1; k <= sym.npoints; k++)
     points.push_back({static_cast<double>(sym.x[k]), static_cast<double>(sym.y[k])});
-  const double diagonal = Diagonal(points);
+  const double diagonal = DiagonalOf(points);
   for (Point& p : points)
     p = {p.x + 0.03 * diagonal * normal(*random), p.y + 0.03 * diagonal * normal(*random)};
   points = Rounded(points, uniform(0, 0.35));
@@ -218,10 +159,10 @@ Stroke SimulatedDrawing(const GromlitSymbol& sym, std::mt19937* random) {
     const double x = p.x * aspect;
     p = {x * std::cos(turn) - p.y * std::sin(turn), x * std::sin(turn) + p.y * std::cos(turn)};
   }
-  points = Spaced(points, static_cast<int>(uniform(20, 251)));
-  AddNoise(0.01 * diagonal, random, &points);
+  points = EvenlySpaced(points, static_cast<int>(uniform(20, 251)));
+  Tremble(0.01 * diagonal, random, &points);
   // As many small drawings as large ones.
-  const double scale = 40 * std::pow(20, uniform(0, 1)) / Diagonal(points);
+  const double scale = 40 * std::pow(20, uniform(0, 1)) / DiagonalOf(points);
   const Point first = points[0];
   for (Point& p : points) p = {5000 + (p.x - first.x) * scale, 5000 + (p.y - first.y) * scale};
   return StrokeOf(points);
@@ -231,7 +172,7 @@ Stroke WithHooks(const Stroke& stroke, double part, std::mt19937* random) {
   Points points;
   for (int i = 0; i < stroke.count; i++)
     points.push_back({static_cast<double>(stroke.x[i]), static_cast<double>(stroke.y[i])});
-  const double length = part * Diagonal(points);
+  const double length = part * DiagonalOf(points);
   for (int end = 0; end < 2; end++) {
     const Point tip = points[0];
     const Point on = points[std::min<size_t>(4, points.size() - 1)];

@@ -1,0 +1,29 @@
+#include "bench/report_table.h"
+
+#include <cstdio>
+
+namespace gromlit {
+
+void Row(const std::vector<std::string>& cells) {
+  for (const std::string& cell : cells) std::printf("| %s ", cell.c_str());
+  std::printf("|\n");
+}
+
+void Head(const std::string& title, const std::vector<std::string>& cells) {
+  std::printf("\n**%s**\n\n", title.c_str());
+  Row(cells);
+  Row(std::vector<std::string>(cells.size(), "---"));
+}
+
+double PercentOf(int part, int all) {
+  return all > 0 ? 100.0 * part / all : 0;
+}
+
+std::string Shares(int right, int wrong, int all) {
+  char text[64];
+  std::snprintf(text, sizeof text, "%.1f / %.2f / %.1f", PercentOf(right, all),
+                PercentOf(wrong, all), 100 - PercentOf(right + wrong, all));
+  return text;
+}
+
+}  // namespace gromlit

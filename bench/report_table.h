@@ -1,0 +1,18 @@
+// Tables of the reports, as Markdown on standard output.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace gromlit {
+
+void Row(const std::vector<std::string>& cells);
+void Head(const std::string& title, const std::vector<std::string>& cells);
+
+// "right / wrong / nothing" in percent of all.
+std::string Shares(int right, int wrong, int all);
+
+// Percent of all; 0 of none.
+double PercentOf(int part, int all);
+
+}  // namespace gromlit
