@@ -1,11 +1,14 @@
 #include "capture/app_track.h"
 
+#include <optional>
+#include <span>
+
 #include "app/main_window/shown_plugin.h"
 #include "app/tray/tray_icon.h"
 #include "app/tray/tray_menu.h"
 #include "display/display.h"
 #include "display/modes.h"
-#include "display/x_handles.h"
+#include "display/replies.h"
 #include "toolkit/window_object.h"
 
 namespace gromlit {
@@ -14,21 +17,27 @@ namespace {
 // Any window id that no window has: the default entry is found through defaultWindowObj alone.
 constexpr Window kNoWindow = 1;
 
+// The question which windows there are, until it is answered.
+std::optional<xcb_query_tree_cookie_t> windows;
+
 }  // namespace
+
+void AskForWindows() {
+  XSelectInput(dpy, root, SubstructureNotifyMask | StructureNotifyMask | EnterWindowMask);
+  windows = xcb_query_tree(XGetXCBConnection(dpy), static_cast<xcb_window_t>(root));
+}
 
 void CreateAppTrack() {
   defaultWindowObj = AllocWindowObj(kNoWindow, nullptr);
   SetHandler(defaultWindowObj, EnterNotify, GromlitAppTrackEnter);
   SetHandler(defaultWindowObj, CreateNotify, GromlitAppTrackCreate);
-  XSelectInput(dpy, root, SubstructureNotifyMask | StructureNotifyMask | EnterWindowMask);
-  Window rootwin;
-  Window parent;
-  Window* list = nullptr;
-  unsigned count = 0;
-  if (XQueryTree(dpy, root, &rootwin, &parent, &list, &count) == 0) return;
-  const XData<Window> windows(list);
-  for (unsigned i = 0; i < count; i++) {
-    if (!IsOwnWindow(list[i])) XSelectInput(dpy, list[i], EnterWindowMask);
+  if (!windows) AskForWindows();
+  const auto tree = AnswerTo(xcb_query_tree_reply, *windows);
+  windows.reset();
+  if (tree == nullptr) return;
+  for (const Window window :
+       std::span(xcb_query_tree_children(tree.get()), static_cast<size_t>(tree->children_len))) {
+    if (!IsOwnWindow(window)) XSelectInput(dpy, window, EnterWindowMask);
   }
 }
 

@@ -12,6 +12,9 @@ namespace gromlit {
 // is not the program's own reports crossings.
 void CreateAppTrack();
 
+// Asks which windows there are without waiting for the answer, which CreateAppTrack takes in.
+void AskForWindows();
+
 // Whether a position belongs to one of the program's own windows, in whatever frame; the icon lies
 // in the system tray's. That needs the window for clicks (FindTargets).
 bool IsOwnTarget(const Target& target);

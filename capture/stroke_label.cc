@@ -1,7 +1,5 @@
 #include "capture/stroke_label.h"
 
-#include <X11/extensions/shape.h>
-
 #include <algorithm>
 
 #include "core/option_files.h"
@@ -9,6 +7,7 @@
 #include "display/display.h"
 #include "display/monitors.h"
 #include "display/scale.h"
+#include "display/shapes.h"
 #include "recognition/find_action.h"
 #include "toolkit/child_window.h"
 #include "toolkit/text.h"
@@ -28,8 +27,7 @@ void MakeLabel(StrokeLabel* label, bool shaped) {
   label->window =
       MakeChildWindow(root, 0, 0, kLeast, kLeast, white.pixel, 0, CWOverrideRedirect, attributes);
   label->gc = MakeWindowGC(label->window, labelFont);
-  if (shaped)
-    XShapeCombineRectangles(dpy, label->window, ShapeInput, 0, 0, nullptr, 0, ShapeSet, Unsorted);
+  if (shaped) LetPointerThrough(label->window);
   ClaimWindow(label->window);
 }
 

@@ -1,12 +1,11 @@
 #include "capture/trail.h"
 
-#include <X11/extensions/shape.h>
-
 #include <algorithm>
 #include <cstdlib>
 
 #include "display/display.h"
 #include "display/scale.h"
+#include "display/shapes.h"
 #include "toolkit/window_object.h"
 
 namespace gromlit {
@@ -33,21 +32,6 @@ Window MakeTrailWindow(int width, int height, long mask) {
   return window;
 }
 
-// Whether input regions can be set (version 1.1 of the shape extension).
-bool HasInputShapes() {
-  int event;
-  int error;
-  int major = 0;
-  int minor = 0;
-  return XShapeQueryExtension(dpy, &event, &error) != 0 &&
-         XShapeQueryVersion(dpy, &major, &minor) != 0 && (major > 1 || (major == 1 && minor >= 1));
-}
-
-// Makes a trail window take the pointer again, with the cursor that it carries.
-void TakePointer(const TrailWindows& windows, Window window) {
-  if (windows.shaped) XShapeCombineMask(dpy, window, ShapeInput, 0, 0, None, ShapeSet);
-}
-
 void SwitchToFull(Trail* trail, int x, int y) {
   trail->mapfull = true;
   trail->width = screenwidth;
@@ -55,7 +39,8 @@ void SwitchToFull(Trail* trail, int x, int y) {
   trail->lastx = x;
   trail->lasty = y;
   trail->w = trail->windows->fullwindow;
-  TakePointer(*trail->windows, trail->w);
+  // With the cursor that it carries.
+  TakePointer(trail->w);
   // It may have been made for another size of the screen.
   XResizeWindow(dpy, trail->w, Extent(trail->width), Extent(trail->height));
   XMapRaised(dpy, trail->w);
@@ -100,7 +85,7 @@ Trail StartTrail(const TrailWindows* windows) {
 void ShowTrail(Trail* trail, int x, int y) {
   trail->originx = x - trail->mid;
   trail->originy = y - trail->mid;
-  TakePointer(*trail->windows, trail->w);
+  TakePointer(trail->w);
   XResizeWindow(dpy, trail->w, Extent(trail->width), Extent(trail->height));
   XMoveWindow(dpy, trail->w, trail->originx, trail->originy);
   XMapRaised(dpy, trail->w);
@@ -142,20 +127,20 @@ void MoveTrail(Trail* trail, int x, int y) {
 void LetPointerThrough(const Trail& trail) {
   if (!trail.drawmapped || !trail.windows->shaped) return;
   for (const Window window : {trail.windows->window, trail.windows->fullwindow}) {
-    XShapeCombineRectangles(dpy, window, ShapeInput, 0, 0, nullptr, 0, ShapeSet, Unsorted);
+    LetPointerThrough(window);
   }
 }
 
 void KeepTrailOff(Trail* trail, const XRectangle& area) {
   if (!trail->windows->shaped) return;
   // Larger than the windows ever grow.
-  XRectangle whole = {-kMaxExtent / 2, -kMaxExtent / 2, kMaxExtent, kMaxExtent};
+  const XRectangle whole = {-kMaxExtent / 2, -kMaxExtent / 2, kMaxExtent, kMaxExtent};
   const auto part = [&](Window window, int originx, int originy) {
-    if (!trail->parted)
-      XShapeCombineRectangles(dpy, window, ShapeBounding, 0, 0, &whole, 1, ShapeSet, Unsorted);
+    if (!trail->parted) ShowPart(window, whole);
     XRectangle hole = area;
-    XShapeCombineRectangles(dpy, window, ShapeBounding, -originx, -originy, &hole, 1, ShapeSubtract,
-                            Unsorted);
+    hole.x = static_cast<short>(area.x - originx);
+    hole.y = static_cast<short>(area.y - originy);
+    CutOut(window, hole);
   };
   part(trail->windows->window, trail->originx, trail->originy);
   part(trail->windows->fullwindow, 0, 0);
@@ -169,7 +154,7 @@ void HideTrail(Trail* trail) {
   trail->drawmapped = false;
   if (!trail->parted) return;
   for (const Window window : {trail->windows->window, trail->windows->fullwindow})
-    XShapeCombineMask(dpy, window, ShapeBounding, 0, 0, None, ShapeSet);
+    ShowWhole(window);
   trail->parted = false;
 }
 

@@ -1,7 +1,17 @@
 #include "display/display.h"
 
+#include <X11/Xlib-xcb.h>
 #include <X11/Xutil.h>
+#include <xcb/xcb.h>
 
+#include <array>
+#include <iterator>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "display/replies.h"
 #include "images/handcursor.xbm"
 #include "images/handcursormask.xbm"
 
@@ -65,28 +75,91 @@ void FollowScreenSize(void*, XEvent* event) {
   screenheight = now.height;
 }
 
-void MakeColours() {
-  XAllocColor(dpy, cmap, &white);
-  XAllocColor(dpy, cmap, &black);
-  white.pixel = WhitePixel(dpy, screen);
-  black.pixel = BlackPixel(dpy, screen);
-  XAllocColor(dpy, cmap, &lgrey);
-  XAllocColor(dpy, cmap, &dgrey);
-  XAllocColor(dpy, cmap, &grey);
-  XAllocColor(dpy, cmap, &blue);
+namespace {
+
+XColor* const kColours[] = {&white, &black, &lgrey, &dgrey, &grey, &blue};
+
+struct ColourQuestions {
+  bool asked;
+  std::array<xcb_alloc_color_cookie_t, std::size(kColours)> cookies;
+};
+ColourQuestions colours{};
+
+}  // namespace
+
+void AskForColours() {
+  for (size_t i = 0; i < std::size(kColours); i++) {
+    const XColor& colour = *kColours[i];
+    colours.cookies[i] = xcb_alloc_color(XGetXCBConnection(dpy), static_cast<xcb_colormap_t>(cmap),
+                                         colour.red, colour.green, colour.blue);
+  }
+  colours.asked = true;
 }
 
-void MakeHandCursor() {
-  const auto bitmap = [](const unsigned char* bits) {
-    return XCreateBitmapFromData(dpy, root, reinterpret_cast<const char*>(bits), handcursor_width,
-                                 handcursor_height);
-  };
-  handcursorImage = bitmap(handcursor_bits);
-  handcursorMaskImage = bitmap(handcursormask_bits);
-  handCursor = XCreatePixmapCursor(dpy, handcursorImage, handcursorMaskImage, &white, &black, 3, 7);
+void MakeColours() {
+  if (!colours.asked) AskForColours();
+  colours.asked = false;
+  for (size_t i = 0; i < std::size(kColours); i++) {
+    const auto is = AnswerTo(xcb_alloc_color_reply, colours.cookies[i]);
+    if (is == nullptr) continue;
+    XColor* const colour = kColours[i];
+    colour->pixel = is->pixel;
+    colour->red = is->red;
+    colour->green = is->green;
+    colour->blue = is->blue;
+  }
+  white.pixel = WhitePixel(dpy, screen);
+  black.pixel = BlackPixel(dpy, screen);
 }
 
 namespace {
+
+// A bitmap of the hand. Drawn point by point, in one request: Xlib takes the ways by which pictures
+// usually come for those of a theme's cursors, and asks the server what it can do with them.
+Pixmap HandBitmap(std::span<const unsigned char> bits) {
+  xcb_connection_t* const connection = XGetXCBConnection(dpy);
+  const Pixmap bitmap = xcb_generate_id(connection);
+  xcb_create_pixmap(connection, 1, static_cast<xcb_pixmap_t>(bitmap),
+                    static_cast<xcb_drawable_t>(root), handcursor_width, handcursor_height);
+  constexpr int kRow = (handcursor_width + 7) / 8;  // bytes
+  std::vector<XPoint> points;
+  for (int y = 0; y < handcursor_height; y++) {
+    for (int x = 0; x < handcursor_width; x++) {
+      const unsigned byte = bits[static_cast<size_t>(y * kRow + x / 8)];
+      if ((byte >> (x % 8) & 1U) == 0) continue;
+      points.push_back({static_cast<short>(x), static_cast<short>(y)});
+    }
+  }
+  XGCValues values;
+  values.foreground = 0;
+  const GC gc = XCreateGC(dpy, bitmap, GCForeground, &values);
+  XFillRectangle(dpy, bitmap, gc, 0, 0, handcursor_width, handcursor_height);
+  XSetForeground(dpy, gc, 1);
+  XDrawPoints(dpy, bitmap, gc, points.data(), static_cast<int>(points.size()), CoordModeOrigin);
+  XFreeGC(dpy, gc);
+  return bitmap;
+}
+
+}  // namespace
+
+void MakeHandCursor() {
+  handcursorImage = HandBitmap(handcursor_bits);
+  handcursorMaskImage = HandBitmap(handcursormask_bits);
+  xcb_connection_t* const connection = XGetXCBConnection(dpy);
+  handCursor = xcb_generate_id(connection);
+  xcb_create_cursor(connection, static_cast<xcb_cursor_t>(handCursor),
+                    static_cast<xcb_pixmap_t>(handcursorImage),
+                    static_cast<xcb_pixmap_t>(handcursorMaskImage), white.red, white.green,
+                    white.blue, black.red, black.green, black.blue, 3, 7);
+}
+
+namespace {
+
+// Windows that wait for their cursors.
+std::vector<std::pair<Window, const Cursor*>>& CursorUsers() {
+  static auto* const users = new std::vector<std::pair<Window, const Cursor*>>;
+  return *users;
+}
 
 GC MakeContext(Font font) {
   XGCValues values;
@@ -99,12 +172,22 @@ GC MakeContext(Font font) {
 
 }  // namespace
 
+void UseCursor(Window window, const Cursor* cursor) {
+  if (*cursor != None) {
+    XDefineCursor(dpy, window, *cursor);
+  } else {
+    CursorUsers().emplace_back(window, cursor);
+  }
+}
+
 void MakeCursors() {
   xCursor = XCreateFontCursor(dpy, 34);
   ptCursor = XCreateFontCursor(dpy, 58);
   txtCursor = XCreateFontCursor(dpy, 152);
   targetCursor = XCreateFontCursor(dpy, 58);
   gromlitCursor = XCreateFontCursor(dpy, 60);
+  for (const auto& [window, cursor] : CursorUsers()) XDefineCursor(dpy, window, *cursor);
+  CursorUsers().clear();
 }
 
 void MakeContexts() {
@@ -114,12 +197,31 @@ void MakeContexts() {
 }
 
 void MakeAtoms() {
-  const auto intern = [](const char* name) {
-    const Atom atom = XInternAtom(dpy, name, True);
-    return atom != None ? atom : XInternAtom(dpy, name, False);
+  const std::string number = std::to_string(screen);
+  const std::string selections[] = {"_GROMLIT_S" + number, "_NET_SYSTEM_TRAY_S" + number};
+  // What the start-up and the first stroke need. Xlib remembers them; one that is missing here is
+  // asked for by itself.
+  const char* const names[] = {
+      "WM_DELETE_WINDOW",
+      "WM_PROTOCOLS",
+      "WM_LOCALE_NAME",
+      "WM_STATE",
+      "MANAGER",
+      "_GROMLIT_SPARE_KEYS",
+      "_NET_WM_NAME",
+      "UTF8_STRING",
+      "_NET_WM_WINDOW_TYPE",
+      "_NET_WM_WINDOW_TYPE_NORMAL",
+      "_NET_WM_WINDOW_TYPE_DIALOG",
+      "_NET_WM_PID",
+      "_NET_WM_ICON",
+      selections[0].c_str(),
+      selections[1].c_str(),
   };
-  wm_delete = intern("WM_DELETE_WINDOW");
-  wm_protocols = intern("WM_PROTOCOLS");
+  std::array<Atom, std::size(names)> atoms{};
+  XInternAtoms(dpy, const_cast<char**>(names), static_cast<int>(atoms.size()), False, atoms.data());
+  wm_delete = atoms[0];
+  wm_protocols = atoms[1];
 }
 
 }  // namespace gromlit

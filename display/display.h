@@ -71,11 +71,22 @@ void FollowScreenSize(void* obj, XEvent* event);
 // the contexts.
 void MakeColours();
 void MakeHandCursor();
-void MakeCursors();
 void MakeContexts();
 
-// Interns the window manager's atoms; makes them when no window manager has done so yet, so that a
-// window manager that starts later can close windows without ending the program.
+// The cursors that come from the desktop's theme, whose files are read and for which the server is
+// asked what it can: a few round trips, for windows that are not on the screen when the program has
+// started.
+void MakeCursors();
+
+// Gives a window one of these, once it is made.
+void UseCursor(Window window, const Cursor* cursor);
+
+// Interns the window manager's atoms and others that are needed soon, in one round trip; makes them
+// when nobody has done so yet, so that a window manager that starts later can close windows without
+// ending the program.
 void MakeAtoms();
+
+// Asks for the colours without waiting for the answer, which MakeColours takes in.
+void AskForColours();
 
 }  // namespace gromlit

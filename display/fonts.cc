@@ -8,13 +8,27 @@
 #include <vector>
 
 #include "display/display.h"
+#include "display/font_question.h"
 #include "display/scaled_fonts.h"
 
 namespace gromlit {
 namespace {
 
-void LoadFont(const char* name, Font* font, XFontStruct** info, int* height) {
-  *info = LoadScaledFont(name);
+struct WantedFont {
+  const char* name;
+  Font* font;
+  XFontStruct** info;
+  int* height;
+  FontQuestion question;
+};
+WantedFont wanted[] = {{txtFontname, &txtFont, &txtFontinfo, &txtCharht, {}},
+                       {buttonFontname, &labelFont, &labelFontinfo, &labelCharht, {}},
+                       {logoFontname, &logoFont, &logoFontinfo, &logoCharht, {}}};
+bool asked = false;
+
+void LoadFont(const FontQuestion& question, const char* name, Font* font, XFontStruct** info,
+              int* height) {
+  *info = LoadScaledFont(question);
   if (*info == nullptr) {
     std::printf("Text font %s not found, using fixed.", name);
     *info = LoadScaledFont("fixed");
@@ -44,6 +58,11 @@ std::vector<WideForm>& WideForms() {
 
 }  // namespace
 
+void AskForFonts() {
+  for (WantedFont& font : wanted) font.question = AskForFont(font.name);
+  asked = true;
+}
+
 void LoadFonts() {
   // Those of a connection that is closed.
   for (const WideForm& form : WideForms()) {
@@ -51,9 +70,11 @@ void LoadFonts() {
   }
   WideForms().clear();
   ForgetScaledFonts();
-  LoadFont(txtFontname, &txtFont, &txtFontinfo, &txtCharht);
-  LoadFont(buttonFontname, &labelFont, &labelFontinfo, &labelCharht);
-  LoadFont(logoFontname, &logoFont, &logoFontinfo, &logoCharht);
+  if (!asked) AskForFonts();
+  asked = false;
+  for (const WantedFont& font : wanted) {
+    LoadFont(font.question, font.name, font.font, font.info, font.height);
+  }
 }
 
 XFontStruct* WideFormOf(XFontStruct* font) {

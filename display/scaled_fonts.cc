@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "display/display.h"
+#include "display/font_question.h"
 #include "display/scale.h"
 #include "display/x_handles.h"
 
@@ -124,7 +125,11 @@ void Settle(Number* metric, int unscaled) {
 }  // namespace
 
 XFontStruct* LoadScaledFont(const char* name) {
-  XFontStruct* font = XLoadQueryFont(dpy, name);
+  return LoadScaledFont(AskForFont(name));
+}
+
+XFontStruct* LoadScaledFont(const FontQuestion& question) {
+  XFontStruct* font = FontOf(question);
   if (font == nullptr || Scale() == 1) return font;
   const std::string fullname = FullName(font);
   const std::string larger = DoubleName(fullname);

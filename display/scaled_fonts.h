@@ -11,6 +11,8 @@
 #include <string>
 #include <string_view>
 
+#include "display/font_question.h"
+
 namespace gromlit {
 
 // Loads the font for a name of scale 1; null when the server has none. Ascent and descent, also
@@ -18,6 +20,9 @@ namespace gromlit {
 // lines lie where they do there; widths are in device pixels. Round trips: one at scale 1, a few
 // more at 2.
 XFontStruct* LoadScaledFont(const char* name);
+
+// The same for a font that was asked for before.
+XFontStruct* LoadScaledFont(const FontQuestion& question);
 
 // The full name, such as "-misc-fixed-...-iso8859-1", of the font that a loaded one is at scale 1;
 // "" when the server does not say.

@@ -1,15 +1,12 @@
 #include "display/window_questions.h"
 
 #include <X11/Xatom.h>
-#include <X11/Xlib-xcb.h>
-#include <xcb/xcb.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
 #include <string_view>
 
 #include "display/display.h"
+#include "display/replies.h"
 
 namespace gromlit {
 namespace {
@@ -20,25 +17,10 @@ constexpr uint32_t kNameLength = (kClassBuffer + 3) / 4;
 constexpr uint32_t kHintLength = 256;
 constexpr uint32_t kWholeHintLength = 8192;
 
-struct FreeReply {
-  void operator()(void* reply) const { std::free(reply); }
-};
-template <typename T>
-using Reply = std::unique_ptr<T, FreeReply>;
-
 using PropertyReply = Reply<xcb_get_property_reply_t>;
 
 xcb_window_t Id(Window window) {
   return static_cast<xcb_window_t>(window);
-}
-
-// The answer to a question, null when the window is gone. `reply` is XCB's function for its kind.
-template <typename R, typename Cookie>
-Reply<R> AnswerTo(R* (*reply)(xcb_connection_t*, Cookie, xcb_generic_error_t**), Cookie cookie) {
-  xcb_generic_error_t* error = nullptr;
-  Reply<R> answer(reply(XGetXCBConnection(dpy), cookie, &error));
-  std::free(error);
-  return answer;
 }
 
 xcb_get_property_cookie_t AskProperty(Window window, Atom property, Atom type, uint32_t length) {

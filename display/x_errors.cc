@@ -5,9 +5,14 @@
 namespace gromlit {
 namespace {
 
+// Of the trap that is set.
 int firsterror = Success;
+unsigned long begin = 0;  // number of its first request
+XErrorHandler former = nullptr;
 
-int RememberError(Display*, XErrorEvent* error) {
+int RememberError(Display* display, XErrorEvent* error) {
+  // Errors of earlier requests belong to the former handler.
+  if (error->serial < begin) return former != nullptr ? former(display, error) : 0;
   if (firsterror == Success) firsterror = error->error_code;
   return 0;
 }
@@ -19,18 +24,22 @@ int GromlitXErrorHandler(Display*, XErrorEvent*) {
 }
 
 ErrorTrap::ErrorTrap() {
-  XSync(dpy, False);  // errors of earlier requests belong to the former handler
+  XFlush(dpy);  // Xlib's count is old where others have used the connection
   firsterror = Success;
-  former_ = XSetErrorHandler(RememberError);
+  begin = answered_ = NextRequest(dpy);
+  former = XSetErrorHandler(RememberError);
 }
 
 ErrorTrap::~ErrorTrap() {
-  XSync(dpy, False);
-  XSetErrorHandler(former_);
+  Finish();
+  XSetErrorHandler(former);
 }
 
 int ErrorTrap::Finish() {
-  XSync(dpy, False);
+  if (NextRequest(dpy) != answered_) {
+    XSync(dpy, False);
+    answered_ = NextRequest(dpy);
+  }
   return firsterror;
 }
 

@@ -17,11 +17,12 @@ class ErrorTrap {
   ErrorTrap(const ErrorTrap&) = delete;
   ErrorTrap& operator=(const ErrorTrap&) = delete;
 
-  // Waits for the server and returns the code of the first error since construction, or Success.
+  // Waits for the server, unless nothing was requested since it was last waited for, and returns
+  // the code of the first error since construction, or Success.
   int Finish();
 
  private:
-  XErrorHandler former_;
+  unsigned long answered_;  // all requests before this one
 };
 
 }  // namespace gromlit

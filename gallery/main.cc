@@ -19,6 +19,7 @@ int Show() {
     return 1;
   }
   MakeResources();
+  MakeCursors();
   GetUserOptions();
   Gallery* gallery = MakeGallery();
   XMapWindow(dpy, gallery->window);

@@ -113,9 +113,11 @@ void Request(Service* s, XEvent* event) {
 }
 
 // The server's time, which a manager's claim needs: that of a change of its own window.
-Time ServerTime(Window window) {
+void AskForServerTime(Window window) {
   XSelectInput(dpy, window, PropertyChangeMask);
   XChangeProperty(dpy, window, XA_WM_NAME, XA_STRING, 8, PropModeAppend, nullptr, 0);
+}
+Time ServerTime(Window window) {
   XEvent event;
   XWindowEvent(dpy, window, PropertyChangeMask, &event);
   XSelectInput(dpy, window, NoEventMask);
@@ -166,10 +168,21 @@ WindowObj* EntryFor(WindowObj* entry, Window window, Service* s) {
   return entry;
 }
 
+// The owner of the selection as of now; with it comes the server's time, of which None as the owner
+// is to be known exactly.
+Window AskForOwner(Service* s) {
+  s->window = XCreateWindow(dpy, root, -1, -1, 1, 1, 0, 0, InputOnly, CopyFromParent, 0, nullptr);
+  AskForServerTime(s->window);
+  const Window owner = XGetSelectionOwner(dpy, RemoteSelection());
+  s->since = ServerTime(s->window);
+  if (owner == None) return None;
+  XDestroyWindow(dpy, s->window);
+  s->window = None;
+  return owner;
+}
+
 // False when another program was quicker.
 bool Become(Service* s) {
-  s->window = XCreateWindow(dpy, root, -1, -1, 1, 1, 0, 0, InputOnly, CopyFromParent, 0, nullptr);
-  s->since = ServerTime(s->window);
   XSetSelectionOwner(dpy, RemoteSelection(), s->window, s->since);
   if (XGetSelectionOwner(dpy, RemoteSelection()) != s->window) {
     XDestroyWindow(dpy, s->window);
@@ -199,7 +212,7 @@ bool Watch(Service* s, Window owner) {
 
 void Acquire(Service* s) {
   for (int i = 0; i < kTries; i++) {
-    const Window owner = XGetSelectionOwner(dpy, RemoteSelection());
+    const Window owner = AskForOwner(s);
     if (owner == None ? Become(s) : Watch(s, owner)) return;
   }
 }

@@ -180,9 +180,13 @@ void StartUp(const CommandLine& line) {
   ShowMainWindow();
   // From here on windows of other clients are asked about that may be gone already.
   XSetErrorHandler(GromlitXErrorHandler);
+  // Asked for here, answered while the next step waits.
+  AskForWindows();
+  AskForTrays();
   ServeRemote();
   CreateAppTrack();
   WatchForTrays();
+  MakeCursors();
 }
 
 }  // namespace gromlit

@@ -2,18 +2,23 @@
 
 #include "display/display.h"
 #include "display/fonts.h"
+#include "display/shapes.h"
 #include "toolkit/image.h"
 
 namespace gromlit {
 
 void MakeResources() {
+  // The questions first, which the wait for the atoms answers together.
+  AskForColours();
+  AskForFonts();
+  AskForShapes();
+  MakeAtoms();
+  AskForShapesVersion();
   MakeColours();
   MakeImages();
   MakeHandCursor();
   LoadFonts();
-  MakeCursors();
   MakeContexts();
-  MakeAtoms();
 }
 
 }  // namespace gromlit

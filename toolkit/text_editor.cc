@@ -260,6 +260,7 @@ TextEditor* MakeTextEditor(Window parent, int x, int y, int width, int height) {
   more.cursor = txtCursor;
   txt->window =
       MakeChildWindow(parent, x, y, width, height, white.pixel, kEditorEvents, CWCursor, more);
+  if (txtCursor == None) UseCursor(txt->window, &txtCursor);
   txt->gc = MakeWindowGC(txt->window, txtFont);
   txt->wobj = AllocWindowObj(txt->window, txt);
   On<Expose, DrawTextEditor>(txt);

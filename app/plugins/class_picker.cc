@@ -2,7 +2,6 @@
 
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
-#include <X11/extensions/shape.h>
 #include <X11/keysym.h>
 #include <poll.h>
 
@@ -12,6 +11,7 @@
 #include "display/display.h"
 #include "display/end_signals.h"
 #include "display/scale.h"
+#include "display/shapes.h"
 #include "display/target.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
@@ -59,7 +59,7 @@ PickLabel::PickLabel(int x, int y) : height_(txtCharht + 4) {
   ClaimWindow(window_);
   gc_ = MakeWindowGC(window_, txtFont);
   XSetBackground(dpy, gc_, lgrey.pixel);
-  XShapeCombineRectangles(dpy, window_, ShapeInput, 0, 0, nullptr, 0, ShapeSet, Unsorted);
+  LetPointerThrough(window_);
 }
 
 PickLabel::~PickLabel() {

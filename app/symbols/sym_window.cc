@@ -245,6 +245,7 @@ SymWindow* MakeSymWindow(Window parent, int x, int y) {
   sw->window = MakeChildWindow(
       parent, x, y, sw->width, sw->height, white.pixel,
       ExposureMask | ButtonPressMask | ButtonReleaseMask | PointerMotionMask, CWCursor, more);
+  if (xCursor == None) UseCursor(sw->window, &xCursor);
   sw->gc = MakeWindowGC(sw->window);
   sw->linegc = MakeWindowGC(sw->window);
   sw->wobj = AllocWindowObj(sw->window, sw);
@@ -260,7 +261,7 @@ void ResetSymWindow(SymWindow* sw) {
   sw->onpt = 0;
   sw->lastx = last > 0 ? PointX(sw, last) : 0;
   sw->lasty = last > 0 ? PointY(sw, last) : 0;
-  XDefineCursor(dpy, sw->window, xCursor);
+  UseCursor(sw->window, &xCursor);
 }
 
 void DrawSymWindow(SymWindow* sw, XEvent*) {

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -15,6 +16,7 @@
 #include "display/display.h"
 #include "display/modes.h"
 #include "display/pause.h"
+#include "display/replies.h"
 #include "display/scale.h"
 #include "display/window_manager.h"
 #include "toolkit/child_window.h"
@@ -29,6 +31,9 @@ constexpr int kSquareSize = 48;    // up to which it asks to be as wide as high
 constexpr int kMostSize = 256;     // of the picture, in the middle of what is larger
 constexpr long kRequestDock = 0;   // opcode of the tray's protocol
 constexpr long kXembedMapped = 1;  // the icon wants to be seen
+
+// The question who is the tray, until it is answered.
+std::optional<xcb_get_selection_owner_cookie_t> owner;
 
 std::string SelectionName() {
   return "_NET_SYSTEM_TRAY_S" + std::to_string(screen);
@@ -131,6 +136,11 @@ void Dock(TrayIcon* icon, Window tray) {
 
 }  // namespace
 
+void AskForTrays() {
+  owner = xcb_get_selection_owner(XGetXCBConnection(dpy),
+                                  static_cast<xcb_atom_t>(AtomOf(SelectionName().c_str())));
+}
+
 void WatchForTrays() {
   if (trayicon == nullptr) trayicon = new TrayIcon{};
   pauseChanged = RefreshTrayIcon;
@@ -138,11 +148,10 @@ void WatchForTrays() {
   SetHandler(rootentry, ClientMessage, NoteTray);
   SetHandler(rootentry, DestroyNotify, NoteTrayGone);
   SetHandler(defaultWindowObj, DestroyNotify, NoteTrayGone);
-  // Where nobody ever spoke of a tray there is none.
-  const Atom selection = XInternAtom(dpy, SelectionName().c_str(), True);
-  if (selection == None) return;
-  const Window tray = XGetSelectionOwner(dpy, selection);
-  if (tray != None) Dock(trayicon, tray);
+  if (!owner) AskForTrays();
+  const auto answer = AnswerTo(xcb_get_selection_owner_reply, *owner);
+  owner.reset();
+  if (answer != nullptr && answer->owner != None) Dock(trayicon, answer->owner);
 }
 
 bool IsTrayIcon(Window window) {

@@ -32,6 +32,9 @@ namespace gromlit {
 // trips where there is no tray.
 void WatchForTrays();
 
+// Asks for a tray without waiting for the answer, which WatchForTrays takes in.
+void AskForTrays();
+
 // Whether a window is the icon's, and in a tray. False for None.
 bool IsTrayIcon(Window window);
 

@@ -64,9 +64,8 @@ void DoSplash() {
       height, lgrey.pixel, ExposureMask, CWSaveUnder | CWOverrideRedirect, more);
   const GC gc = MakeWindowGC(win, labelFont);
   XMapWindow(dpy, win);
-  XSync(dpy, False);
   DrawSplash(win, gc, width, height);
-  XSync(dpy, False);
+  XFlush(dpy);
   PlaySoundFile(SoundPath().c_str());
   // A signal, such as that of a child's end, must not cut the splash short.
   for (unsigned left = kSeconds; left > 0;) left = sleep(left);

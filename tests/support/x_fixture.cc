@@ -22,6 +22,7 @@ void XFixture::SetUp() {
   });
   ASSERT_TRUE(OpenDisplay(server->name().c_str()));
   MakeResources();
+  MakeCursors();
   player = std::make_unique<Player>(server->name());
   player->MoveTo(1, 1);
 }
