@@ -1,7 +1,8 @@
 // Other clients that act between any two requests of the program: the application under a gesture
 // goes, moves, changes or loses what it is called, grabs what it can, while the gesture is captured
-// and while its action is carried out. Whatever happens to that gesture, the pointer and the
-// keyboard are free after it, nothing is held down, and the next gesture works.
+// and while its action is carried out, or while the program starts. Whatever happens to that
+// gesture, the pointer and the keyboard are free after it, nothing is held down, and the next
+// gesture works.
 //
 // GROMLIT_EVERY_REQUEST=1 attacks in each way at each request that a gesture takes, 3 at every
 // third; else, for the suite, at one that the seed chooses (GROMLIT_TEST_SEED). GROMLIT_ATTACK
@@ -10,6 +11,7 @@
 
 #include <X11/Xatom.h>
 #include <X11/Xutil.h>
+#include <signal.h>
 
 #include <atomic>
 #include <cstdlib>
@@ -26,6 +28,7 @@ using testing::kClickToRaise;
 using testing::kRight;
 using testing::Point;
 using testing::ProbeClient;
+using testing::WaitFor;
 using testing::XRequest;
 
 constexpr int kKeyA = 38;  // of the usual keymap
@@ -35,6 +38,7 @@ struct Scene {
   Window top;        // of the application under the gesture
   Window frame;      // what lies on the root window: the same without a window manager
   Window other;      // another application
+  pid_t manager;     // the window manager; 0 where there is none
 };
 
 // What happens, and what ends it where it lasts.
@@ -97,6 +101,15 @@ constexpr Attack kAttacks[] = {
      [](const Scene& s) { XUngrabKeyboard(s.display, CurrentTime); }},
     {"grab server", [](const Scene& s) { XGrabServer(s.display); },
      [](const Scene& s) { XUngrabServer(s.display); }},
+    {"destroy the trail",
+     [](const Scene& s) {
+       for (const Window window : testing::ChildrenOf(s.display, DefaultRootWindow(s.display))) {
+         XWindowAttributes attributes{};
+         if (XGetWindowAttributes(s.display, window, &attributes) != 0 &&
+             attributes.override_redirect && attributes.width > 1000)
+           XDestroyWindow(s.display, window);
+       }
+     }},
     {"take draw button",
      [](const Scene& s) {
        XGrabButton(s.display, Button3, 0, DefaultRootWindow(s.display), False, ButtonPressMask,
@@ -104,6 +117,10 @@ constexpr Attack kAttacks[] = {
      },
      [](const Scene& s) { XUngrabButton(s.display, Button3, 0, DefaultRootWindow(s.display)); }},
 };
+
+// Where there is a window manager.
+constexpr Attack kKillManager = {"kill the window manager",
+                                 [](const Scene& s) { kill(s.manager, SIGKILL); }};
 
 enum class Gesture { kStroke, kClick };
 
@@ -161,7 +178,8 @@ class BetweenRequestsTest : public testing::HostileRun,
         install->path(),
         std::vector<std::string>{"--class", "Victim", "victim", "--geometry", "300x300+100+100",
                                  "--child", "200x200+20+20", "--child", "100x100+20+20,0x4,1"});
-    scene_ = {intruder_, victim_->window(), victim_->window(), other_->window()};
+    scene_ = {intruder_, victim_->window(), victim_->window(), other_->window(),
+              manager != nullptr ? manager->pid() : 0};
     while (testing::ParentOf(player->display(), scene_.frame) != player->root())
       scene_.frame = testing::ParentOf(player->display(), scene_.frame);
   }
@@ -199,8 +217,17 @@ class BetweenRequestsTest : public testing::HostileRun,
     requests_ = proxy_->Counts(0).requests - before;
     if (attack.name == kAttacks[0].name) ExpectActedOn();
     victim_.reset();
+    KeepManager();
     CloseAll();  // the offer of a plug-in for what has lost its name
     return fired_;
+  }
+  // One that was killed is started again, and has found its windows.
+  void KeepManager() {
+    if (manager == nullptr || manager->Running()) return;
+    RestartWindowManager();
+    EXPECT_TRUE(WaitFor([this] {
+      return testing::ParentOf(player->display(), other_->window()) != player->root();
+    }));
   }
   // What the gesture does when nobody interferes; else nothing here would be attacked.
   void ExpectActedOn() {
@@ -234,7 +261,9 @@ TEST_P(BetweenRequestsTest, WhateverOtherClientsDoTheNextGestureWorks) {
   const unsigned long step = Step();
   int attacks = 0;
   const char* only = std::getenv("GROMLIT_ATTACK");
-  for (const Attack& attack : kAttacks) {
+  std::vector<Attack> tried(std::begin(kAttacks), std::end(kAttacks));
+  if (manager != nullptr) tried.push_back(kKillManager);
+  for (const Attack& attack : tried) {
     if (only != nullptr && std::string(attack.name) != only) continue;
     // Some gestures take a few requests more.
     const unsigned long last = step != 0 ? usual + usual / 8 : 1;
@@ -251,6 +280,124 @@ TEST_P(BetweenRequestsTest, WhateverOtherClientsDoTheNextGestureWorks) {
 
 INSTANTIATE_TEST_SUITE_P(In, BetweenRequestsTest, ::testing::ValuesIn(kSettings),
                          [](const auto& setting) { return std::string(setting.param.name); });
+
+// --- While the program starts ------------------------------------------------------------------
+
+Window victims[20];
+Window claimant = None;
+
+constexpr Attack kStartAttacks[] = {
+    {"nothing", [](const Scene&) {}},
+    {"destroy",
+     [](const Scene& s) {
+       for (const Window window : victims) XDestroyWindow(s.display, window);
+     }},
+    {"create",
+     [](const Scene& s) {
+       for (int i = 0; i < 20; i++) {
+         const Window window =
+             XCreateSimpleWindow(s.display, DefaultRootWindow(s.display), 0, 0, 10, 10, 0, 0, 0);
+         XMapWindow(s.display, window);
+         if (i % 2 == 0) XDestroyWindow(s.display, window);
+       }
+     }},
+    {"claim the program's selection",
+     [](const Scene& s) {
+       claimant =
+           XCreateSimpleWindow(s.display, DefaultRootWindow(s.display), 0, 0, 10, 10, 0, 0, 0);
+       XSetSelectionOwner(s.display, XInternAtom(s.display, "_GROMLIT_S0", False), claimant,
+                          CurrentTime);
+     },
+     [](const Scene& s) { XDestroyWindow(s.display, claimant); }},
+    {"claim the tray's selection",
+     [](const Scene& s) {
+       claimant =
+           XCreateSimpleWindow(s.display, DefaultRootWindow(s.display), 0, 0, 10, 10, 0, 0, 0);
+       XSetSelectionOwner(s.display, XInternAtom(s.display, "_NET_SYSTEM_TRAY_S0", False), claimant,
+                          CurrentTime);
+     },
+     [](const Scene& s) { XDestroyWindow(s.display, claimant); }},
+    {"grab everything",
+     [](const Scene& s) {
+       const Window root = DefaultRootWindow(s.display);
+       XGrabPointer(s.display, root, False, ButtonPressMask, GrabModeSync, GrabModeAsync, None,
+                    None, CurrentTime);
+       XGrabKeyboard(s.display, root, False, GrabModeSync, GrabModeSync, CurrentTime);
+       XGrabServer(s.display);
+     },
+     [](const Scene& s) {
+       XUngrabPointer(s.display, CurrentTime);
+       XUngrabKeyboard(s.display, CurrentTime);
+       XUngrabServer(s.display);
+     }},
+    {"focus", [](const Scene& s) { XSetInputFocus(s.display, None, RevertToNone, CurrentTime); }},
+};
+
+class StartBetweenRequestsTest : public testing::HostileRun {
+ protected:
+  // Ends the program and starts it anew, with something happening before request `number` of that.
+  bool StartAttacked(const Attack& attack, unsigned long number) {
+    gromlit->Kill(SIGTERM);
+    gromlit->Wait();
+    Display* user = player->display();
+    for (Window& window : victims) {
+      window = XCreateSimpleWindow(user, player->root(), 0, 0, 10, 10, 0, 0, 0);
+      XMapWindow(user, window);
+    }
+    XSync(user, False);
+    const int connection = proxy_->connections();
+    bool fired = false;
+    std::thread ending;
+    scene_ = {intruder_, None, None, other_->window(), 0};
+    proxy_->BeforeRequest(
+        [&](const XRequest&) {
+          fired = true;
+          attack.begin(scene_);
+          XSync(intruder_, False);
+          if (attack.end == nullptr) return;
+          ending = std::thread([&] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(30));
+            attack.end(scene_);
+            XSync(intruder_, False);
+          });
+        },
+        [&](const XRequest& request) {
+          return request.connection == connection && request.number == number;
+        });
+    StartGromlit();
+    EXPECT_TRUE(Settle()) << GromlitOutput();
+    proxy_->BeforeRequest(nullptr);
+    if (ending.joinable()) ending.join();
+    requests_ = proxy_->Counts(connection).requests;
+    for (const Window window : victims) XDestroyWindow(user, window);
+    main_ = MainWindow();
+    CloseAll();
+    return fired;
+  }
+
+  Scene scene_{};
+  unsigned long requests_ = 0;
+};
+
+TEST_F(StartBetweenRequestsTest, WhateverOtherClientsDoTheProgramStarts) {
+  WriteChoices(kSentEvents, 0);
+  StartAll();
+  StartAttacked(kStartAttacks[0], 0);
+  const unsigned long usual = requests_;
+  const unsigned long step = Step();
+  int attacks = 0;
+  for (const Attack& attack : kStartAttacks) {
+    const unsigned long last = step != 0 ? usual : 1;
+    for (unsigned long n = step > 1 ? Pick(step) : 0; n < last; n += std::max(step, 1UL)) {
+      const unsigned long number = 1 + (step != 0 ? n : Pick(usual));
+      attacks += StartAttacked(attack, number) ? 1 : 0;
+      ExpectAllIsWell();
+      ASSERT_FALSE(HasFailure()) << attack.name << " before request " << number << ", seed "
+                                 << seed_;
+    }
+  }
+  std::printf("%d attacks, a start has %lu requests\n", attacks, usual);
+}
 
 }  // namespace
 }  // namespace gromlit

@@ -13,6 +13,8 @@ namespace {
 constexpr int kOthersKey = 56;
 constexpr const char* kOthersPress = "KeyPress window=main keycode=56 state=0";
 
+constexpr auto kAskAgain = std::chrono::milliseconds(100);
+
 // Windows of one client share the upper bits of their ids.
 bool OfOneClient(Window a, Window b) {
   return a >> 21 == b >> 21;
@@ -78,16 +80,27 @@ Point HostileRun::OriginOf(Window window) {
 
 bool HostileRun::Settle() {
   Display* asker = player->display();
-  if (question_ == None) {
+  if (question_ == None)
     question_ = XCreateSimpleWindow(asker, player->root(), -5, -5, 1, 1, 0, 0, 0);
-  }
-  XConvertSelection(asker, XInternAtom(asker, "_GROMLIT_S0", False),
-                    XInternAtom(asker, "TIMESTAMP", False), XInternAtom(asker, "ANSWER", False),
-                    question_, CurrentTime);
-  XFlush(asker);
+  // By the property the answer to this question is told from those to earlier ones.
+  const Atom answer = XInternAtom(asker, ("ANSWER_" + std::to_string(questions_++)).c_str(), False);
+  const auto ask = [&] {
+    XConvertSelection(asker, XInternAtom(asker, "_GROMLIT_S0", False),
+                      XInternAtom(asker, "TIMESTAMP", False), answer, question_, CurrentTime);
+    XFlush(asker);
+  };
+  ask();
+  auto again = std::chrono::steady_clock::now() + kAskAgain;
   return WaitFor([&] {
     XEvent event;
-    return XCheckTypedWindowEvent(asker, question_, SelectionNotify, &event) != 0;
+    while (XCheckTypedWindowEvent(asker, question_, SelectionNotify, &event))
+      if (event.xselection.property == answer) return true;
+    // Nobody was there, or another client, which is silent.
+    if (std::chrono::steady_clock::now() > again) {
+      ask();
+      again += kAskAgain;
+    }
+    return false;
   });
 }
 

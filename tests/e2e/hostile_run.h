@@ -50,7 +50,8 @@ class HostileRun : public GromlitRun {
   std::unique_ptr<ProbeClient> other_;
   Window main_ = 0;
   Window question_ = 0;  // gets the program's answers
-  size_t quiet_ = 0;     // length of what the program has said at its start
+  int questions_ = 0;
+  size_t quiet_ = 0;  // length of what the program has said at its start
 
  private:
   void ExpectQuiet();
