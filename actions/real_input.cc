@@ -20,6 +20,7 @@
 #include "core/utf8.h"
 #include "display/display.h"
 #include "display/end_signals.h"
+#include "display/input_extension.h"
 #include "display/lock_modifiers.h"
 
 namespace gromlit {
@@ -68,10 +69,7 @@ class UsersKeys {
 };
 
 void UsersKeys::Listen() {
-  int event;
-  int error;
-  opcode_ = 0;
-  if (!XQueryExtension(dpy, "XInputExtension", &opcode_, &event, &error)) return;
+  if (!FindInputExtension(&opcode_)) return;
   // From this version on these events come while another client has grabbed the keyboard, too.
   int major = 2;
   int minor = 1;

@@ -12,6 +12,7 @@
 
 #include "display/display.h"
 #include "display/draw_button.h"
+#include "display/input_extension.h"
 
 namespace gromlit {
 namespace {
@@ -36,12 +37,9 @@ Mapping CoreMapping() {
 
 bool HasXInput2() {
   int opcode;
-  int event;
-  int error;
   int major = 2;
   int minor = 0;
-  return XQueryExtension(dpy, "XInputExtension", &opcode, &event, &error) != 0 &&
-         XIQueryVersion(dpy, &major, &minor) == Success;
+  return FindInputExtension(&opcode) && XIQueryVersion(dpy, &major, &minor) == Success;
 }
 
 // The test pointer that moves this program's pointer; 0 when it cannot be told.

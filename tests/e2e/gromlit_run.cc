@@ -160,10 +160,10 @@ void GromlitRun::StartGromlit(bool ready, std::vector<std::string> arguments) {
   if (arguments.empty()) arguments = {"-path", install->path()};
   argv.insert(argv.end(), arguments.begin(), arguments.end());
   const char* path = std::getenv("PATH");
-  gromlit = std::make_unique<Process>(
-      argv, *install / "gromlit.log",
-      std::vector<std::string>{"PATH=" + Built("tests") + ":" + (path != nullptr ? path : "")},
-      install->path());
+  std::vector<std::string> environment = {"PATH=" + Built("tests") + ":" +
+                                          (path != nullptr ? path : "")};
+  if (!display_name.empty()) environment.push_back("DISPLAY=" + display_name);
+  gromlit = std::make_unique<Process>(argv, *install / "gromlit.log", environment, install->path());
   if (ready) {
     ASSERT_TRUE(WaitFor([this] { return GromlitIsReady(); }, std::chrono::seconds(30)))
         << GromlitOutput();

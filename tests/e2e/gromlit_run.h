@@ -149,6 +149,7 @@ class GromlitRun : public ::testing::Test {
   std::string manager_name;  // empty when there is none
   std::string manager_configuration;
   std::unique_ptr<Process> gromlit;
+  std::string display_name;  // the program's, where it is not the server itself
 };
 
 }  // namespace gromlit::testing

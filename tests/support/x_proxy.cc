@@ -148,6 +148,7 @@ struct XProxy::Wires {
   mutable std::mutex lock;
   std::recursive_mutex calling;
   Before before;
+  Wanted wanted;
   microseconds delay[2] = {};
   std::vector<std::unique_ptr<Link>> links;
   std::set<std::string> hidden;
@@ -239,11 +240,12 @@ struct XProxy::Wires {
       } else {
         const unsigned long number = link->counts.requests + 1;
         if (cut_before[index].count(number) != 0) return CutBehind(link);
-        if (before) {
+        const XRequest request{index, number, static_cast<unsigned char>(bytes[0]),
+                               static_cast<unsigned char>(bytes[1]), &bytes};
+        if (before && (!wanted || wanted(request))) {
           SendAll(link->server, stream, true);
           held->unlock();
-          Call({index, number, static_cast<unsigned char>(bytes[0]),
-                static_cast<unsigned char>(bytes[1]), &bytes});
+          Call(request);
           held->lock();
           if (link->client < 0) return;
         }
@@ -354,11 +356,11 @@ struct XProxy::Wires {
           const Link& link = *links[i];
           if (link.client < 0) continue;
           served.push_back(static_cast<int>(i));
-          const auto wanted = [](const Stream& out) {
+          const auto events = [](const Stream& out) {
             return static_cast<short>(out.out.empty() ? POLLIN : POLLIN | POLLOUT);
           };
-          fds.push_back({link.client, wanted(link.to_client), 0});
-          fds.push_back({link.server, wanted(link.to_server), 0});
+          fds.push_back({link.client, events(link.to_client), 0});
+          fds.push_back({link.server, events(link.to_server), 0});
           for (const Stream* stream : {&link.to_server, &link.to_client})
             if (!stream->late.empty()) next = std::min(next, stream->late.front().due);
         }
@@ -428,10 +430,11 @@ void XProxy::SetDelay(microseconds to_server, microseconds to_client) {
   wires_->delay[1] = to_client;
 }
 
-void XProxy::BeforeRequest(Before before) {
+void XProxy::BeforeRequest(Before before, Wanted wanted) {
   const std::lock_guard call(wires_->calling);
   const std::lock_guard guard(wires_->lock);
   wires_->before = std::move(before);
+  wires_->wanted = std::move(wanted);
 }
 
 void XProxy::HideExtension(const std::string& extension) {

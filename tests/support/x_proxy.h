@@ -41,6 +41,7 @@ class XProxy {
  public:
   enum class Way { kToServer, kToClient };
   using Before = std::function<void(const XRequest&)>;
+  using Wanted = std::function<bool(const XRequest&)>;
 
   // Listens on a display number of its own and forwards each client to `display`, a local one such
   // as ":7". One thread serves all connections until the object goes.
@@ -55,12 +56,13 @@ class XProxy {
   // unlimited, and requests sent together arrive together.
   void SetDelay(std::chrono::microseconds to_server, std::chrono::microseconds to_client);
 
-  // Called on the proxy's thread right before each request is forwarded; all that stands before it
-  // in the same stream has been read by the server. Everything that goes through the proxy waits
-  // meanwhile, so `before` uses connections past it, which no other thread uses. Empty: no more;
-  // when this returns, the one before is not running and is not called again. May be called from
-  // `before` itself only to do nothing more.
-  void BeforeRequest(Before before);
+  // Called on the proxy's thread right before each request is forwarded, or before those that are
+  // `wanted`, which costs less; all that stands before it in the same stream has been read by the
+  // server. Everything that goes through the proxy waits meanwhile, so `before` uses connections
+  // past it, which no other thread uses, and `wanted` none. An empty `before`: no more; when this
+  // returns, the one before is not running and is not called again. May be called from `before`
+  // itself only to do nothing more.
+  void BeforeRequest(Before before, Wanted wanted = nullptr);
 
   // Queries for this extension are answered "not present", from now on.
   void HideExtension(const std::string& extension);

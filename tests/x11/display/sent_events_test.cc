@@ -2,6 +2,14 @@
 
 #include "tests/support/x_fixture.h"
 
+#include <X11/Xlib-xcb.h>
+#include <X11/extensions/XInput2.h>
+#include <xcb/xcb.h>
+
+#include <array>
+
+#include "display/input_extension.h"
+
 namespace gromlit {
 namespace {
 
@@ -46,6 +54,31 @@ TEST_F(SentEventsTest, ClicksOnOwnWindowsAndMessagesArrive) {
   for (const int type : {ButtonPress, ButtonRelease, MotionNotify, ClientMessage, SelectionNotify})
     EXPECT_TRUE(Arrives(type, own_)) << EventName(type);
   EXPECT_TRUE(Arrives(ClientMessage, root));
+}
+
+// The library of the input extension takes what it finds in its events for sizes and counts, and
+// reads on accordingly: without end, or beyond its memory.
+TEST_F(SentEventsTest, EventsOfTheInputExtensionAreForgotten) {
+  int opcode;
+  ASSERT_TRUE(FindInputExtension(&opcode));
+  int event;
+  int error;
+  ASSERT_TRUE(XQueryExtension(dpy, "XInputExtension", &opcode, &event, &error));
+  int major = 2;
+  int minor = 0;
+  ASSERT_EQ(XIQueryVersion(dpy, &major, &minor), Success);
+  xcb_connection_t* other = XGetXCBConnection(player->display());
+  const auto target = static_cast<xcb_window_t>(own_);
+  for (const uint32_t word : {0x00000000U, 0x01010101U, 0x10000000U, 0x7fffffffU}) {
+    for (int type = event; type < event + 17; type++) {
+      std::array<uint32_t, 8> bytes;
+      bytes.fill(word);
+      bytes[0] = word << 8 | static_cast<uint32_t>(type);
+      xcb_send_event(other, 0, target, 0, reinterpret_cast<const char*>(bytes.data()));
+    }
+  }
+  EXPECT_TRUE(Arrives(ClientMessage, own_));
+  EXPECT_EQ(XPending(dpy), 0);
 }
 
 TEST_F(SentEventsTest, TheServersOwnArrive) {

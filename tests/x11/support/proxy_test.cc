@@ -135,12 +135,13 @@ TEST_F(ProxyTest, ActsRightBeforeARequest) {
   // The name is read again and again; another client changes it before the third reading.
   int readings = 0;
   std::string bytes;
-  proxy.BeforeRequest([&](const XRequest& request) {
-    if (request.major != 20 || ++readings != 3) return;
-    bytes = *request.bytes;
-    XStoreName(player.display(), window, "new");
-    XSync(player.display(), False);
-  });
+  proxy.BeforeRequest(
+      [&](const XRequest& request) {
+        bytes = *request.bytes;
+        XStoreName(player.display(), window, "new");
+        XSync(player.display(), False);
+      },
+      [&](const XRequest& request) { return request.major == 20 && ++readings == 3; });
   XStoreName(client, window, "old");
   std::string read;
   for (int i = 0; i < 4; i++) {

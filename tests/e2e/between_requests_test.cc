@@ -1,0 +1,403 @@
+// Other clients that act between any two requests of the program: the application under a gesture
+// goes, moves, changes or loses what it is called, grabs what it can, while the gesture is captured
+// and while its action is carried out, or while the program starts. Whatever happens to that
+// gesture, the pointer and the keyboard are free after it, nothing is held down, and the next
+// gesture works.
+//
+// GROMLIT_EVERY_REQUEST=1 attacks in each way at each request that a gesture takes, 3 at every
+// third; else, for the suite, at one that the seed chooses (GROMLIT_TEST_SEED). GROMLIT_ATTACK
+// names the only one that is tried.
+#include "tests/e2e/hostile_run.h"
+
+#include <X11/Xatom.h>
+#include <X11/Xutil.h>
+#include <signal.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <mutex>
+#include <random>
+#include <thread>
+
+#include "core/option_files.h"
+
+namespace gromlit {
+namespace {
+
+using testing::kClickToRaise;
+using testing::kRight;
+using testing::Point;
+using testing::ProbeClient;
+using testing::WaitFor;
+using testing::XRequest;
+
+constexpr int kKeyA = 38;  // of the usual keymap
+
+struct Scene {
+  Display* display;  // a client of its own
+  Window top;        // of the application under the gesture
+  Window frame;      // what lies on the root window: the same without a window manager
+  Window other;      // another application
+  pid_t manager;     // the window manager; 0 where there is none
+};
+
+// What happens, and what ends it where it lasts.
+struct Attack {
+  const char* name;
+  void (*begin)(const Scene& scene);
+  void (*end)(const Scene& scene) = nullptr;
+};
+
+void DeleteProperties(Display* display, Window window) {
+  int count = 0;
+  Atom* properties = XListProperties(display, window, &count);
+  for (int i = 0; i < count; i++) XDeleteProperty(display, window, properties[i]);
+  if (properties != nullptr) XFree(properties);
+}
+
+void SetLongNames(Display* display, Window window) {
+  const std::string text(60000, '/');
+  for (const Atom name :
+       {Atom{XA_WM_CLASS}, Atom{XA_WM_NAME}, XInternAtom(display, "WM_STATE", 0),
+        XInternAtom(display, "WM_PROTOCOLS", 0), XInternAtom(display, "_NET_WM_STATE", 0),
+        XInternAtom(display, "_NET_WM_DESKTOP", 0)})
+    XChangeProperty(display, window, name, XA_STRING, 8, PropModeReplace,
+                    reinterpret_cast<const unsigned char*>(text.data()),
+                    static_cast<int>(text.size()));
+}
+
+constexpr Attack kAttacks[] = {
+    {"nothing", [](const Scene&) {}},
+    {"destroy", [](const Scene& s) { XDestroyWindow(s.display, s.top); }},
+    {"destroy children", [](const Scene& s) { XDestroySubwindows(s.display, s.top); }},
+    {"kill", [](const Scene& s) { XKillClient(s.display, s.top); }},
+    {"unmap", [](const Scene& s) { XUnmapWindow(s.display, s.top); }},
+    {"unmap frame", [](const Scene& s) { XUnmapWindow(s.display, s.frame); }},
+    {"reparent", [](const Scene& s) { XReparentWindow(s.display, s.top, s.other, 0, 0); }},
+    {"lose properties", [](const Scene& s) { DeleteProperties(s.display, s.top); }},
+    {"rename", [](const Scene& s) { testing::SetClass(s.display, s.top, "Other", "other"); }},
+    {"long names", [](const Scene& s) { SetLongNames(s.display, s.top); }},
+    {"move", [](const Scene& s) { XMoveWindow(s.display, s.frame, 3000, 3000); }},
+    {"shrink", [](const Scene& s) { XResizeWindow(s.display, s.top, 1, 1); }},
+    {"lower", [](const Scene& s) { XLowerWindow(s.display, s.frame); }},
+    {"focus", [](const Scene& s) { XSetInputFocus(s.display, None, RevertToNone, CurrentTime); }},
+    {"grab pointer",
+     [](const Scene& s) {
+       XGrabPointer(s.display, DefaultRootWindow(s.display), False, ButtonPressMask, GrabModeAsync,
+                    GrabModeAsync, None, None, CurrentTime);
+     },
+     [](const Scene& s) { XUngrabPointer(s.display, CurrentTime); }},
+    {"grab keyboard",
+     [](const Scene& s) {
+       XGrabKeyboard(s.display, DefaultRootWindow(s.display), False, GrabModeAsync, GrabModeAsync,
+                     CurrentTime);
+     },
+     [](const Scene& s) { XUngrabKeyboard(s.display, CurrentTime); }},
+    {"grab keyboard and freeze",
+     [](const Scene& s) {
+       XGrabKeyboard(s.display, DefaultRootWindow(s.display), False, GrabModeSync, GrabModeSync,
+                     CurrentTime);
+     },
+     [](const Scene& s) { XUngrabKeyboard(s.display, CurrentTime); }},
+    {"grab server", [](const Scene& s) { XGrabServer(s.display); },
+     [](const Scene& s) { XUngrabServer(s.display); }},
+    {"destroy the trail",
+     [](const Scene& s) {
+       for (const Window window : testing::ChildrenOf(s.display, DefaultRootWindow(s.display))) {
+         XWindowAttributes attributes{};
+         if (XGetWindowAttributes(s.display, window, &attributes) != 0 &&
+             attributes.override_redirect && attributes.width > 1000)
+           XDestroyWindow(s.display, window);
+       }
+     }},
+    {"take draw button",
+     [](const Scene& s) {
+       XGrabButton(s.display, Button3, 0, DefaultRootWindow(s.display), False, ButtonPressMask,
+                   GrabModeAsync, GrabModeAsync, None, None);
+     },
+     [](const Scene& s) { XUngrabButton(s.display, Button3, 0, DefaultRootWindow(s.display)); }},
+};
+
+// Where there is a window manager.
+constexpr Attack kKillManager = {"kill the window manager",
+                                 [](const Scene& s) { kill(s.manager, SIGKILL); }};
+
+enum class Gesture { kStroke, kClick };
+
+struct Setting {
+  const char* name;
+  Gesture gesture;
+  int delivery;
+  int choices;
+  const char* manager;
+};
+
+constexpr Setting kSettings[] = {
+    {"SentStroke", Gesture::kStroke, kSentEvents, 0, ""},
+    {"MadeStroke", Gesture::kStroke, kRealInput, kActivateFirst, ""},
+    {"SentClick", Gesture::kClick, kSentEvents, 0, ""},
+    {"MadeClick", Gesture::kClick, kRealInput, 0, ""},
+    {"ManagedSentStroke", Gesture::kStroke, kSentEvents, kActivateFirst, "openbox"},
+    {"ManagedMadeStroke", Gesture::kStroke, kRealInput, kActivateFirst, "openbox"},
+};
+
+void PrintTo(const Setting& setting, std::ostream* out) {
+  *out << setting.name;
+}
+
+// From one request that is attacked at to the next; 0: one is enough.
+unsigned long Step() {
+  const char* given = std::getenv("GROMLIT_EVERY_REQUEST");
+  return given != nullptr ? std::strtoul(given, nullptr, 10) : 0;
+}
+
+class BetweenRequestsTest : public testing::HostileRun,
+                            public ::testing::WithParamInterface<Setting> {
+ protected:
+  void SetUp() override {
+    HostileRun::SetUp();
+    if (*GetParam().manager != '\0') StartWindowManager(GetParam().manager, kClickToRaise);
+    WriteChoices(GetParam().delivery, GetParam().choices);
+    WritePlugin("Victim.victim", {{"all",
+                                   kRight,
+                                   {{kHotKey, "a", kKeyA, ShiftMask | ControlMask},
+                                    {kText, "Hi"},
+                                    {kRun, "system:maximize"},
+                                    {kRun, "system:close"},
+                                    {kHotKey, "a", kKeyA, 0}}}});
+    StartAll();
+  }
+  void TearDown() override {
+    victim_.reset();
+    HostileRun::TearDown();
+  }
+
+  // A new application under the coming gesture.
+  void NewVictim() {
+    victim_ = std::make_unique<ProbeClient>(
+        install->path(),
+        std::vector<std::string>{"--class", "Victim", "victim", "--geometry", "300x300+100+100",
+                                 "--child", "200x200+20+20", "--child", "100x100+20+20,0x4,1"});
+    scene_ = {intruder_, victim_->window(), victim_->window(), other_->window(),
+              manager != nullptr ? manager->pid() : 0};
+    while (testing::ParentOf(player->display(), scene_.frame) != player->root())
+      scene_.frame = testing::ParentOf(player->display(), scene_.frame);
+  }
+  // One gesture on a new application, with something happening before its request `number`, from
+  // 1. Returns whether the gesture came to that request.
+  bool Attacked(const Attack& attack, unsigned long number) {
+    NewVictim();
+    Go({1270, 1000});
+    if (manager == nullptr)
+      XSetInputFocus(player->display(), PointerRoot, RevertToPointerRoot, CurrentTime);
+    EXPECT_TRUE(Settle());
+    const Point at = OriginOf(victim_->window());
+    const unsigned long before = proxy_->Counts(0).requests;
+    const unsigned long first = before + number;
+    fired_ = false;
+    proxy_->BeforeRequest(
+        [&](const XRequest&) {
+          fired_ = true;
+          attack.begin(scene_);
+          XSync(intruder_, False);
+          if (attack.end != nullptr) EndLater(attack);
+        },
+        [first](const XRequest& request) {
+          return request.connection == 0 && request.number == first;
+        });
+    player->MoveTo(at.x + 80, at.y + 80);
+    player->Press(3);
+    if (GetParam().gesture == Gesture::kStroke)
+      for (int x = 100; x <= 240; x += 20) player->MoveTo(at.x + x, at.y + 80);
+    player->Release(3);
+    const bool settled = Settle();
+    proxy_->BeforeRequest(nullptr);
+    if (ending_.joinable()) ending_.join();
+    EXPECT_TRUE(settled) << WhereItStands();
+    requests_ = proxy_->Counts(0).requests - before;
+    if (attack.name == kAttacks[0].name) ExpectActedOn();
+    victim_.reset();
+    KeepManager();
+    CloseAll();  // the offer of a plug-in for what has lost its name
+    return fired_;
+  }
+  // One that was killed is started again, and has found its windows.
+  void KeepManager() {
+    if (manager == nullptr || manager->Running()) return;
+    RestartWindowManager();
+    EXPECT_TRUE(WaitFor([this] {
+      return testing::ParentOf(player->display(), other_->window()) != player->root();
+    }));
+  }
+  // What the gesture does when nobody interferes; else nothing here would be attacked.
+  void ExpectActedOn() {
+    // The hot key and the two letters; of the click the window wants the press only.
+    if (GetParam().gesture == Gesture::kStroke) {
+      EXPECT_GE(victim_->Wait(6, "Key").size(), 6u);
+    } else {
+      EXPECT_GE(victim_->Wait(1, "ButtonPress").size(), 1u);
+    }
+  }
+  // Lasting attacks end by themselves soon: what is frozen must not stay so on their account.
+  void EndLater(const Attack& attack) {
+    ending_ = std::thread([this, &attack] {
+      std::this_thread::sleep_for(std::chrono::milliseconds(30));
+      attack.end(scene_);
+      XSync(intruder_, False);
+    });
+  }
+
+  unsigned long requests_ = 0;  // of the last gesture
+  std::unique_ptr<ProbeClient> victim_;
+  Scene scene_{};
+  std::atomic<bool> fired_{false};
+  std::thread ending_;
+};
+
+TEST_P(BetweenRequestsTest, WhateverOtherClientsDoTheNextGestureWorks) {
+  Attacked(kAttacks[0], 0);
+  ExpectAllIsWell();
+  const unsigned long usual = requests_;
+  const unsigned long step = Step();
+  int attacks = 0;
+  const char* only = std::getenv("GROMLIT_ATTACK");
+  std::vector<Attack> tried(std::begin(kAttacks), std::end(kAttacks));
+  if (manager != nullptr) tried.push_back(kKillManager);
+  for (const Attack& attack : tried) {
+    if (only != nullptr && std::string(attack.name) != only) continue;
+    // Some gestures take a few requests more.
+    const unsigned long last = step != 0 ? usual + usual / 8 : 1;
+    for (unsigned long n = step > 1 ? random_() % step : 0; n < last; n += std::max(step, 1UL)) {
+      const unsigned long number = 1 + (step != 0 ? n : random_() % usual);
+      attacks += Attacked(attack, number) ? 1 : 0;
+      ExpectAllIsWell(attack.name == std::string("take draw button"));
+      ASSERT_FALSE(HasFailure()) << attack.name << " before request " << number << ", seed "
+                                 << seed_;
+    }
+  }
+  std::printf("%d attacks, a gesture has %lu requests\n", attacks, usual);
+}
+
+INSTANTIATE_TEST_SUITE_P(In, BetweenRequestsTest, ::testing::ValuesIn(kSettings),
+                         [](const auto& setting) { return std::string(setting.param.name); });
+
+// --- While the program starts ------------------------------------------------------------------
+
+Window victims[20];
+Window claimant = None;
+
+constexpr Attack kStartAttacks[] = {
+    {"nothing", [](const Scene&) {}},
+    {"destroy",
+     [](const Scene& s) {
+       for (const Window window : victims) XDestroyWindow(s.display, window);
+     }},
+    {"create",
+     [](const Scene& s) {
+       for (int i = 0; i < 20; i++) {
+         const Window window =
+             XCreateSimpleWindow(s.display, DefaultRootWindow(s.display), 0, 0, 10, 10, 0, 0, 0);
+         XMapWindow(s.display, window);
+         if (i % 2 == 0) XDestroyWindow(s.display, window);
+       }
+     }},
+    {"claim the program's selection",
+     [](const Scene& s) {
+       claimant =
+           XCreateSimpleWindow(s.display, DefaultRootWindow(s.display), 0, 0, 10, 10, 0, 0, 0);
+       XSetSelectionOwner(s.display, XInternAtom(s.display, "_GROMLIT_S0", False), claimant,
+                          CurrentTime);
+     },
+     [](const Scene& s) { XDestroyWindow(s.display, claimant); }},
+    {"claim the tray's selection",
+     [](const Scene& s) {
+       claimant =
+           XCreateSimpleWindow(s.display, DefaultRootWindow(s.display), 0, 0, 10, 10, 0, 0, 0);
+       XSetSelectionOwner(s.display, XInternAtom(s.display, "_NET_SYSTEM_TRAY_S0", False), claimant,
+                          CurrentTime);
+     },
+     [](const Scene& s) { XDestroyWindow(s.display, claimant); }},
+    {"grab everything",
+     [](const Scene& s) {
+       const Window root = DefaultRootWindow(s.display);
+       XGrabPointer(s.display, root, False, ButtonPressMask, GrabModeSync, GrabModeAsync, None,
+                    None, CurrentTime);
+       XGrabKeyboard(s.display, root, False, GrabModeSync, GrabModeSync, CurrentTime);
+       XGrabServer(s.display);
+     },
+     [](const Scene& s) {
+       XUngrabPointer(s.display, CurrentTime);
+       XUngrabKeyboard(s.display, CurrentTime);
+       XUngrabServer(s.display);
+     }},
+    {"focus", [](const Scene& s) { XSetInputFocus(s.display, None, RevertToNone, CurrentTime); }},
+};
+
+class StartBetweenRequestsTest : public testing::HostileRun {
+ protected:
+  // Ends the program and starts it anew, with something happening before request `number` of that.
+  bool StartAttacked(const Attack& attack, unsigned long number) {
+    gromlit->Kill(SIGTERM);
+    gromlit->Wait();
+    Display* user = player->display();
+    for (Window& window : victims) {
+      window = XCreateSimpleWindow(user, player->root(), 0, 0, 10, 10, 0, 0, 0);
+      XMapWindow(user, window);
+    }
+    XSync(user, False);
+    const int connection = proxy_->connections();
+    bool fired = false;
+    std::thread ending;
+    scene_ = {intruder_, None, None, other_->window(), 0};
+    proxy_->BeforeRequest(
+        [&](const XRequest&) {
+          fired = true;
+          attack.begin(scene_);
+          XSync(intruder_, False);
+          if (attack.end == nullptr) return;
+          ending = std::thread([&] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(30));
+            attack.end(scene_);
+            XSync(intruder_, False);
+          });
+        },
+        [&](const XRequest& request) {
+          return request.connection == connection && request.number == number;
+        });
+    StartGromlit();
+    EXPECT_TRUE(Settle()) << GromlitOutput();
+    proxy_->BeforeRequest(nullptr);
+    if (ending.joinable()) ending.join();
+    requests_ = proxy_->Counts(connection).requests;
+    for (const Window window : victims) XDestroyWindow(user, window);
+    main_ = MainWindow();
+    CloseAll();
+    return fired;
+  }
+
+  Scene scene_{};
+  unsigned long requests_ = 0;
+};
+
+TEST_F(StartBetweenRequestsTest, WhateverOtherClientsDoTheProgramStarts) {
+  WriteChoices(kSentEvents, 0);
+  StartAll();
+  StartAttacked(kStartAttacks[0], 0);
+  const unsigned long usual = requests_;
+  const unsigned long step = Step();
+  int attacks = 0;
+  for (const Attack& attack : kStartAttacks) {
+    const unsigned long last = step != 0 ? usual : 1;
+    for (unsigned long n = step > 1 ? Pick(step) : 0; n < last; n += std::max(step, 1UL)) {
+      const unsigned long number = 1 + (step != 0 ? n : Pick(usual));
+      attacks += StartAttacked(attack, number) ? 1 : 0;
+      ExpectAllIsWell();
+      ASSERT_FALSE(HasFailure()) << attack.name << " before request " << number << ", seed "
+                                 << seed_;
+    }
+  }
+  std::printf("%d attacks, a start has %lu requests\n", attacks, usual);
+}
+
+}  // namespace
+}  // namespace gromlit

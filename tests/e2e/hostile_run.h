@@ -1,0 +1,60 @@
+// Fixture for tests in which other clients do their worst: the program runs behind a proxy, with
+// one action for the application "Victim", whose gestures are interfered with, and one for "Other",
+// over which gestures must always work.
+#pragma once
+
+#include "tests/e2e/gromlit_run.h"
+
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "tests/support/x_proxy.h"
+
+namespace gromlit::testing {
+
+class HostileRun : public GromlitRun {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+
+  // Options for a run without a splash: the field temp1, and choices of temp2.
+  void WriteChoices(int delivery, int choices);
+  // Starts the program and "Other", the main window out of the way.
+  void StartAll();
+  // The program ended of itself, as windows let their user end it: once more.
+  void StartAgain();
+
+  unsigned long Pick(unsigned long n) { return random_() % n; }
+  Point OriginOf(Window window);
+
+  // Waits until the program has done all that it had to do: it answers a question, which it does
+  // between two events only.
+  bool Settle();
+  // The program's windows that are on the screen, but for the trail; and all that it has.
+  std::vector<Window> ShownBelow(Window window, int depth);
+  std::vector<Window> OwnWindows();
+  // Asks all that is on the screen to close, as a window manager does, until nothing is.
+  void CloseAll();
+  // A stroke on "Other", and whether it was acted on before the deadline.
+  bool StrokeActs(std::chrono::milliseconds deadline = std::chrono::seconds(9));
+  // The pointer and the keyboard are free, nothing is down, the program says nothing, and a gesture
+  // on "Other" is acted on; `taken`: soon, as another client has had the draw button.
+  void ExpectAllIsWell(bool taken = false);
+
+  unsigned seed_ = 0;
+  std::mt19937 random_;
+  std::unique_ptr<XProxy> proxy_;
+  Display* intruder_ = nullptr;  // for use in the proxy's thread
+  std::unique_ptr<ProbeClient> other_;
+  Window main_ = 0;
+  Window question_ = 0;  // gets the program's answers
+  int questions_ = 0;
+  size_t quiet_ = 0;  // length of what the program has said at its start
+
+ private:
+  void ExpectQuiet();
+};
+
+}  // namespace gromlit::testing
