@@ -5,21 +5,40 @@ target_compile_options(gromlit_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion
   $<$<BOOL:${GROMLIT_WERROR}>:-Werror>)
 target_include_directories(gromlit_flags INTERFACE ${CMAKE_SOURCE_DIR})
+# The tests' own code is compiled without optimisation and is not what is looked at.
+set(tests_own "$<BOOL:$<TARGET_PROPERTY:GROMLIT_TESTS_OWN>>")
 if(GROMLIT_HARDEN)
-  # What Debian asks of a package: each costs an attacker a way from a fault to more.
+  # Each of these costs an attacker a way from a fault to more. scripts/check-hardening looks for every
+  # one of them in the built programs.
+  include(CheckCXXCompilerFlag)
   include(CheckPIESupported)
   check_pie_supported(LANGUAGES CXX)
   set(CMAKE_POSITION_INDEPENDENT_CODE ON)
-  target_compile_options(gromlit_flags INTERFACE
-    -fstack-protector-strong -fstack-clash-protection
-    -Wformat -Werror=format-security -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2
+  # A call may only land where a call is expected, and return only to where it came from: of some
+  # processors only.
+  check_cxx_compiler_flag(-fcf-protection=full GROMLIT_HAS_CF_PROTECTION)
+  set(hardening
+    -fstack-protector-strong -fstack-clash-protection -Wformat -Werror=format-security
+    -D_GLIBCXX_ASSERTIONS -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3
+    $<$<BOOL:${GROMLIT_HAS_CF_PROTECTION}>:-fcf-protection=full>
     -ffile-prefix-map=${CMAKE_SOURCE_DIR}=.)
-  target_link_options(gromlit_flags INTERFACE LINKER:-z,relro,-z,now)
+  target_compile_options(gromlit_flags INTERFACE "$<$<NOT:${tests_own}>:${hardening}>")
+  target_link_options(gromlit_flags INTERFACE LINKER:-z,relro,-z,now,-z,noexecstack)
+endif()
+if(GROMLIT_CFI)
+  # A call by a pointer traps when the function is of another type than the pointer. All of the
+  # program is seen at once for that.
+  if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    message(FATAL_ERROR "GROMLIT_CFI is built by clang")
+  endif()
+  set(cfi -flto=thin -fvisibility=hidden -fsanitize=cfi -fno-sanitize-trap=cfi
+      -fno-sanitize-recover=all)
+  target_compile_options(gromlit_flags INTERFACE "$<$<NOT:${tests_own}>:${cfi}>")
+  target_link_options(gromlit_flags INTERFACE -fuse-ld=lld ${cfi})
 endif()
 if(GROMLIT_SANITIZE)
   # The tests' own code is not what is looked at: half of the time that it takes to compile would go
   # into checks of undefined behaviour.
-  set(tests_own "$<BOOL:$<TARGET_PROPERTY:GROMLIT_TESTS_OWN>>")
   target_compile_options(gromlit_flags INTERFACE
     -fsanitize=address $<$<NOT:${tests_own}>:-fsanitize=undefined>
     -fno-sanitize-recover=all -fno-omit-frame-pointer)

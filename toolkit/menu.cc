@@ -59,6 +59,7 @@ void FillMenu(XMenu* menu, XFontStruct* fontinfo, XMenuItem** items, int nitems)
 
 // Releases a menu's items but those that are among the `nkept` first of `kept`.
 void ReleaseItems(XMenu* menu, XMenuItem* const* kept, int nkept) {
+  // cppcheck-suppress nullPointerArithmetic  ; no items are a null pointer and 0
   std::vector<XMenuItem*> sorted(kept, kept + std::max(nkept, 0));
   std::sort(sorted.begin(), sorted.end());
   for (int i = 0; i < menu->nitems; i++) {

@@ -87,6 +87,7 @@ Block EntryBlock(const SheetEntry& entry, double x) {
     if (!text.empty() && !words.object.empty()) text += U' ';
     // More than can be shown is not broken into lines first.
     text += Shortened(Characters(words.object), kLines * Fitting(width, kSmallSize));
+    // cppcheck-suppress accessMoved  ; a loop's range is made once, before its first round
     for (std::u32string& line : Broken(std::move(text), Fitting(width, kSmallSize)))
       lines.push_back(std::move(line));
   }

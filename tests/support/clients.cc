@@ -32,6 +32,7 @@ Relatives RelativesOf(Display* display, Window window) {
   Window* list = nullptr;
   unsigned count = 0;
   if (XQueryTree(display, window, &root, &found.parent, &list, &count) == 0) return {};
+  // cppcheck-suppress nullPointerArithmeticRedundantCheck  ; no windows are a null pointer and 0
   found.children.assign(list, list + count);
   if (list != nullptr) XFree(list);
   return found;

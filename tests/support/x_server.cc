@@ -125,6 +125,8 @@ bool Player::CanGrabPointer() {
   return status == GrabSuccess;
 }
 
+// Copies, for the hint has no constant texts.
+// cppcheck-suppress passedByValue
 void SetClass(Display* display, Window window, std::string classpart, std::string name) {
   XClassHint hint{name.data(), classpart.data()};
   XSetClassHint(display, window, &hint);
