@@ -23,11 +23,13 @@
 #include "fuzz/fake_server.h"
 #include "fuzz/records.h"
 #include "fuzz/require.h"
-#include "program/remote_service.h"
 #include "program/remote_words.h"
 #include "toolkit/image.h"
 #include "toolkit/selection.h"
 #include "toolkit/window_object.h"
+
+// As a source: what it keeps to itself begins anew with every input.
+#include "program/remote_service.cc"
 
 namespace gromlit::fuzz {
 namespace {
@@ -218,6 +220,7 @@ void Dispatch(XEvent event) {
 void Begin() {
   static bool first = true;
   LeaveSelections();
+  service = {};
   if (first) {
     MakeImages();
     XAllocColor(dpy, cmap, &lgrey);
