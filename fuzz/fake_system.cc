@@ -1,0 +1,45 @@
+// What would start a program, or wait: recorded, and no time passes.
+#include <poll.h>
+#include <sys/types.h>
+#include <time.h>
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+#include "fuzz/fake_server.h"
+
+using gromlit::fuzz::Server;
+
+extern "C" {
+
+pid_t __wrap_fork() {
+  constexpr pid_t kChild = 12345;
+  return kChild;
+}
+
+int __wrap_poll(pollfd* fds, nfds_t n, int milliseconds) {
+  for (nfds_t i = 0; i < n; i++) fds[i].revents = 0;
+  if (milliseconds > 0) Server().now += std::chrono::milliseconds(milliseconds);
+  return 0;
+}
+
+int __wrap_clock_nanosleep(clockid_t, int, const timespec*, timespec*) {
+  return 0;
+}
+
+// std::chrono::steady_clock::now(), whose result is a number of nanoseconds.
+int64_t __wrap__ZNSt6chrono3_V212steady_clock3nowEv() {
+  // A clock that stands still would keep a program waiting that looks at it again and again.
+  Server().now += std::chrono::microseconds(1);
+  return Server().now.count();
+}
+
+// gromlit::StartCommandLine(line, errorprefix)
+pid_t __real__ZN7gromlit16StartCommandLineEPKcS1_(const char* line, const char* errorprefix);
+pid_t __wrap__ZN7gromlit16StartCommandLineEPKcS1_(const char* line, const char* errorprefix) {
+  Server().started.emplace_back(line);
+  return __real__ZN7gromlit16StartCommandLineEPKcS1_(line, errorprefix);
+}
+
+}  // extern "C"
