@@ -7,6 +7,7 @@
 // and GROMLIT_SOAK_ROUND (the first round) repeat one. With GROMLIT_SCREENSHOTS, a picture and the
 // installation directory of a failure are kept there.
 #include <X11/XKBlib.h>
+#include <X11/Xutil.h>
 #include <X11/keysym.h>
 #include <signal.h>
 
@@ -72,7 +73,12 @@ class SoakTest : public testing::RandomUser {
     std::error_code ignored;
     fs::copy(install->path(), to, fs::copy_options::recursive | fs::copy_options::update_existing,
              ignored);
-    std::printf("kept: %s.png, %s/\n", to.c_str(), to.c_str());
+    fs::remove(to + "/windows");
+    Process({"xwininfo", "-root", "-tree"}, to + "/windows").Wait();
+    std::string answer;
+    if (gromlit->Running()) Remote("status", &answer);
+    std::printf("kept: %s.png, %s/; it says that it is %s\n", to.c_str(), to.c_str(),
+                answer.c_str());
     if (gromlit->Running()) std::printf("%s\n", WhereItStands().c_str());
   }
 
@@ -112,8 +118,6 @@ class SoakTest : public testing::RandomUser {
   void ChangeManager() {
     manager->Kill(Pick(2) == 0 ? SIGTERM : SIGKILL);
     if (Pick(2) == 0) manager->Wait();
-    manager_name = Pick(3) == 0 ? "icewm" : "openbox";
-    manager_configuration = manager_name == "openbox" ? testing::kClickToRaise : "";
     RestartWindowManager();
   }
   void ChangeTray() {
@@ -243,13 +247,13 @@ class SoakTest : public testing::RandomUser {
     ASSERT_EQ(SaveUserOptions(&options, defaultOptionFile), 1);
     WritePlugin("Proof.proof", {{"right", kRight, {{kRun, ProofCommand()}}}});
     proof_plugin_ = ReadText(PluginFile("Proof.proof"));
-    const int scale = Pick(5) == 0 ? 2 : 1;
-    Open({"-scale", std::to_string(scale)});
+    scale_ = Pick(5) == 0 ? 2 : 1;
+    Open({"-scale", std::to_string(scale_)});
     if (HasFatalFailure()) return;
     std::printf(
         "start %d: button %d, delivery %d, behaviour %d, matching %d, manners %d, scale %d\n",
         starts_++, options.button, options.temp1, options.temp2, options.temp3, options.temp4,
-        scale);
+        scale_);
     life_ = 0;
   }
   void End() {
@@ -269,10 +273,27 @@ class SoakTest : public testing::RandomUser {
 
   // --- What is looked at after a round ---
 
+  // Has the program answer to a word; false when it does not.
+  bool Remote(const char* word, std::string* answer = nullptr) {
+    const std::string file = *install / "answer";
+    fs::remove(file);
+    Process call({testing::Built("gromlit"), "-remote", word}, file);
+    const bool answers = call.Wait(kPatience) == 0;
+    if (answer != nullptr) *answer = ReadText(file);
+    return answers;
+  }
+
   void LetGo() {
     gromlit->Kill(SIGCONT);
     SetPointer(false);
     ASSERT_TRUE(LetsThePointerGo()) << "the pointer does not come back\n" << WhereItStands();
+    // What the program has yet to work off may open another menu, which wants another click; an
+    // answer comes after all of that.
+    ASSERT_TRUE(WaitFor([this] {
+      return !gromlit->Running() ||
+             (Remote("status") && (player->CanGrabPointer() || (LetsThePointerGo() && false)));
+    })) << "the pointer does not stay free\n"
+        << WhereItStands();
     for (const auto& told : told_) {
       told->Wait(kPatience);
       ASSERT_FALSE(told->Running()) << "-remote gets no answer\n" << WhereItStands();
@@ -286,15 +307,68 @@ class SoakTest : public testing::RandomUser {
     }
   }
   void Answers() {
-    for (const char* word : {"resume", "status"}) {
-      const std::string file = *install / "answer";
-      fs::remove(file);
-      Process call({testing::Built("gromlit"), "-remote", word}, file);
-      ASSERT_EQ(call.Wait(kPatience), 0) << word << "\n" << ReadText(file) << WhereItStands();
-      if (*word == 's') {
-        ASSERT_EQ(ReadText(file), "running\n");
-      }
+    ASSERT_TRUE(Remote("resume")) << WhereItStands();
+    std::string answer;
+    ASSERT_TRUE(Remote("status", &answer)) << WhereItStands();
+    ASSERT_EQ(answer, "running\n");
+  }
+  // A dialog with one or two buttons, whatever the manners and the scale; 0 when none is open.
+  Window OpenDialog(Point* button) {
+    for (const Window window : OwnWindows()) {
+      const Box box = BoxOf(window);
+      const Window inner = ChildAt(window, box.width - 72 * scale_, box.height - 32 * scale_);
+      if (inner == 0 || window == main_) continue;
+      const Box size = BoxOf(inner);
+      if (size.width != 64 * scale_ || size.height != 24 * scale_) continue;
+      XClassHint hint{};
+      if (XGetClassHint(player->display(), window, &hint) == 0) continue;
+      const std::string name = hint.res_name;
+      XFree(hint.res_name);
+      XFree(hint.res_class);
+      if (name != "Dialog") continue;
+      const Point origin = OriginOf(window);
+      // The left one of two in half of the cases: some questions are whether to go on.
+      const int left = Pick(2) == 0 ? 72 : 0;
+      *button = {origin.x + box.width - (40 + left) * scale_, origin.y + box.height - 20 * scale_};
+      return window;
     }
+    return 0;
+  }
+  // While an action is edited no stroke acts, and a question wants its answer first.
+  bool NothingIsOpen() {
+    Point button{};
+    if (const Window dialog = OpenDialog(&button)) {
+      XRaiseWindow(player->display(), dialog);
+      MoveTo(button);
+      player->Click(1);
+      return false;
+    }
+    bool open = false;
+    for (const char* name : {"ActionEditor", "SymbolEditor", "Preferences", "MorePreferences"}) {
+      const Window window = Shown(name);
+      if (window == 0) continue;
+      open = true;
+      if (std::string(name) != "ActionEditor") {
+        Close(window);
+        continue;
+      }
+      // Closed by the window manager it would keep strokes off until it is shown again.
+      XRaiseWindow(player->display(), window);
+      const Box box = BoxOf(window);
+      const Point origin = OriginOf(window);
+      MoveTo({origin.x + box.width - 40 * scale_, origin.y + box.height - 20 * scale_});
+      player->Click(1);
+      return false;
+    }
+    return !open;
+  }
+  void CloseAll() {
+    for (int i = 0; i < 60; i++) {
+      if (NothingIsOpen() && Remote("status") && NothingIsOpen()) return;
+      Point button{};
+      WaitFor([&] { return OpenDialog(&button) != 0; }, std::chrono::milliseconds(300));
+    }
+    FAIL() << "a window or a question stays open\n" << WhereItStands();
   }
   void NothingIsHeld() {
     ASSERT_TRUE(WaitFor([this] {
@@ -318,6 +392,12 @@ class SoakTest : public testing::RandomUser {
     XkbLockModifiers(player->display(), XkbUseCoreKbd, 0xff, 0);
     XkbLockGroup(player->display(), XkbUseCoreKbd, 0);
     XSync(player->display(), False);
+  }
+  // Frames of some window managers look like overlays, too.
+  bool NoTrail() {
+    const auto overlays = MappedOverlays();
+    return std::none_of(overlays.begin(), overlays.end(),
+                        [this](Window window) { return window >> 21 == main_ >> 21; });
   }
   // A stroke acts once, and a click arrives once where it was made.
   void Works() {
@@ -346,7 +426,7 @@ class SoakTest : public testing::RandomUser {
     ASSERT_TRUE(WaitFor([&] { return !ReadText(ProofFile()).empty(); }, kPatience))
         << "a stroke with button " << button_ << " does not act\n"
         << WhereItStands();
-    ASSERT_TRUE(WaitFor([this] { return MappedOverlays().empty(); })) << "a trail stays";
+    ASSERT_TRUE(WaitFor([this] { return NoTrail(); })) << "a trail stays";
     MoveTo({from.x + 10, from.y});
     player->Click(button_);
     ASSERT_TRUE(WaitFor([&] { return proof_->Lines("ButtonRelease").size() > presses; }, kPatience))
@@ -407,6 +487,7 @@ class SoakTest : public testing::RandomUser {
     }
     ASSERT_NO_FATAL_FAILURE(LetGo());
     ASSERT_NO_FATAL_FAILURE(Answers());
+    ASSERT_NO_FATAL_FAILURE(CloseAll());
     ASSERT_NO_FATAL_FAILURE(NothingIsHeld());
     ASSERT_NO_FATAL_FAILURE(Works());
     ASSERT_NO_FATAL_FAILURE(FilesAreRight());
@@ -419,6 +500,7 @@ class SoakTest : public testing::RandomUser {
 
   static constexpr int kSettled = 10;  // rounds
   int button_ = 3;
+  int scale_ = 1;
   int starts_ = 0;
   int exits_ = 0;        // that the hands asked for
   int lost_proofs_ = 0;  // plug-ins of the proof that the hands have changed
