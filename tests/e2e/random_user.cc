@@ -41,8 +41,10 @@ void RandomUser::Open(const std::vector<std::string>& arguments) {
   std::vector<std::string> all = {"-path", install->path()};
   all.insert(all.end(), arguments.begin(), arguments.end());
   Launch(all);
-  main_ = WaitShown("Application");
-  ASSERT_NE(main_, Window{0});
+  // Who has the keyboard is up to a window manager that may just be starting.
+  ASSERT_TRUE(
+      WaitFor([this] { return (main_ = Shown("Application")) != 0; }, std::chrono::seconds(60)))
+      << "no main window";
   bar_ = WaitChild(main_, 0, 0);
 }
 

@@ -99,10 +99,11 @@ class SoakTest : public testing::RandomUser {
         install->path(), std::vector<std::string>{"--class", "Probe", "probe", "--geometry",
                                                   "340x300+880+80", "--events", "0"});
   }
-  void ChangeScreen() {
-    const char* mode = Screen().width > 800 ? "small" : "1280x1024";
-    EXPECT_EQ(Runs({"xrandr", "--output", "screen", "--mode", mode}), 0);
+  void SetScreen(bool small) {
+    if ((Screen().width <= 800) == small) return;
+    EXPECT_EQ(Runs({"xrandr", "--output", "screen", "--mode", small ? "small" : "1280x1024"}), 0);
   }
+  void ChangeScreen() { SetScreen(Screen().width > 800); }
   void ChangeKeyboard() {
     constexpr const char* kLayouts[] = {"us", "de", "fr", "ru,us", "us(dvorak)"};
     Runs({"setxkbmap", kLayouts[Pick(5)]});
@@ -119,6 +120,19 @@ class SoakTest : public testing::RandomUser {
     manager->Kill(Pick(2) == 0 ? SIGTERM : SIGKILL);
     if (Pick(2) == 0) manager->Wait();
     RestartWindowManager();
+  }
+  // Whether the window manager, which may just have been started, puts windows into frames: then it
+  // has done so with those that were there before.
+  bool ManagerWorks() {
+    Display* display = player->display();
+    const Window window = XCreateSimpleWindow(display, player->root(), 0, 0, 8, 8, 0, 0, 0);
+    XMapWindow(display, window);
+    const bool works = WaitFor(
+        [&] { return testing::ParentOf(display, window) != player->root() && Viewable(window); },
+        kPatience);
+    XDestroyWindow(display, window);
+    XSync(display, False);
+    return works;
   }
   void ChangeTray() {
     if (tray_ != nullptr) {
@@ -286,6 +300,9 @@ class SoakTest : public testing::RandomUser {
   void LetGo() {
     gromlit->Kill(SIGCONT);
     SetPointer(false);
+    // What is to be closed may lie where no screen is any more.
+    SetScreen(false);
+    ASSERT_TRUE(ManagerWorks());
     ASSERT_TRUE(LetsThePointerGo()) << "the pointer does not come back\n" << WhereItStands();
     // What the program has yet to work off may open another menu, which wants another click; an
     // answer comes after all of that.
@@ -353,6 +370,9 @@ class SoakTest : public testing::RandomUser {
         continue;
       }
       // Closed by the window manager it would keep strokes off until it is shown again.
+      if (OriginOf(window).x + BoxOf(window).width > Screen().width ||
+          OriginOf(window).y + BoxOf(window).height > Screen().height)
+        XMoveWindow(player->display(), window, 0, 0);
       XRaiseWindow(player->display(), window);
       const Box box = BoxOf(window);
       const Point origin = OriginOf(window);
@@ -407,6 +427,7 @@ class SoakTest : public testing::RandomUser {
       ASSERT_NO_FATAL_FAILURE(End());
       ASSERT_NO_FATAL_FAILURE(Begin());
     }
+    SetScreen(Pick(4) == 0);
     button_ = DrawButton();
     XMapRaised(player->display(), proof_->window());
     const size_t presses = proof_->Lines("ButtonPress").size();
