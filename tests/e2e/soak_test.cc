@@ -316,12 +316,15 @@ class SoakTest : public testing::RandomUser {
       ASSERT_FALSE(told->Running()) << "-remote gets no answer\n" << WhereItStands();
     }
     told_.clear();
-    if (!gromlit->Running()) {
-      const int status = gromlit->Wait();
-      ASSERT_EQ(status, 0) << Err();
-      exits_++;
-      Begin();
-    }
+    BeginAfterExit();
+  }
+  // A question may have been whether to exit.
+  void BeginAfterExit() {
+    if (gromlit->Running()) return;
+    const int status = gromlit->Wait();
+    ASSERT_EQ(status, 0) << Err();
+    exits_++;
+    Begin();
   }
   void Answers() {
     ASSERT_TRUE(Remote("resume")) << WhereItStands();
@@ -384,6 +387,7 @@ class SoakTest : public testing::RandomUser {
   }
   void CloseAll() {
     for (int i = 0; i < 60; i++) {
+      ASSERT_NO_FATAL_FAILURE(BeginAfterExit());
       if (NothingIsOpen() && Remote("status") && NothingIsOpen()) return;
       Point button{};
       WaitFor([&] { return OpenDialog(&button) != 0; }, std::chrono::milliseconds(300));
@@ -507,8 +511,8 @@ class SoakTest : public testing::RandomUser {
       Do(windows);
     }
     ASSERT_NO_FATAL_FAILURE(LetGo());
-    ASSERT_NO_FATAL_FAILURE(Answers());
     ASSERT_NO_FATAL_FAILURE(CloseAll());
+    ASSERT_NO_FATAL_FAILURE(Answers());
     ASSERT_NO_FATAL_FAILURE(NothingIsHeld());
     ASSERT_NO_FATAL_FAILURE(Works());
     ASSERT_NO_FATAL_FAILURE(FilesAreRight());
