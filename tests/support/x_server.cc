@@ -132,13 +132,24 @@ void SetClass(Display* display, Window window, std::string classpart, std::strin
   XSetClassHint(display, window, &hint);
 }
 
+namespace {
+
+// The screen's size as it is now; Xlib's own numbers stay those of the connection's start.
+XWindowAttributes ScreenOf(Display* display) {
+  XWindowAttributes attributes{};
+  XGetWindowAttributes(display, DefaultRootWindow(display), &attributes);
+  return attributes;
+}
+
+}  // namespace
+
 Picture TakeScreen(Display* display, int x, int y, int width, int height) {
-  const int screen = DefaultScreen(display);
+  const XWindowAttributes screen = ScreenOf(display);
   const int left = std::max(x, 0);
   const int top = std::max(y, 0);
   Picture picture;
-  picture.width = std::min(x + width, DisplayWidth(display, screen)) - left;
-  picture.height = std::min(y + height, DisplayHeight(display, screen)) - top;
+  picture.width = std::min(x + width, screen.width) - left;
+  picture.height = std::min(y + height, screen.height) - top;
   if (picture.width <= 0 || picture.height <= 0) return {};
   XImage* image = XGetImage(display, DefaultRootWindow(display), left, top,
                             static_cast<unsigned>(picture.width),
@@ -153,9 +164,8 @@ Picture TakeScreen(Display* display, int x, int y, int width, int height) {
 }
 
 void SaveScreen(Display* display, const std::string& path) {
-  const int screen = DefaultScreen(display);
-  WriteText(path, PngOf(TakeScreen(display, 0, 0, DisplayWidth(display, screen),
-                                   DisplayHeight(display, screen))));
+  const XWindowAttributes screen = ScreenOf(display);
+  WriteText(path, PngOf(TakeScreen(display, 0, 0, screen.width, screen.height)));
 }
 
 }  // namespace gromlit::testing
