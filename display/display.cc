@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "display/colours.h"
 #include "display/replies.h"
 #include "images/handcursor.xbm"
 #include "images/handcursormask.xbm"
@@ -99,10 +100,14 @@ void AskForColours() {
 void MakeColours() {
   if (!colours.asked) AskForColours();
   colours.asked = false;
+  ForgetColourMap();
   for (size_t i = 0; i < std::size(kColours); i++) {
-    const auto is = AnswerTo(xcb_alloc_color_reply, colours.cookies[i]);
-    if (is == nullptr) continue;
     XColor* const colour = kColours[i];
+    const auto is = AnswerTo(xcb_alloc_color_reply, colours.cookies[i]);
+    if (is == nullptr) {
+      TakeNearestColour(colour);
+      continue;
+    }
     colour->pixel = is->pixel;
     colour->red = is->red;
     colour->green = is->green;
