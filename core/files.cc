@@ -332,8 +332,8 @@ bool RemoveFile(const char* path) {
   return true;
 }
 
-bool MakeDirectory(const char* path) {
-  if (Uninterrupted([&] { return mkdir(path, 0777); }) != 0) return errno == EEXIST;
+bool MakeDirectory(const char* path, mode_t mode) {
+  if (Uninterrupted([&] { return mkdir(path, mode); }) != 0) return errno == EEXIST;
   SyncParentOf(path);
   return true;
 }

@@ -2,6 +2,8 @@
 // checked, and a save never loses what was there.
 #pragma once
 
+#include <sys/types.h>
+
 #include <cerrno>
 #include <cstddef>
 #include <span>
@@ -59,7 +61,7 @@ bool RemoveFile(const char* path);
 
 // Makes a directory, less the umask, for good; one that is there already will do. What is saved in
 // it is as safe as in any other. False with errno set.
-bool MakeDirectory(const char* path);
+bool MakeDirectory(const char* path, mode_t mode = 0777);
 
 // GromlitPath + "/" + directory + "/" + name.
 std::string DataPath(const char* directory, const char* name);

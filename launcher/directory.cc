@@ -40,16 +40,18 @@ using Bytes = std::vector<std::byte>;
 
 constexpr const char* kDataDirectories[] = {symbolDirectory, pluginDirectory, optionDirectory};
 constexpr size_t kMaxStarterFile = kMaxPluginFile;
-constexpr mode_t kUsual = 0777;  // less the umask
 
 std::string Reason(const std::string& what, int error) {
   return Printable(what) + ": " + std::strerror(error);
 }
 
-// Whether there is anything, also a link that leads nowhere.
-bool IsThere(const std::string& path) {
+// Whether there is anything, also a link that leads nowhere; nothing with errno set when the system
+// does not tell.
+std::optional<bool> IsThere(const std::string& path) {
   struct stat info {};
-  return lstat(path.c_str(), &info) == 0;
+  if (Uninterrupted([&] { return lstat(path.c_str(), &info); }) == 0) return true;
+  if (errno == ENOENT) return false;
+  return std::nullopt;
 }
 
 // Holds the directory against other launchers until the object goes. A file system without locks is
@@ -57,9 +59,9 @@ bool IsThere(const std::string& path) {
 class Lock {
  public:
   explicit Lock(const std::string& directory)
-      : fd_(open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-    while (fd_ >= 0 && flock(fd_, LOCK_EX) != 0 && errno == EINTR) {
-    }
+      : fd_(Uninterrupted(
+            [&] { return open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); })) {
+    if (fd_ >= 0) Uninterrupted([&] { return flock(fd_, LOCK_EX); });
   }
   ~Lock() {
     if (fd_ >= 0) close(fd_);
@@ -86,15 +88,24 @@ class PathInUse {
   const char* former_;
 };
 
-// What a path of the user holds.
-enum class Found { kNothing, kFile, kOther };
+// What a path of the user holds. kUnknown with errno set: the system does not tell now, and what is
+// noted must not be a guess.
+enum class Found { kNothing, kFile, kOther, kUnknown };
+
+// Errors that say something of the path, and will say it again.
+bool IsLasting(int error) {
+  return error == ENOTDIR || error == ELOOP || error == ENAMETOOLONG || error == EACCES;
+}
 
 Found Look(const std::string& path, Bytes* contents) {
   struct stat info {};
-  if (lstat(path.c_str(), &info) != 0) return errno == ENOENT ? Found::kNothing : Found::kOther;
-  if (!S_ISREG(info.st_mode) || !ReadFile(path.c_str(), kMaxStarterFile, contents))
-    return Found::kOther;
-  return Found::kFile;
+  if (Uninterrupted([&] { return lstat(path.c_str(), &info); }) != 0) {
+    if (errno == ENOENT) return Found::kNothing;
+    return IsLasting(errno) ? Found::kOther : Found::kUnknown;
+  }
+  if (!S_ISREG(info.st_mode)) return Found::kOther;
+  if (ReadFile(path.c_str(), kMaxStarterFile, contents)) return Found::kFile;
+  return IsLasting(errno) ? Found::kOther : Found::kUnknown;
 }
 
 // One run over a directory.
@@ -130,8 +141,7 @@ Bytes ForTheUser(Work* work, const std::string& name, const Bytes& source) {
 // The directories above a file of the installation directory.
 bool MakeParents(const std::string& directory, const std::string& name) {
   for (size_t slash = name.find('/'); slash != std::string::npos; slash = name.find('/', slash + 1))
-    if (mkdir((directory + "/" + name.substr(0, slash)).c_str(), kUsual) != 0 && errno != EEXIST)
-      return false;
+    if (!MakeDirectory((directory + "/" + name.substr(0, slash)).c_str())) return false;
   return true;
 }
 
@@ -160,7 +170,9 @@ void Adopt(Work* work, const std::string& name, const Bytes& source, Found what,
 void BringNew(Work* work, const std::string& name, const Bytes& source) {
   Bytes found;
   const Found what = Look(PathIn(*work, name), &found);
-  if (what != Found::kNothing) {
+  if (what == Found::kUnknown) {
+    Fail(work, PathIn(*work, name), errno);
+  } else if (what != Found::kNothing) {
     Adopt(work, name, source, what, found);
   } else if (WriteStarterFile(work, name, source, ForTheUser(work, name, source))) {
     work->result->added++;
@@ -170,7 +182,10 @@ void BringNew(Work* work, const std::string& name, const Bytes& source) {
 void Renew(Work* work, const std::string& name, const Bytes& source, ManifestEntry* entry) {
   if (entry->source == Checksum(source)) return;  // no newer one; not for another keyboard either
   Bytes found;
-  if (!entry->written.has_value() || Look(PathIn(*work, name), &found) != Found::kFile) return;
+  if (!entry->written.has_value()) return;
+  const Found what = Look(PathIn(*work, name), &found);
+  if (what == Found::kUnknown) Fail(work, PathIn(*work, name), errno);
+  if (what != Found::kFile) return;
   const Bytes contents = ForTheUser(work, name, source);
   if (found == contents) {
     *entry = {Checksum(source), Checksum(contents)};
@@ -199,7 +214,9 @@ bool ReadSkeleton(Work* work, std::map<std::string, Bytes>* files) {
 
 void WriteOptions(Work* work) {
   const std::string path = DataPath(optionDirectory, defaultOptionFile);
-  if (IsThere(path)) return;
+  const std::optional<bool> there = IsThere(path);
+  if (!there.has_value()) Fail(work, path, errno);
+  if (there.value_or(true)) return;
   const GromlitUserOptions options = FirstOptions();
   if (SaveUserOptions(&options, defaultOptionFile) == 0) Fail(work, path, errno);
 }
@@ -233,9 +250,10 @@ void SaveManifest(Work* work) {
 // is known by it.
 void Fill(Work* work, const std::map<std::string, Bytes>& files) {
   SaveManifest(work);
+  if (!work->result->error.empty()) return;  // directories without it would count as the user's
   for (const char* name : kDataDirectories) {
     const std::string path = PathIn(*work, name);
-    if (mkdir(path.c_str(), kUsual) != 0 && errno != EEXIST) Fail(work, path, errno);
+    if (!MakeDirectory(path.c_str())) Fail(work, path, errno);
   }
   for (const auto& [name, source] : files) {
     if (!work->result->error.empty()) return;
@@ -256,15 +274,21 @@ std::string ClassOf(const Bytes& file) {
   return DecodePluginRecord(file, plugin.get()) ? std::string(FieldText(plugin->classname)) : "";
 }
 
-// The classes that the user's plug-ins serve, whatever the names of their files.
-std::set<std::string> ServedClasses(const Work& work) {
+// The classes that the user's plug-ins serve, whatever the names of their files. What cannot be
+// read now is told as a failure: a starter plug-in might take the place of it.
+std::set<std::string> ServedClasses(Work* work) {
   std::set<std::string> classes;
   std::error_code error;
-  fs::directory_iterator at(PathIn(work, pluginDirectory), error);
+  const std::string folder = PathIn(*work, pluginDirectory);
+  fs::directory_iterator at(folder, error);
   for (; !error && at != fs::directory_iterator(); at.increment(error)) {
     Bytes file;
-    if (ReadFile(at->path().c_str(), kMaxStarterFile, &file)) classes.insert(ClassOf(file));
+    if (ReadFile(at->path().c_str(), kMaxStarterFile, &file))
+      classes.insert(ClassOf(file));
+    else if (errno != ENOENT && errno != EISDIR && errno != EINVAL && !IsLasting(errno))
+      Fail(work, at->path().string(), errno);
   }
+  if (error && error != std::errc::no_such_file_or_directory) Fail(work, folder, error.value());
   return classes;
 }
 
@@ -275,10 +299,16 @@ void Upgrade(Work* work, const std::map<std::string, Bytes>& files) {
       Renew(work, name, source, &known->second);
       continue;
     }
-    if (IsPlugin(name) && !IsThere(PathIn(*work, name))) {
+    const std::optional<bool> there = IsThere(PathIn(*work, name));
+    if (!there.has_value()) {
+      Fail(work, PathIn(*work, name), errno);
+      continue;
+    }
+    if (IsPlugin(name) && !*there) {
       // The user has one for this application under another name, which the new file, named after
       // the class, would take the place of.
-      if (!served.has_value()) served = ServedClasses(*work);
+      if (!served.has_value()) served = ServedClasses(work);
+      if (!work->result->error.empty()) continue;
       if (served->contains(ClassOf(source))) {
         Adopt(work, name, source, Found::kNothing, {});
         continue;
@@ -288,10 +318,17 @@ void Upgrade(Work* work, const std::map<std::string, Bytes>& files) {
   }
 }
 
-// Whether the directory is anybody's yet.
-bool HasData(const std::string& directory) {
-  return std::any_of(std::begin(kDataDirectories), std::end(kDataDirectories),
-                     [&](const char* name) { return IsThere(directory + "/" + name); });
+// Whether the directory is anybody's yet; nothing with errno set when the system does not tell.
+std::optional<bool> HasData(const std::string& directory) {
+  int why = 0;
+  for (const char* name : kDataDirectories) {
+    const std::optional<bool> there = IsThere(directory + "/" + name);
+    if (!there.has_value()) why = errno;
+    if (there.value_or(false)) return true;
+  }
+  if (why == 0) return false;
+  errno = why;
+  return std::nullopt;
 }
 
 }  // namespace
@@ -311,9 +348,15 @@ Preparation PrepareDirectory(const std::string& directory, const std::string& sk
   const PathInUse path(directory);
   Work work{.directory = directory, .skeleton = skeleton, .keyboard = keyboard, .result = &result};
   const ManifestState state = ReadManifest(directory, &work.manifest);
-  const bool fresh = state == ManifestState::kSound
-                         ? !work.manifest.made
-                         : state == ManifestState::kAbsent && !HasData(directory);
+  if (state == ManifestState::kUnreadable) Fail(&work, directory + "/" + kManifestFile, errno);
+  const std::optional<bool> has_data = HasData(directory);
+  if (!has_data.has_value()) Fail(&work, directory, errno);
+  if (!result.error.empty()) {
+    result.usable = has_data.value_or(false);
+    return result;
+  }
+  const bool fresh = state == ManifestState::kSound ? !work.manifest.made
+                                                    : state == ManifestState::kAbsent && !*has_data;
   result.usable = !fresh;
   std::map<std::string, Bytes> files;
   if (!ReadSkeleton(&work, &files)) return result;
@@ -330,6 +373,10 @@ Preparation PrepareDirectory(const std::string& directory, const std::string& sk
     for (const auto& [name, source] : files) {
       Bytes found;
       const Found what = Look(PathIn(work, name), &found);
+      if (what == Found::kUnknown) {
+        Fail(&work, PathIn(work, name), errno);
+        return result;
+      }
       Adopt(&work, name, source, what, found);
     }
     work.manifest.made = true;

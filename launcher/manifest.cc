@@ -103,7 +103,9 @@ ManifestState ReadManifest(const std::string& directory, Manifest* manifest) {
   *manifest = Manifest();
   std::vector<std::byte> file;
   if (!ReadFile((directory + "/" + kManifestFile).c_str(), kMaxManifest, &file))
-    return errno == ENOENT ? ManifestState::kAbsent : ManifestState::kDamaged;
+    return errno == ENOENT                      ? ManifestState::kAbsent
+           : errno == EISDIR || errno == EINVAL ? ManifestState::kDamaged
+                                                : ManifestState::kUnreadable;
   if (Parse({reinterpret_cast<const char*>(file.data()), file.size()}, manifest))
     return ManifestState::kSound;
   *manifest = Manifest();

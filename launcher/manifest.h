@@ -36,13 +36,14 @@ struct Manifest {
   bool operator==(const Manifest&) const = default;
 };
 
-enum class ManifestState { kAbsent, kDamaged, kSound };
+enum class ManifestState { kAbsent, kDamaged, kSound, kUnreadable };
 
 // Tells contents apart; no protection against somebody who means harm (FNV-1a, 64 bits).
 uint64_t Checksum(std::span<const std::byte> bytes);
 
-// Reads the manifest of a directory. *manifest is empty unless the result is kSound. What cannot be
-// read counts as damaged.
+// Reads the manifest of a directory. *manifest is empty unless the result is kSound. kUnreadable
+// with errno set when the system does not let it be read now: it may be sound. What is no regular
+// file counts as damaged.
 ManifestState ReadManifest(const std::string& directory, Manifest* manifest);
 
 // Writes it (safe saving: core/files.h). False with errno set, the old one still there.

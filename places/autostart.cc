@@ -1,7 +1,5 @@
 #include "places/autostart.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -68,6 +66,7 @@ bool TurnAutostartOn(const std::string& folder, const std::string& program,
   if (!MakeDirectories(folder)) return Fail(folder, errno, error);
   const char* former = GromlitPath;
   GromlitPath = folder.c_str();  // where the temporary of the save goes
+  RemoveStaleTemporaries();      // nobody else looks for them here
   const bool saved = SaveFile(PathOf(folder).c_str(), std::as_bytes(std::span(text)));
   const int why = errno;
   GromlitPath = former;
@@ -75,8 +74,13 @@ bool TurnAutostartOn(const std::string& folder, const std::string& program,
 }
 
 bool TurnAutostartOff(const std::string& folder, std::string* error) {
-  if (unlink(PathOf(folder).c_str()) == 0 || errno == ENOENT || errno == ENOTDIR) return true;
-  return Fail(PathOf(folder), errno, error);
+  const bool removed = RemoveFile(PathOf(folder).c_str()) || errno == ENOENT || errno == ENOTDIR;
+  const int why = errno;
+  const char* former = GromlitPath;
+  GromlitPath = folder.c_str();
+  RemoveStaleTemporaries();
+  GromlitPath = former;
+  return removed || Fail(PathOf(folder), why, error);
 }
 
 bool IsAutostartOn(const std::string& folder) {

@@ -9,6 +9,8 @@
 #include <string_view>
 #include <system_error>
 
+#include "core/files.h"
+
 namespace gromlit {
 namespace {
 namespace fs = std::filesystem;
@@ -118,12 +120,12 @@ std::string FindCompanion(const std::string& name) {
 bool MakeDirectories(const std::string& path) {
   for (size_t slash = path.find('/', 1);; slash = path.find('/', slash + 1)) {
     const std::string above = path.substr(0, slash);
-    if (mkdir(above.c_str(), kPrivate) != 0 && errno != EEXIST) return false;
+    if (!MakeDirectory(above.c_str(), kPrivate)) return false;
     if (slash == std::string::npos) break;
   }
   // What was there may be a file.
   struct stat info {};
-  if (stat(path.c_str(), &info) != 0) return false;
+  if (Uninterrupted([&] { return stat(path.c_str(), &info); }) != 0) return false;
   if (!S_ISDIR(info.st_mode)) errno = ENOTDIR;
   return S_ISDIR(info.st_mode);
 }

@@ -208,7 +208,7 @@ bool Do(const std::string& dir, const Step& step) {
   const std::string path = dir + "/" + step.name;
   if (step.replaces && !SetAside(path, kReplacedDirectory, CopiedName(step))) return false;
   const std::string directory = dir + "/" + step.name.substr(0, step.name.find('/'));
-  if (mkdir(directory.c_str(), 0777) != 0 && errno != EEXIST) return false;
+  if (!MakeDirectory(directory.c_str())) return false;
   return SaveFile(path.c_str(), step.image);
 }
 

@@ -46,6 +46,8 @@ bool WriteOutputFile(const std::string& path, std::span<const std::byte> image) 
   const std::string home = TemporaryHome(path);
   const char* former = GromlitPath;
   GromlitPath = home.c_str();
+  // Those of a run that was killed: nobody else looks for them here.
+  RemoveStaleTemporaries();
   const bool saved = SaveFile(path.c_str(), image);
   GromlitPath = former;
   return saved;

@@ -11,13 +11,7 @@
 #include "tests/support/files.h"
 
 namespace gromlit::testing {
-namespace {
-
 namespace fs = std::filesystem;
-
-constexpr size_t kAllChoices = 12;  // undecided steps of which every choice is tried
-
-}  // namespace
 
 Tree TreeOf(const std::string& directory) {
   Tree tree;
@@ -224,8 +218,8 @@ Tree DiskModel::TreeAfter(const std::vector<int>& chosen, int torn) const {
   return tree;
 }
 
-void DiskModel::ForEachOutcome(
-    const std::function<void(const Tree& tree, bool complete)>& look) const {
+void DiskModel::ForEachOutcome(const std::function<void(const Tree& tree, bool complete)>& look,
+                               size_t most) const {
   std::set<std::pair<Tree, bool>> seen;
   const auto show = [&](const Tree& tree, bool complete) {
     if (seen.emplace(tree, complete).second) look(tree, complete);
@@ -240,8 +234,8 @@ void DiskModel::ForEachOutcome(
       past.push_back(i);
       if (step.certain < 0 || step.certain > time) open.push_back(i);
     }
-    const bool all = open.size() <= kAllChoices;
-    const uint32_t choices = 1U << (all ? open.size() : kAllChoices);
+    const bool all = open.size() <= most;
+    const uint32_t choices = 1U << (all ? open.size() : most);
     for (uint32_t choice = 0; choice < choices; choice++) {
       std::set<int> lost;
       for (size_t i = 0; i < open.size(); i++)

@@ -35,9 +35,10 @@ class DiskModel {
   Tree Everything() const;
 
   // Calls `look` for each different tree that the power may leave when it fails after any of the
-  // steps; `complete` is true when all steps were over. Up to 2^12 choices are tried for a step,
-  // all there are or drawn at random, always the same ones.
-  void ForEachOutcome(const std::function<void(const Tree& tree, bool complete)>& look) const;
+  // steps; `complete` is true when all steps were over. Up to 2^`choices` choices are tried for a
+  // step, all there are or drawn at random, always the same ones.
+  void ForEachOutcome(const std::function<void(const Tree& tree, bool complete)>& look,
+                      size_t choices = 12) const;
 
   int steps() const { return static_cast<int>(steps_.size()); }
 
