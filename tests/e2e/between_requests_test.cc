@@ -399,5 +399,118 @@ TEST_F(StartBetweenRequestsTest, WhateverOtherClientsDoTheProgramStarts) {
   std::printf("%d attacks, a start has %lu requests\n", attacks, usual);
 }
 
+// --- While the user works in the program's own windows -----------------------------------------
+
+struct Work {
+  const char* name;
+  bool picking;             // an application is to be picked
+  std::vector<Point> way;   // of the first button: pressed, moved and released; in the main window
+  std::vector<Point> then;  // clicks, on the screen
+};
+
+const Work kWorks[] = {
+    {"menu bar", false, {{20, 10}, {30, 30}, {30, 60}, {90, 10}, {100, 40}, {500, 500}}, {}},
+    {"popup", false, {{40, 180}, {41, 180}}, {{620, 600}}},
+    {"pick", true, {}, {{1150, 600}}},
+};
+
+class WorkBetweenRequestsTest : public testing::HostileRun {
+ protected:
+  bool WorkAttacked(const Work& work, const Attack& attack, unsigned long number) {
+    const std::string name = "Victim" + std::to_string(victims_++);
+    const auto victim = std::make_unique<ProbeClient>(
+        install->path(),
+        std::vector<std::string>{"--class", name, name, "--geometry", "200x200+1050+500"});
+    scene_ = {intruder_, victim->window(), victim->window(), other_->window(), 0};
+    if (work.picking) StartPicking();
+    EXPECT_TRUE(work.picking || Settle());
+    const int connection = proxy_->connections() - 1;
+    const unsigned long before = proxy_->Counts(connection).requests;
+    bool fired = false;
+    std::thread ending;
+    proxy_->BeforeRequest(
+        [&](const XRequest&) {
+          fired = true;
+          attack.begin(scene_);
+          XSync(intruder_, False);
+          if (attack.end == nullptr) return;
+          ending = std::thread([&] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(30));
+            attack.end(scene_);
+            XSync(intruder_, False);
+          });
+        },
+        [&](const XRequest& request) {
+          return request.connection == connection && request.number == before + number;
+        });
+    const Point at = OriginOf(main_);
+    for (size_t i = 0; i < work.way.size(); i++) {
+      player->MoveTo(at.x + work.way[i].x, at.y + work.way[i].y);
+      if (i == 0) player->Press(1);
+    }
+    player->Release(1);
+    EXPECT_TRUE(work.picking || Settle());  // what it has opened is open
+    for (const Point& point : work.then) {
+      player->MoveTo(point.x - 20, point.y);
+      player->MoveTo(point.x, point.y);
+      player->Click(1);
+    }
+    // An attack may have kept the pick from hearing of it.
+    if (work.picking && !WaitFor([this] { return PickLabel() == 0; }, kPickTime)) player->Click(1);
+    EXPECT_TRUE(Settle()) << WhereItStands();
+    proxy_->BeforeRequest(nullptr);
+    if (ending.joinable()) ending.join();
+    requests_ = proxy_->Counts(connection).requests - before;
+    // The user gives up whatever is left.
+    player->MoveTo(1270, 1000);
+    player->Click(1);
+    player->Type(XK_Escape);
+    EXPECT_TRUE(Settle()) << WhereItStands();
+    // Closed from outside, the action editor leaves gestures off until it has been left by Cancel.
+    if (Shown("ActionEditor") != None) {
+      gromlit->Kill(SIGTERM);
+      gromlit->Wait();
+      StartAgain();
+    }
+    CloseAll();
+    ShowMain();
+    return fired;
+  }
+
+  void ShowMain() {
+    XMapRaised(player->display(), main_);
+    EXPECT_TRUE(WaitFor([this] { return Viewable(main_); }));
+  }
+
+  static constexpr auto kPickTime = std::chrono::seconds(2);
+  Scene scene_{};
+  int victims_ = 0;
+  unsigned long requests_ = 0;
+};
+
+TEST_F(WorkBetweenRequestsTest, WhateverOtherClientsDoTheProgramsWindowsLetGo) {
+  WriteChoices(kSentEvents, 0);
+  StartAll();
+  ShowMain();
+  const unsigned long step = Step();
+  for (const Work& work : kWorks) {
+    WorkAttacked(work, kAttacks[0], 0);
+    const unsigned long usual = requests_;
+    int attacks = 0;
+    for (const Attack& attack : kAttacks) {
+      if (step == 0 && Pick(3) != 0) continue;
+      const unsigned long last = step != 0 ? usual : 1;
+      for (unsigned long n = step > 1 ? Pick(step) : 0; n < last; n += std::max(step, 1UL)) {
+        const unsigned long number = 1 + (step != 0 ? n : Pick(usual));
+        attacks += WorkAttacked(work, attack, number) ? 1 : 0;
+        ExpectAllIsWell(attack.name == std::string("take draw button"));
+        ASSERT_FALSE(HasFailure()) << work.name << ", " << attack.name << " before request "
+                                   << number << ", seed " << seed_;
+      }
+    }
+    std::printf("%s: %d attacks, %lu requests\n", work.name, attacks, usual);
+  }
+}
+
 }  // namespace
 }  // namespace gromlit
