@@ -15,6 +15,7 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <cstring>
 #include <mutex>
 #include <random>
 #include <thread>
@@ -397,6 +398,29 @@ TEST_F(StartBetweenRequestsTest, WhateverOtherClientsDoTheProgramStarts) {
     }
   }
   std::printf("%d attacks, a start has %lu requests\n", attacks, usual);
+}
+
+// The program learns the time from the news of a change to a small window of its own.
+TEST_F(StartBetweenRequestsTest, NewsThatNeverComesIsNotWaitedFor) {
+  WriteChoices(kSentEvents, 0);
+  int destroyed = 0;
+  proxy_->BeforeRequest(
+      [&](const XRequest& request) {
+        uint32_t window;
+        std::memcpy(&window, request.bytes->data() + 4, sizeof window);
+        XDestroyWindow(intruder_, window);
+        XSync(intruder_, False);
+        destroyed++;
+      },
+      [&](const XRequest& request) {
+        constexpr int kChangeProperty = 18;
+        return destroyed == 0 && request.major == kChangeProperty &&
+               request.minor == PropModeAppend;
+      });
+  StartAll();
+  ASSERT_FALSE(HasFailure()) << WhereItStands();
+  EXPECT_EQ(destroyed, 1);
+  ExpectAllIsWell();
 }
 
 // --- While the user works in the program's own windows -----------------------------------------
