@@ -123,6 +123,48 @@ constexpr Attack kAttacks[] = {
 constexpr Attack kKillManager = {"kill the window manager",
                                  [](const Scene& s) { kill(s.manager, SIGKILL); }};
 
+// Symbols of the keyboard, two for each code, beginning with the lowest code.
+std::vector<KeySym> Keyboard(Display* display) {
+  int first;
+  int last;
+  XDisplayKeycodes(display, &first, &last);
+  int width = 0;
+  KeySym* symbols =
+      XGetKeyboardMapping(display, static_cast<KeyCode>(first), last - first + 1, &width);
+  std::vector<KeySym> found;
+  for (int code = first; code <= last; code++) {
+    for (int level = 0; level < 2; level++) {
+      found.push_back(symbols[(code - first) * width + level]);
+    }
+  }
+  XFree(symbols);
+  return found;
+}
+
+void SetSpareKeys(Display* display, KeySym from, KeySym to) {
+  int first;
+  int last;
+  XDisplayKeycodes(display, &first, &last);
+  const std::vector<KeySym> keys = Keyboard(display);
+  for (int code = first; code <= last; code++) {
+    const auto at = static_cast<size_t>(code - first) * 2;
+    if (keys[at] != from || keys[at + 1] != from) continue;
+    KeySym symbols[] = {to, to};
+    XChangeKeyboardMapping(display, code, 2, symbols, 1);
+  }
+}
+
+// Where keys are lent characters that the keyboard does not have.
+constexpr Attack kKeyboardAttacks[] = {
+    {"tell of the keyboard",
+     [](const Scene& s) {
+       KeySym symbols[] = {XK_a, XK_A};
+       XChangeKeyboardMapping(s.display, kKeyA, 2, symbols, 1);
+     }},
+    {"take spare keys", [](const Scene& s) { SetSpareKeys(s.display, NoSymbol, XK_F35); },
+     [](const Scene& s) { SetSpareKeys(s.display, XK_F35, NoSymbol); }},
+};
+
 enum class Gesture { kStroke, kClick };
 
 struct Setting {
@@ -131,11 +173,13 @@ struct Setting {
   int delivery;
   int choices;
   const char* manager;
+  const char* text = "Hi";
 };
 
 constexpr Setting kSettings[] = {
     {"SentStroke", Gesture::kStroke, kSentEvents, 0, ""},
     {"MadeStroke", Gesture::kStroke, kRealInput, kActivateFirst, ""},
+    {"MadeText", Gesture::kStroke, kRealInput, 0, "", "H\u00e9\u20ac\u65e5\u672c\u8a9e"},
     {"SentClick", Gesture::kClick, kSentEvents, 0, ""},
     {"MadeClick", Gesture::kClick, kRealInput, 0, ""},
     {"ManagedSentStroke", Gesture::kStroke, kSentEvents, kActivateFirst, "openbox"},
@@ -162,7 +206,7 @@ class BetweenRequestsTest : public testing::HostileRun,
     WritePlugin("Victim.victim", {{"all",
                                    kRight,
                                    {{kHotKey, "a", kKeyA, ShiftMask | ControlMask},
-                                    {kText, "Hi"},
+                                    {kText, GetParam().text},
                                     {kRun, "system:maximize"},
                                     {kRun, "system:close"},
                                     {kHotKey, "a", kKeyA, 0}}}});
@@ -256,14 +300,18 @@ class BetweenRequestsTest : public testing::HostileRun,
 };
 
 TEST_P(BetweenRequestsTest, WhateverOtherClientsDoTheNextGestureWorks) {
+  const bool lends = std::string(GetParam().name) == "MadeText";
+  const std::vector<KeySym> keyboard = Keyboard(player->display());
   Attacked(kAttacks[0], 0);
   ExpectAllIsWell();
+  EXPECT_EQ(Keyboard(player->display()) != keyboard, lends);
   const unsigned long usual = requests_;
   const unsigned long step = Step();
   int attacks = 0;
   const char* only = std::getenv("GROMLIT_ATTACK");
   std::vector<Attack> tried(std::begin(kAttacks), std::end(kAttacks));
   if (manager != nullptr) tried.push_back(kKillManager);
+  if (lends) tried.insert(tried.end(), std::begin(kKeyboardAttacks), std::end(kKeyboardAttacks));
   for (const Attack& attack : tried) {
     if (only != nullptr && std::string(attack.name) != only) continue;
     // Some gestures take a few requests more.
@@ -276,6 +324,8 @@ TEST_P(BetweenRequestsTest, WhateverOtherClientsDoTheNextGestureWorks) {
                                  << seed_;
     }
   }
+  EXPECT_TRUE(WaitFor([&] { return Keyboard(player->display()) == keyboard; }))
+      << "keys are not given back";
   std::printf("%d attacks, a gesture has %lu requests\n", attacks, usual);
 }
 
