@@ -119,9 +119,12 @@ void AskForServerTime(Window window) {
 }
 Time ServerTime(Window window) {
   XEvent event;
-  XWindowEvent(dpy, window, PropertyChangeMask, &event);
+  // Not waited for without end, with the draw button grabbed: where another client has destroyed
+  // the window, no news will come.
+  XSync(dpy, False);
+  const bool told = XCheckWindowEvent(dpy, window, PropertyChangeMask, &event) != 0;
   XSelectInput(dpy, window, NoEventMask);
-  return event.xproperty.time;
+  return told ? event.xproperty.time : CurrentTime;
 }
 
 // Tells those who wait for this manager.

@@ -15,6 +15,7 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <cstring>
 #include <mutex>
 #include <random>
 #include <thread>
@@ -122,6 +123,48 @@ constexpr Attack kAttacks[] = {
 constexpr Attack kKillManager = {"kill the window manager",
                                  [](const Scene& s) { kill(s.manager, SIGKILL); }};
 
+// Symbols of the keyboard, two for each code, beginning with the lowest code.
+std::vector<KeySym> Keyboard(Display* display) {
+  int first;
+  int last;
+  XDisplayKeycodes(display, &first, &last);
+  int width = 0;
+  KeySym* symbols =
+      XGetKeyboardMapping(display, static_cast<KeyCode>(first), last - first + 1, &width);
+  std::vector<KeySym> found;
+  for (int code = first; code <= last; code++) {
+    for (int level = 0; level < 2; level++) {
+      found.push_back(symbols[(code - first) * width + level]);
+    }
+  }
+  XFree(symbols);
+  return found;
+}
+
+void SetSpareKeys(Display* display, KeySym from, KeySym to) {
+  int first;
+  int last;
+  XDisplayKeycodes(display, &first, &last);
+  const std::vector<KeySym> keys = Keyboard(display);
+  for (int code = first; code <= last; code++) {
+    const auto at = static_cast<size_t>(code - first) * 2;
+    if (keys[at] != from || keys[at + 1] != from) continue;
+    KeySym symbols[] = {to, to};
+    XChangeKeyboardMapping(display, code, 2, symbols, 1);
+  }
+}
+
+// Where keys are lent characters that the keyboard does not have.
+constexpr Attack kKeyboardAttacks[] = {
+    {"tell of the keyboard",
+     [](const Scene& s) {
+       KeySym symbols[] = {XK_a, XK_A};
+       XChangeKeyboardMapping(s.display, kKeyA, 2, symbols, 1);
+     }},
+    {"take spare keys", [](const Scene& s) { SetSpareKeys(s.display, NoSymbol, XK_F35); },
+     [](const Scene& s) { SetSpareKeys(s.display, XK_F35, NoSymbol); }},
+};
+
 enum class Gesture { kStroke, kClick };
 
 struct Setting {
@@ -130,11 +173,13 @@ struct Setting {
   int delivery;
   int choices;
   const char* manager;
+  const char* text = "Hi";
 };
 
 constexpr Setting kSettings[] = {
     {"SentStroke", Gesture::kStroke, kSentEvents, 0, ""},
     {"MadeStroke", Gesture::kStroke, kRealInput, kActivateFirst, ""},
+    {"MadeText", Gesture::kStroke, kRealInput, 0, "", "H\u00e9\u20ac\u65e5\u672c\u8a9e"},
     {"SentClick", Gesture::kClick, kSentEvents, 0, ""},
     {"MadeClick", Gesture::kClick, kRealInput, 0, ""},
     {"ManagedSentStroke", Gesture::kStroke, kSentEvents, kActivateFirst, "openbox"},
@@ -161,7 +206,7 @@ class BetweenRequestsTest : public testing::HostileRun,
     WritePlugin("Victim.victim", {{"all",
                                    kRight,
                                    {{kHotKey, "a", kKeyA, ShiftMask | ControlMask},
-                                    {kText, "Hi"},
+                                    {kText, GetParam().text},
                                     {kRun, "system:maximize"},
                                     {kRun, "system:close"},
                                     {kHotKey, "a", kKeyA, 0}}}});
@@ -255,14 +300,18 @@ class BetweenRequestsTest : public testing::HostileRun,
 };
 
 TEST_P(BetweenRequestsTest, WhateverOtherClientsDoTheNextGestureWorks) {
+  const bool lends = std::string(GetParam().name) == "MadeText";
+  const std::vector<KeySym> keyboard = Keyboard(player->display());
   Attacked(kAttacks[0], 0);
   ExpectAllIsWell();
+  EXPECT_EQ(Keyboard(player->display()) != keyboard, lends);
   const unsigned long usual = requests_;
   const unsigned long step = Step();
   int attacks = 0;
   const char* only = std::getenv("GROMLIT_ATTACK");
   std::vector<Attack> tried(std::begin(kAttacks), std::end(kAttacks));
   if (manager != nullptr) tried.push_back(kKillManager);
+  if (lends) tried.insert(tried.end(), std::begin(kKeyboardAttacks), std::end(kKeyboardAttacks));
   for (const Attack& attack : tried) {
     if (only != nullptr && std::string(attack.name) != only) continue;
     // Some gestures take a few requests more.
@@ -275,6 +324,8 @@ TEST_P(BetweenRequestsTest, WhateverOtherClientsDoTheNextGestureWorks) {
                                  << seed_;
     }
   }
+  EXPECT_TRUE(WaitFor([&] { return Keyboard(player->display()) == keyboard; }))
+      << "keys are not given back";
   std::printf("%d attacks, a gesture has %lu requests\n", attacks, usual);
 }
 
@@ -397,6 +448,142 @@ TEST_F(StartBetweenRequestsTest, WhateverOtherClientsDoTheProgramStarts) {
     }
   }
   std::printf("%d attacks, a start has %lu requests\n", attacks, usual);
+}
+
+// The program learns the time from the news of a change to a small window of its own.
+TEST_F(StartBetweenRequestsTest, NewsThatNeverComesIsNotWaitedFor) {
+  WriteChoices(kSentEvents, 0);
+  int destroyed = 0;
+  proxy_->BeforeRequest(
+      [&](const XRequest& request) {
+        uint32_t window;
+        std::memcpy(&window, request.bytes->data() + 4, sizeof window);
+        XDestroyWindow(intruder_, window);
+        XSync(intruder_, False);
+        destroyed++;
+      },
+      [&](const XRequest& request) {
+        constexpr int kChangeProperty = 18;
+        return destroyed == 0 && request.major == kChangeProperty &&
+               request.minor == PropModeAppend;
+      });
+  StartAll();
+  ASSERT_FALSE(HasFailure()) << WhereItStands();
+  EXPECT_EQ(destroyed, 1);
+  ExpectAllIsWell();
+}
+
+// --- While the user works in the program's own windows -----------------------------------------
+
+struct Work {
+  const char* name;
+  bool picking;             // an application is to be picked
+  std::vector<Point> way;   // of the first button: pressed, moved and released; in the main window
+  std::vector<Point> then;  // clicks, on the screen
+};
+
+const Work kWorks[] = {
+    {"menu bar", false, {{20, 10}, {30, 30}, {30, 60}, {90, 10}, {100, 40}, {500, 500}}, {}},
+    {"popup", false, {{40, 180}, {41, 180}}, {{620, 600}}},
+    {"pick", true, {}, {{1150, 600}}},
+};
+
+class WorkBetweenRequestsTest : public testing::HostileRun {
+ protected:
+  bool WorkAttacked(const Work& work, const Attack& attack, unsigned long number) {
+    const std::string name = "Victim" + std::to_string(victims_++);
+    const auto victim = std::make_unique<ProbeClient>(
+        install->path(),
+        std::vector<std::string>{"--class", name, name, "--geometry", "200x200+1050+500"});
+    scene_ = {intruder_, victim->window(), victim->window(), other_->window(), 0};
+    if (work.picking) StartPicking();
+    EXPECT_TRUE(work.picking || Settle());
+    const int connection = proxy_->connections() - 1;
+    const unsigned long before = proxy_->Counts(connection).requests;
+    bool fired = false;
+    std::thread ending;
+    proxy_->BeforeRequest(
+        [&](const XRequest&) {
+          fired = true;
+          attack.begin(scene_);
+          XSync(intruder_, False);
+          if (attack.end == nullptr) return;
+          ending = std::thread([&] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(30));
+            attack.end(scene_);
+            XSync(intruder_, False);
+          });
+        },
+        [&](const XRequest& request) {
+          return request.connection == connection && request.number == before + number;
+        });
+    const Point at = OriginOf(main_);
+    for (size_t i = 0; i < work.way.size(); i++) {
+      player->MoveTo(at.x + work.way[i].x, at.y + work.way[i].y);
+      if (i == 0) player->Press(1);
+    }
+    player->Release(1);
+    EXPECT_TRUE(work.picking || Settle());  // what it has opened is open
+    for (const Point& point : work.then) {
+      player->MoveTo(point.x - 20, point.y);
+      player->MoveTo(point.x, point.y);
+      player->Click(1);
+    }
+    // An attack may have kept the pick from hearing of it.
+    if (work.picking && !WaitFor([this] { return PickLabel() == 0; }, kPickTime)) player->Click(1);
+    EXPECT_TRUE(Settle()) << WhereItStands();
+    proxy_->BeforeRequest(nullptr);
+    if (ending.joinable()) ending.join();
+    requests_ = proxy_->Counts(connection).requests - before;
+    // The user gives up whatever is left.
+    player->MoveTo(1270, 1000);
+    player->Click(1);
+    player->Type(XK_Escape);
+    EXPECT_TRUE(Settle()) << WhereItStands();
+    // Closed from outside, the action editor leaves gestures off until it has been left by Cancel.
+    if (Shown("ActionEditor") != None) {
+      gromlit->Kill(SIGTERM);
+      gromlit->Wait();
+      StartAgain();
+    }
+    CloseAll();
+    ShowMain();
+    return fired;
+  }
+
+  void ShowMain() {
+    XMapRaised(player->display(), main_);
+    EXPECT_TRUE(WaitFor([this] { return Viewable(main_); }));
+  }
+
+  static constexpr auto kPickTime = std::chrono::seconds(2);
+  Scene scene_{};
+  int victims_ = 0;
+  unsigned long requests_ = 0;
+};
+
+TEST_F(WorkBetweenRequestsTest, WhateverOtherClientsDoTheProgramsWindowsLetGo) {
+  WriteChoices(kSentEvents, 0);
+  StartAll();
+  ShowMain();
+  const unsigned long step = Step();
+  for (const Work& work : kWorks) {
+    WorkAttacked(work, kAttacks[0], 0);
+    const unsigned long usual = requests_;
+    int attacks = 0;
+    for (const Attack& attack : kAttacks) {
+      if (step == 0 && Pick(3) != 0) continue;
+      const unsigned long last = step != 0 ? usual : 1;
+      for (unsigned long n = step > 1 ? Pick(step) : 0; n < last; n += std::max(step, 1UL)) {
+        const unsigned long number = 1 + (step != 0 ? n : Pick(usual));
+        attacks += WorkAttacked(work, attack, number) ? 1 : 0;
+        ExpectAllIsWell(attack.name == std::string("take draw button"));
+        ASSERT_FALSE(HasFailure()) << work.name << ", " << attack.name << " before request "
+                                   << number << ", seed " << seed_;
+      }
+    }
+    std::printf("%s: %d attacks, %lu requests\n", work.name, attacks, usual);
+  }
 }
 
 }  // namespace

@@ -150,6 +150,78 @@ TEST_F(HostileClientsTest, TextsOfAnySizeTypeAndContentAreReadOrLeft) {
   ExpectAllIsWell();
 }
 
+// What window managers and desktops say on the root window, said by somebody else.
+TEST_F(HostileClientsTest, RootWindowMaySayAnything) {
+  WritePlugin("Victim.victim", {{"act",
+                                 kRight,
+                                 {{kRun, "system:maximize"},
+                                  {kRun, "system:above"},
+                                  {kRun, "system:desktop-next"},
+                                  {kRun, "system:window-to-desktop-previous"},
+                                  {kRun, "system:minimize"},
+                                  {kRun, "system:close"},
+                                  {kHotKey, "a", 38, 0}}}});
+  StartAll();
+  constexpr const char* kNames[] = {"RESOURCE_MANAGER",
+                                    "_XKB_RULES_NAMES",
+                                    "_GROMLIT_SPARE_KEYS",
+                                    "_NET_SUPPORTED",
+                                    "_NET_SUPPORTING_WM_CHECK",
+                                    "_NET_NUMBER_OF_DESKTOPS",
+                                    "_NET_CURRENT_DESKTOP",
+                                    "_NET_WORKAREA",
+                                    "_NET_WM_DESKTOP",
+                                    "_NET_WM_STATE",
+                                    "WM_PROTOCOLS"};
+  constexpr size_t kSizes[] = {0, 1, 3, 4, 8, 40, 400, 16384, 16388, 150000};
+  constexpr int kFormats[] = {8, 16, 32, 32, 32};
+  const Atom types[] = {XA_STRING, XA_CARDINAL, XA_CARDINAL, XA_ATOM, XA_WINDOW, XA_INTEGER};
+  for (int round = 0; round < Rounds(4); round++) {
+    gromlit->Kill(SIGTERM);
+    gromlit->Wait();
+    const Window top = MakeWindow(root(), 100, 500, 300, 300);
+    SetText(top, XA_WM_CLASS, XA_STRING, 8, std::string("victim\0Victim\0", 14));
+    XSelectInput(victims_, top, ButtonPressMask | KeyPressMask);
+    XMapRaised(victims_, top);
+    // Some of it looks right: a manager's window, and what it can.
+    const Window windows[] = {root(), top};
+    const Atom check = XInternAtom(victims_, "_NET_SUPPORTING_WM_CHECK", False);
+    for (const char* name : kNames) {
+      std::string bytes(kSizes[Pick(std::size(kSizes))], '\0');
+      for (char& byte : bytes) byte = static_cast<char>(Pick(3) == 0 ? Pick(256) : Pick(4));
+      const Window window = windows[Pick(std::size(windows))];
+      SetText(window, XInternAtom(victims_, name, False), types[Pick(std::size(types))],
+              kFormats[Pick(std::size(kFormats))], bytes);
+    }
+    if (Pick(2) == 0) {
+      for (const Window window : windows) {
+        XChangeProperty(victims_, window, check, XA_WINDOW, 32, PropModeReplace,
+                        reinterpret_cast<const unsigned char*>(&top), 1);
+      }
+      std::vector<Atom> all;
+      for (const char* name :
+           {"_NET_ACTIVE_WINDOW", "_NET_WM_STATE", "_NET_WM_STATE_ABOVE", "_NET_CURRENT_DESKTOP",
+            "_NET_WM_STATE_MAXIMIZED_VERT", "_NET_WM_DESKTOP", "_NET_CLOSE_WINDOW"})
+        all.push_back(XInternAtom(victims_, name, False));
+      XChangeProperty(victims_, root(), XInternAtom(victims_, "_NET_SUPPORTED", False), XA_ATOM, 32,
+                      PropModeReplace, reinterpret_cast<const unsigned char*>(all.data()),
+                      static_cast<int>(all.size()));
+    }
+    XSync(victims_, False);
+    StartAgain();
+    Stroke(150, 650);
+    EXPECT_TRUE(Settle()) << WhereItStands();
+    CloseAll();
+    XDestroyWindow(victims_, top);
+    for (const char* name : kNames)
+      XDeleteProperty(victims_, root(), XInternAtom(victims_, name, False));
+    XSync(victims_, True);
+    quiet_ = GromlitOutput().size();  // what cannot be done here
+    ExpectAllIsWell();
+    ASSERT_FALSE(HasFailure()) << "round " << round << ", seed " << seed_;
+  }
+}
+
 TEST_F(HostileClientsTest, ClassThatChangesAllTheTimeIsReadOnce) {
   StartAll();
   const Window top = MakeWindow(root(), 100, 100, 300, 300);

@@ -23,7 +23,7 @@ bool OfOneClient(Window a, Window b) {
 }  // namespace
 
 void HostileRun::SetUp() {
-  GromlitRun::SetUp();
+  FrontEnd::SetUp();
   const char* given = std::getenv("GROMLIT_TEST_SEED");
   seed_ = given != nullptr ? static_cast<unsigned>(std::strtoul(given, nullptr, 10))
                            : std::random_device()();
@@ -42,7 +42,7 @@ void HostileRun::TearDown() {
   if (proxy_ != nullptr) proxy_->BeforeRequest(nullptr);
   other_.reset();
   if (intruder_ != nullptr) XCloseDisplay(intruder_);
-  GromlitRun::TearDown();
+  FrontEnd::TearDown();
   proxy_.reset();
 }
 
@@ -69,13 +69,6 @@ void HostileRun::StartAgain() {
   main_ = HideMainWindow();
   Settle();
   quiet_ = GromlitOutput().size();
-}
-
-Point HostileRun::OriginOf(Window window) {
-  Point at{};
-  Window child;
-  XTranslateCoordinates(player->display(), window, player->root(), 0, 0, &at.x, &at.y, &child);
-  return at;
 }
 
 bool HostileRun::Settle() {

@@ -3,7 +3,7 @@
 // over which gestures must always work.
 #pragma once
 
-#include "tests/e2e/gromlit_run.h"
+#include "tests/e2e/front_end.h"
 
 #include <memory>
 #include <random>
@@ -14,7 +14,7 @@
 
 namespace gromlit::testing {
 
-class HostileRun : public GromlitRun {
+class HostileRun : public FrontEnd {
  protected:
   void SetUp() override;
   void TearDown() override;
@@ -27,7 +27,6 @@ class HostileRun : public GromlitRun {
   void StartAgain();
 
   unsigned long Pick(unsigned long n) { return random_() % n; }
-  Point OriginOf(Window window);
 
   // Waits until the program has done all that it had to do: it answers a question, which it does
   // between two events only.
