@@ -221,6 +221,15 @@ class GestureStormTest : public testing::GromlitRun,
       }
     }
   }
+  // WaitFor with pauses that are short beside what is waited for: of many thousand gestures each
+  // waits several times.
+  static bool WaitShortly(const std::function<bool()>& done) {
+    for (int i = 0; i < 50; i++) {
+      if (done()) return true;
+      std::this_thread::sleep_for(std::chrono::microseconds(100));
+    }
+    return WaitFor(done);
+  }
   // Keys go to whoever has the keyboard; a window manager gives it to what is clicked.
   void KeepFocus() {
     Window focus = 0;
@@ -255,7 +264,8 @@ class GestureStormTest : public testing::GromlitRun,
     const Point origin = OriginOf(app);
     const Point at{origin.x + 10 + Pick(360), origin.y + 10 + Pick(580)};
     player->MoveTo(at.x, at.y);
-    EXPECT_TRUE(WaitFor([&] { return player->Where().x == at.x && player->Where().y == at.y; }));
+    EXPECT_TRUE(
+        WaitShortly([&] { return player->Where().x == at.x && player->Where().y == at.y; }));
     player->Press(3);
     return at;
   }
@@ -273,14 +283,14 @@ class GestureStormTest : public testing::GromlitRun,
       corners = CornersOf(kShapes[shape], from, 60 + Pick(190));
     } while (std::any_of(corners.begin(), corners.end(), leaves));
     // A hand that jumps from corner to corner leaves open which lines it crosses first.
-    const int steps = (corners.size() > 2 ? 2 : 1) + Pick(19);  // a leg
+    const int steps = (corners.size() > 2 ? 2 : 1) + Pick(most_steps_);  // a leg
     const std::vector<Point> path = PathOf(corners, steps);
     for (size_t i = 1; i < path.size(); i++) {
       player->MoveTo(path[i].x, path[i].y);
       // As long as the press is held back the pointer stands still, and what the hand does arrives
       // as one motion: no hand is at a corner by then.
       if (i == 1 && corners.size() > 2) {
-        EXPECT_TRUE(WaitFor([&] {
+        EXPECT_TRUE(WaitShortly([&] {
           const auto at = player->Where();
           return at.x == path[1].x && at.y == path[1].y;
         })) << "the pointer does not move";
@@ -290,7 +300,7 @@ class GestureStormTest : public testing::GromlitRun,
     player->Release(3);
     const int key = KeyOf(app, shape);
     Got got;
-    const bool acted = WaitFor([&] {
+    const bool acted = WaitShortly([&] {
       Collect(&got);
       return !got.keys.empty() || got.presses > 0;
     });
@@ -311,7 +321,7 @@ class GestureStormTest : public testing::GromlitRun,
     }
     player->Release(3);
     Got got;
-    const bool acted = WaitFor([&] {
+    const bool acted = WaitShortly([&] {
       Collect(&got);
       return !got.keys.empty() || got.releases > 0;
     });
@@ -340,7 +350,7 @@ class GestureStormTest : public testing::GromlitRun,
              << wrong << ", the keyboard is with " << FocusName() << "\n"
              << WhereItStands();
     }
-    ASSERT_TRUE(WaitFor([this] { return Waits(); })) << WhereItStands();
+    ASSERT_TRUE(WaitShortly([this] { return Waits(); })) << WhereItStands();
     Got more;
     Collect(&more);
     ASSERT_EQ(more.keys.size() + static_cast<size_t>(more.presses), 0u)
@@ -357,6 +367,7 @@ class GestureStormTest : public testing::GromlitRun,
   std::vector<std::unique_ptr<Process>> busy_;
   std::mt19937 random_;
   int rests_ = 2;  // of so many motions one is followed by a pause
+  int most_steps_ = 19;
 };
 
 unsigned Seed() {
@@ -400,6 +411,7 @@ TEST_P(GestureSoakTest, NoStrokeIsLostNoneActsTwiceAndNothingPilesUp) {
   seed_ = Seed();
   random_.seed(seed_);
   rests_ = 20;
+  most_steps_ = 9;
   const char* wanted = std::getenv("GROMLIT_SOAK_STROKES");
   const int strokes = wanted != nullptr ? std::atoi(wanted) : 200;
   MakeApps();
