@@ -7,7 +7,7 @@
 #include "display/display.h"
 #include "display/end_signals.h"
 #include "display/window_manager.h"
-#include "display/x_handles.h"
+#include "display/window_tree.h"
 
 namespace gromlit {
 namespace {
@@ -17,16 +17,6 @@ using Clock = std::chrono::steady_clock;
 constexpr auto kPatience = std::chrono::milliseconds(500);
 constexpr long kFromUser = 2;
 constexpr int kMaxDepth = 64;
-
-Window ParentOf(Window window) {
-  Window rootwin;
-  Window parent = None;
-  Window* list = nullptr;
-  unsigned count;
-  if (XQueryTree(dpy, window, &rootwin, &parent, &list, &count) == 0) return None;
-  const XData<Window> owner(list);
-  return parent;
-}
 
 bool HasFocus(Window client) {
   Window focus = None;

@@ -10,6 +10,7 @@
 #include "display/display.h"
 #include "display/scale.h"
 #include "display/window_manager.h"
+#include "display/window_tree.h"
 #include "display/x_handles.h"
 #include "toolkit/focus.h"
 #include "toolkit/key_lookup.h"
@@ -103,16 +104,6 @@ void TellManager(const XDialog* dlog, int x, int y, bool keyboard) {
     XChangeProperty(dpy, window, usertime, XA_CARDINAL, 32, PropModeReplace,
                     reinterpret_cast<const unsigned char*>(&never), 1);
   }
-}
-
-Window ParentOf(Window window) {
-  Window rootwin;
-  Window parent = None;
-  Window* list = nullptr;
-  unsigned count;
-  if (XQueryTree(dpy, window, &rootwin, &parent, &list, &count) == 0) return None;
-  const XData<Window> children(list);
-  return parent;
 }
 
 // The window of the screen that a window is or lies in.

@@ -7,6 +7,7 @@
 #include <unordered_map>
 
 #include "display/display.h"
+#include "display/window_tree.h"
 #include "display/x_handles.h"
 #include "toolkit/focus.h"
 #include "toolkit/key_lookup.h"
@@ -28,16 +29,6 @@ struct Stop {
   Window window;
   int x, y;  // in the top-level window
 };
-
-Window ParentOf(Window window) {
-  Window rootwin;
-  Window parent = None;
-  Window* list = nullptr;
-  unsigned count;
-  if (XQueryTree(dpy, window, &rootwin, &parent, &list, &count) == 0) return None;
-  const XData<Window> children(list);
-  return parent;
-}
 
 using Ready = bool (*)(void* obj);
 

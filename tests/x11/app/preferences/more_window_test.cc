@@ -29,6 +29,8 @@ class MoreWindowTest : public testing::XFixture {
     GetUserOptions();
     *user = {};
     DefaultUserOptions(user);
+    // As a start does: what an earlier test of this process has chosen would still count.
+    RenewDrawLocks();
     MakeAboutDialog();
     CreateUserOptions();
     mbPrefDraw(nullptr, nullptr);
