@@ -147,7 +147,7 @@ void FillLibrary(int plugins, int symbols) {
 // --- An application
 // -------------------------------------------------------------------------------
 
-Application::Application(const std::string& display, int levels, int children)
+Application::Application(const std::string& display, int levels, int children, int nested)
     : display_(XOpenDisplay(display.c_str())) {
   if (display_ == nullptr) Fail("cannot open " + display);
   const Window root = DefaultRootWindow(display_);
@@ -168,6 +168,12 @@ Application::Application(const std::string& display, int levels, int children)
         XCreateSimpleWindow(display_, client, 50 + i % 7, 100 + i % 11, 300, 200, 0, 0, 0);
     XSelectInput(display_, child, KeyPressMask | ButtonPressMask);
     XMapWindow(display_, child);
+  }
+  Window inner = client;
+  for (int i = 0; i < nested; i++) {
+    inner = XCreateSimpleWindow(display_, inner, 0, 0, 1000, 780, 0, 0, 0);
+    XSelectInput(display_, inner, KeyPressMask | ButtonPressMask);
+    XMapWindow(display_, inner);
   }
   XMapWindow(display_, client);
   XMapWindow(display_, frame_);
