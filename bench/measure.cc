@@ -214,12 +214,12 @@ void MeasureGesture() {
 // --------------------------------------------------------------------------------------
 
 // Round trips from the press until the pointer is let go, and until nothing more is asked.
-void MeasurePress(const std::string& name, int levels, int children, bool handsoff,
-                  int nested = 0) {
+void MeasurePress(const std::string& name, int levels, int children, bool handsoff, int nested = 0,
+                  bool chain = false) {
   BenchRun run;
   WritePlugin("Bench.bench", 0, 0);
   if (handsoff) WritePlugin("Other.other", 0, 0, true);
-  Application application(run.server.name(), levels, children, nested);
+  Application application(run.server.name(), levels, children, nested, chain);
   XProxy proxy(run.server.name());
   RequestLog log(&proxy);
   run.Start(proxy.name());
@@ -239,6 +239,7 @@ void MeasurePresses() {
   MeasurePress("press", 0, 0, false);
   MeasurePress("press_1000", 0, 1000, false);
   MeasurePress("press_nested", 0, 0, false, 1000);
+  MeasurePress("press_chain", 0, 0, false, 1000, true);
   MeasurePress("press_hands_off", 0, 0, true);
   MeasurePress("press_hands_off_4", 4, 0, true);
 }
