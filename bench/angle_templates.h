@@ -16,8 +16,9 @@
 
 namespace gromlit {
 
-// Points nearer than this part of the length to the one before are left out.
-inline constexpr float kAngleSpacing = 1.0F / 64;
+// Points nearer than this part of the length to the one before are left out: a stroke keeps about
+// as many as a shape has (recognition/shape_match.h).
+inline constexpr float kAngleSpacing = 1.0F / 32;
 
 struct AngleTemplate {
   std::vector<float> at;         // part of the length before each point: 0 .. 1

@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <random>
 #include <sstream>
 #include <thread>
 
@@ -147,7 +148,8 @@ void FillLibrary(int plugins, int symbols) {
 // --- An application
 // -------------------------------------------------------------------------------
 
-Application::Application(const std::string& display, int levels, int children)
+Application::Application(const std::string& display, int levels, int children, int nested,
+                         bool chain)
     : display_(XOpenDisplay(display.c_str())) {
   if (display_ == nullptr) Fail("cannot open " + display);
   const Window root = DefaultRootWindow(display_);
@@ -168,6 +170,14 @@ Application::Application(const std::string& display, int levels, int children)
         XCreateSimpleWindow(display_, client, 50 + i % 7, 100 + i % 11, 300, 200, 0, 0, 0);
     XSelectInput(display_, child, KeyPressMask | ButtonPressMask);
     XMapWindow(display_, child);
+  }
+  std::mt19937 random(1);
+  std::vector<Window> windows = {client};
+  for (int i = 0; i < nested; i++) {
+    const Window in = chain ? windows.back() : windows[random() % windows.size()];
+    windows.push_back(XCreateSimpleWindow(display_, in, 0, 0, 1000, 780, 0, 0, 0));
+    XSelectInput(display_, windows.back(), KeyPressMask | ButtonPressMask);
+    XMapWindow(display_, windows.back());
   }
   XMapWindow(display_, client);
   XMapWindow(display_, frame_);

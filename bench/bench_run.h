@@ -42,11 +42,13 @@ void FillLibrary(int plugins, int symbols);
 // -------------------------------------------------------------------------------
 
 // A window of class "Bench.bench" in a frame, as a window manager leaves it, on a connection of its
-// own, which gets keys. `levels` windows more between frame and client, `children` windows in it,
-// all below the place at which strokes begin.
+// own, which gets keys. `levels` windows more between frame and client, `children` windows in it
+// and `nested` windows nested at random in it, or each in the one before, all below the place at
+// which strokes begin.
 class Application {
  public:
-  Application(const std::string& display, int levels, int children);
+  Application(const std::string& display, int levels, int children, int nested = 0,
+              bool chain = false);
   ~Application();
   Application(const Application&) = delete;
   Application& operator=(const Application&) = delete;

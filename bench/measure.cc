@@ -214,16 +214,19 @@ void MeasureGesture() {
 // --------------------------------------------------------------------------------------
 
 // Round trips from the press until the pointer is let go, and until nothing more is asked.
-void MeasurePress(const std::string& name, int levels, int children, bool handsoff) {
+void MeasurePress(const std::string& name, int levels, int children, bool handsoff, int nested = 0,
+                  bool chain = false) {
   BenchRun run;
   WritePlugin("Bench.bench", 0, 0);
   if (handsoff) WritePlugin("Other.other", 0, 0, true);
-  Application application(run.server.name(), levels, children);
+  Application application(run.server.name(), levels, children, nested, chain);
   XProxy proxy(run.server.name());
   RequestLog log(&proxy);
   run.Start(proxy.name());
   run.player.MoveTo(kStrokeX, kStrokeY);
-  Pause(milliseconds(300));
+  // On a link that takes its time what is asked together arrives together.
+  proxy.SetDelay(milliseconds(10), milliseconds(10));
+  Pause(milliseconds(500));
   log.Mark();
   run.player.Press(3);
   Put(name + "_thaw_trips", log.TripsBefore(X_AllowEvents));
@@ -235,6 +238,8 @@ void MeasurePress(const std::string& name, int levels, int children, bool handso
 void MeasurePresses() {
   MeasurePress("press", 0, 0, false);
   MeasurePress("press_1000", 0, 1000, false);
+  MeasurePress("press_nested", 0, 0, false, 1000);
+  MeasurePress("press_chain", 0, 0, false, 1000, true);
   MeasurePress("press_hands_off", 0, 0, true);
   MeasurePress("press_hands_off_4", 4, 0, true);
 }

@@ -37,7 +37,7 @@ inline constexpr int kClassBuffer = 100;  // bytes for a class text read from a 
 
 // --- Records ----------------------------------------------------------------------------------
 
-struct Shape;  // recognition/shape_match.h
+struct Shape;  // recognition/shape.h
 
 // A named shape. INV-SYMBOL-1: `signature` and `shape` are null or were computed from the points
 // that are in the record now; whoever changes the points, or copies a symbol over another, sets

@@ -21,32 +21,12 @@
 #include <cstdint>
 
 #include "core/gromlit.h"
+#include "recognition/shape.h"
 #include "recognition/stroke.h"
 
 namespace gromlit {
 
-inline constexpr int kShapePoints = 32;
-inline constexpr int kShapeSegments = kShapePoints - 1;
-inline constexpr int kShapeBand = 5;        // segments by which the pens may be apart
 inline constexpr int kShapeCandidates = 5;  // actions that are compared by warping
-
-// What the comparisons need of a shape. Points relative to their centre, the sum of the squares of
-// all coordinates being 1.
-// NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding): its arrays are aligned for vectors.
-struct Shape {
-  bool drawable;  // false: all points in one place, or no points; then nothing else is set
-  alignas(16) float x[kShapePoints];
-  alignas(16) float y[kShapePoints];
-  float width;  // sum of the squares of x: 0 upright line .. 1 level line
-  // Segments: unit vector (zero for a segment without length) and middle.
-  float dx[kShapeSegments];
-  float dy[kShapeSegments];
-  float mx[kShapeSegments];
-  float my[kShapeSegments];
-};
-
-// The shape of n points, any number, in drawing order.
-Shape ShapeOfPoints(int n, const int16_t* x, const int16_t* y);
 
 // The shape of a symbol's vector, computed on first use and kept in the record (heap, owned by it)
 // until ForgetSignature drops it with the signature: both are of the same points.

@@ -4,14 +4,13 @@
 #include <cmath>
 #include <limits>
 
+#include "recognition/lanes.h"
+
 namespace gromlit {
 namespace {
 
-// One float for each of the symbols; both compilers turn it into the instructions of whatever
-// processor.
-using Lanes = float __attribute__((vector_size(16)));
-constexpr int kLanes = kWarpedAtOnce;
-static_assert(sizeof(Lanes) == kLanes * sizeof(float));
+// One float for each of the symbols.
+static_assert(kWarpedAtOnce == kLanes);
 
 constexpr float kFar = std::numeric_limits<float>::infinity();
 

@@ -6,10 +6,11 @@
 // for the time of one.
 #pragma once
 
-#include "recognition/shape_match.h"
+#include "recognition/shape.h"
 
 namespace gromlit {
 
+inline constexpr int kShapeBand = 5;  // segments by which the pens may be apart
 inline constexpr int kWarpedAtOnce = 4;
 
 // Products of a stroke's and a symbol's coordinates, from which the best rotation follows: (1, 0)
