@@ -213,6 +213,7 @@ void Capture::BeginDrawing(const XMotionEvent& motion) {
     if (headplugin_ != nullptr && user->showactions != 0) DrawGromlitApp(draw_->app);
   }
   ShowTrail(&trail_, motion.x_root, motion.y_root);
+  PrepareKeys();
 }
 
 void Capture::Motion(const XMotionEvent& motion) {
