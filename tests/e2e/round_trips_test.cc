@@ -1,9 +1,12 @@
 // How often the built program waits for the server, counted on the way between the two.
 #include "tests/e2e/gromlit_run.h"
 
+#include <algorithm>
 #include <atomic>
 #include <filesystem>
+#include <mutex>
 #include <thread>
+#include <vector>
 
 #include "core/option_files.h"
 #include "tests/support/x_proxy.h"
@@ -18,6 +21,7 @@ using testing::XProxy;
 using testing::XRequest;
 
 constexpr int kSendEvent = 25;
+constexpr int kChangeActivePointerGrab = 30;
 constexpr int kAllowEvents = 35;
 constexpr int kKeyA = 38;
 
@@ -113,6 +117,32 @@ TEST_F(RoundTripsTest, FromTheReleaseToASentKeyThereAreTwo) {
   StartGromlit(true, {"-display", proxy->name(), "-path", install->path()});
   EXPECT_LE(TripsFromReleaseToKey(kSendEvent, -1), 2u);
   EXPECT_LE(TripsFromReleaseToKey(kSendEvent, -1), 2u);
+}
+
+TEST_F(RoundTripsTest, APressIsThawedBeforeAnythingIsAsked) {
+  const ProbeClient probe(install->path(),
+                          {"--class", "Probe", "probe", "--geometry", "600x500+300+250"});
+  StartGromlit(true, {"-display", proxy->name(), "-path", install->path()});
+  Go({400, 400});
+  Settle();
+  std::mutex lock;
+  std::vector<int> majors;
+  const auto thawed = [&] {
+    const std::lock_guard guard(lock);
+    return std::ranges::find(majors, kAllowEvents) != majors.end();
+  };
+  proxy->BeforeRequest([&](const XRequest& request) {
+    const std::lock_guard guard(lock);
+    majors.push_back(request.major);
+  });
+  player->Press(3);
+  EXPECT_TRUE(WaitFor(thawed));
+  proxy->BeforeRequest({});
+  // Neither has an answer.
+  ASSERT_GE(majors.size(), 2u);
+  EXPECT_EQ(majors[0], kChangeActivePointerGrab);
+  EXPECT_EQ(majors[1], kAllowEvents);
+  player->Release(3);
 }
 
 TEST_F(RoundTripsTest, FromTheReleaseToARealKeyThereAreTwo) {
