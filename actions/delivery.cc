@@ -7,13 +7,17 @@
 namespace gromlit {
 namespace {
 
-constexpr KeyWay kSentKeys = {SendStroke, SendText};
-constexpr KeyWay kMadeKeys = {MakeStroke, MakeText};
+constexpr KeyWay kSentKeys = {true, SendStroke, SendText};
+constexpr KeyWay kMadeKeys = {false, MakeStroke, MakeText};
 
 }  // namespace
 
 bool MakesClicks() {
   return DeliveryOf(user) == kRealInput && CanMakeInput();
+}
+
+void PrepareKeys() {
+  if (MakesClicks()) PrepareInput();
 }
 
 const KeyWay& ChosenKeyWay() {

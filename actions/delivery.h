@@ -8,6 +8,7 @@
 namespace gromlit {
 
 struct KeyWay {
+  bool to_focus;  // wants to know the window with the focus
   // One key pressed and released with modifiers, state bits.
   void (*stroke)(const InputPlace& place, int keycode, int keystate);
   // Types a text. With `more` it goes on: what cannot be typed without what follows may be left.
@@ -17,6 +18,9 @@ struct KeyWay {
 
 // The way that the options choose, where the server has it. The one place that asks.
 const KeyWay& ChosenKeyWay();
+
+// Asks the server for what the chosen way needs, while nobody waits for a key.
+void PrepareKeys();
 
 // Whether clicks shall be the server's own, too.
 bool MakesClicks();

@@ -10,6 +10,7 @@
 
 #include "actions/activate.h"
 #include "actions/child.h"
+#include "actions/delivery.h"
 #include "actions/keystrokes.h"
 #include "actions/launch.h"
 #include "actions/real_input.h"
@@ -75,7 +76,7 @@ struct Running {
 };
 
 InputPlace KeyPlace(const Running& r) {
-  return {KeyTarget(r.kwin), r.winx, r.winy, r.rootx, r.rooty};
+  return {ChosenKeyWay().to_focus ? KeyTarget(r.kwin) : r.kwin, r.winx, r.winy, r.rootx, r.rooty};
 }
 
 void SendKeys(const Running& r) {
@@ -155,7 +156,7 @@ void ExecuteCommand(GromlitPlugin* pin, const GromlitCmd* cmd, Window /*mwin*/, 
                     int winx, int winy, int rootx, int rooty) {
   // The keys of the command before must have reached the server: programs started here and the
   // focus asked for below see what they caused.
-  XSync(dpy, False);
+  FinishRequests();
   EndIfSignalled();
 
   const char* text = cmd->text != nullptr ? cmd->text : "";

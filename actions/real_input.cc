@@ -21,6 +21,7 @@
 #include "display/display.h"
 #include "display/end_signals.h"
 #include "display/input_extension.h"
+#include "display/keyboard_state.h"
 #include "display/lock_modifiers.h"
 
 namespace gromlit {
@@ -39,10 +40,12 @@ constexpr int kMaxRounds = 100;
 // releases, too.
 class UsersKeys {
  public:
+  // Asks what the server can, the first time.
+  void Prepare();
   // Starts listening.
   void Listen();
-  // What happened until the server takes the next request is not reported.
-  void IgnoreUntilNow() { since_ = NextRequest(dpy); }
+  // What happened until the server takes the request of this number is not reported.
+  void IgnoreUntil(unsigned long serial) { since_ = serial; }
   void StopListening();
   // Whether the server tells at all.
   bool Known() const { return opcode_ != 0; }
@@ -63,12 +66,15 @@ class UsersKeys {
   bool IsOwn(const Change& change);
   void Select(bool on) const;
 
+  Display* asked_ = nullptr;
   int opcode_ = 0;
   unsigned long since_ = 0;  // serial number of a request
   std::deque<Change> own_;   // since the last Poll
 };
 
-void UsersKeys::Listen() {
+void UsersKeys::Prepare() {
+  if (asked_ == dpy) return;
+  asked_ = dpy;
   if (!FindInputExtension(&opcode_)) return;
   // From this version on these events come while another client has grabbed the keyboard, too.
   int major = 2;
@@ -77,7 +83,12 @@ void UsersKeys::Listen() {
     opcode_ = 0;
     return;
   }
-  Select(true);
+  Select(false);
+}
+
+void UsersKeys::Listen() {
+  Prepare();
+  if (opcode_ != 0) Select(true);
 }
 
 void UsersKeys::StopListening() {
@@ -134,6 +145,7 @@ void UsersKeys::Poll(Report report) {
 class Hands {
  public:
   bool busy() const { return busy_; }
+  void Prepare() { users_.Prepare(); }
   void Begin();
   void Stroke(int keycode, unsigned state);
   void End();
@@ -182,19 +194,16 @@ void Hands::Begin() {
   touched_ = 0;
   held_.reset();
   letgo_.reset();
-  map_ = ReadModifierMap();
   users_.Listen();
-  XkbStateRec state{};
-  XkbGetState(dpy, XkbUseCoreKbd, &state);
-  found_ = locks_ = state.locked_mods & map_.locks;
-  std::array<char, kKeyCodes / 8> down{};
+  const KeyboardState state = ReadKeyboardState();
+  map_ = state.map;
+  found_ = locks_ = state.locked & map_.locks;
   // What happened before is in the answer.
-  users_.IgnoreUntilNow();
-  XQueryKeymap(dpy, down.data());
+  users_.IgnoreUntil(state.serial);
   // The server's test keyboard takes a key that it pressed for pressed until it releases it itself,
   // whatever the user's keyboard has done since, and would not press it a second time.
   for (size_t code = 0; code < kKeyCodes; code++) {
-    const bool isdown = (static_cast<unsigned char>(down[code / 8]) & 1U << code % 8) != 0;
+    const bool isdown = state.down[code];
     others_.set(code, isdown && !map_.any[code]);
     if (isdown && map_.any[code]) LetGo(static_cast<int>(code));
     if (!isdown && restored_[code]) Fake(static_cast<int>(code), false);
@@ -203,9 +212,9 @@ void Hands::Begin() {
   // A key whose press locks would lock again.
   held_ &= map_.holding;
   letgo_ &= map_.holding;
-  group_ = state.locked_group;
+  group_ = state.lockedgroup;
   if (group_ != 0) XkbLockGroup(dpy, XkbUseCoreKbd, 0);
-  if (state.latched_mods != 0) XkbLatchModifiers(dpy, XkbUseCoreKbd, state.latched_mods, 0);
+  if (state.latched != 0) XkbLatchModifiers(dpy, XkbUseCoreKbd, state.latched, 0);
 }
 
 void Hands::SetLocks(unsigned wanted, unsigned among) {
@@ -365,6 +374,12 @@ bool CanMakeInput() {
     }
   }
   return can;
+}
+
+void PrepareInput() {
+  PrepareKeyboardState();
+  TheHands().Prepare();
+  LocksObeyed(0);  // reads the keyboard when it has changed
 }
 
 void MakeStroke(const InputPlace&, int keycode, int keystate) {

@@ -21,6 +21,10 @@ namespace gromlit {
 // Whether the server can; if it cannot, says so on standard error the first time.
 bool CanMakeInput();
 
+// Asks for what a first key needs, so that its stroke does not wait: a dozen round trips the first
+// time, a few when the keyboard has changed, else none.
+void PrepareInput();
+
 // Presses and releases a key with the modifiers (and locks) of keystate, state bits. Nothing
 // happens for a key code that the server does not have.
 void MakeStroke(const InputPlace& place, int keycode, int keystate);

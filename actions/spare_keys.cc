@@ -7,11 +7,13 @@
 #include <array>
 #include <chrono>
 #include <cstddef>
+#include <optional>
 #include <vector>
 
 #include "actions/character_keys.h"
 #include "display/display.h"
 #include "display/lock_modifiers.h"
+#include "display/replies.h"
 #include "display/x_handles.h"
 
 namespace gromlit {
@@ -25,6 +27,9 @@ constexpr auto kKeep = std::chrono::seconds(2);
 // On the root window, while anything is lent: pairs of key code and symbol.
 constexpr const char* kLoans = "_GROMLIT_SPARE_KEYS";
 constexpr long kMaxLoans = 2L * kKeyCodes;
+
+// The question what is noted there, until it is answered.
+std::optional<xcb_get_property_cookie_t> asked;
 
 // Both levels: a letter with one symbol would have its capital on the other.
 constexpr int kLevels = 2;
@@ -232,23 +237,21 @@ void ReturnKeys() {
   for (SpareKey& key : keys) key.symbol = NoSymbol;
 }
 
+void AskForLoans() {
+  asked = xcb_get_property(XGetXCBConnection(dpy), 0, static_cast<xcb_window_t>(root),
+                           static_cast<xcb_atom_t>(LoansProperty()), XA_CARDINAL, 0, kMaxLoans);
+}
+
 void ReturnKeysOfTheDead() {
-  Atom type;
-  int format;
-  unsigned long count;
-  unsigned long left;
-  unsigned char* data = nullptr;
-  if (XGetWindowProperty(dpy, root, LoansProperty(), 0, kMaxLoans, False, XA_CARDINAL, &type,
-                         &format, &count, &left, &data) != Success) {
-    return;
-  }
-  const XData<unsigned char> owner(data);
-  if (type != XA_CARDINAL || format != 32) return;
-  const auto* pairs = reinterpret_cast<const unsigned long*>(data);
+  if (!asked) AskForLoans();
+  const auto noted = AnswerTo(xcb_get_property_reply, *asked);
+  asked.reset();
+  if (noted == nullptr || noted->type != XA_CARDINAL || noted->format != 32) return;
+  const std::span pairs(static_cast<const uint32_t*>(xcb_get_property_value(noted.get())),
+                        noted->value_len);
   std::vector<SpareKey> loans;
-  for (unsigned long i = 0; i + 1 < count; i += 2) {
-    if (pairs[i] >= kKeyCodes) continue;
-    loans.push_back({static_cast<KeyCode>(pairs[i]), pairs[i + 1] & 0xFFFFFFFF});
+  for (size_t i = 0; i + 1 < pairs.size(); i += 2) {
+    if (pairs[i] < kKeyCodes) loans.push_back({static_cast<KeyCode>(pairs[i]), pairs[i + 1]});
   }
   TakeBack(loans);
 }

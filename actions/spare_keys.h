@@ -35,6 +35,9 @@ void ReturnKeys();
 // Takes back what a run that was killed had lent. Once, when no other instance can be at work.
 void ReturnKeysOfTheDead();
 
+// Asks what that may be without waiting for the answer, which ReturnKeysOfTheDead takes in.
+void AskForLoans();
+
 // To be called when the keyboard was changed by another client: the codes may be gone.
 void ForgetSpareKeys();
 

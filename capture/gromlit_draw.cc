@@ -43,6 +43,10 @@ using Clock = std::chrono::steady_clock;
 // How long to wait for the next event before asking whether the grab is still there.
 constexpr auto kGrabCheck = std::chrono::milliseconds(100);
 
+// How often the trail is sent to the server while the hand moves on: more often than any screen
+// shows it.
+constexpr auto kShowTrail = std::chrono::milliseconds(4);
+
 int16_t Coordinate(int position) {
   return static_cast<int16_t>(position);
 }
@@ -80,6 +84,7 @@ class Capture {
   };
 
   bool NextEvent(XEvent* event);
+  bool TakeQueued(XEvent* event);
   bool GrabIsGone();
   void AddPoint(int x, int y);
   void BeginDrawing(const XMotionEvent& motion);
@@ -103,8 +108,12 @@ class Capture {
   std::array<int16_t, kMaxStrokePoints> xbuffer_{};
   std::array<int16_t, kMaxStrokePoints> ybuffer_{};
   int npoints_ = 0;
-  int frompress_ = 0;  // farthest the pointer got from the press along either axis, pixels
-  Position lastroot_;  // where the pointer was when the server last told us
+  int frompress_ = 0;     // farthest the pointer got from the press along either axis, pixels
+  int others_ = 0;        // events in the queue that were somebody else's when it was looked at
+  bool come_ = true;      // something has come since then
+  bool unshown_ = false;  // parts of the trail wait to be sent
+  Clock::time_point shown_{};  // when such were sent last
+  Position lastroot_;          // where the pointer was when the server last told us
 };
 
 void Capture::AddPoint(int x, int y) {
@@ -158,6 +167,7 @@ void Capture::Run() {
     // the time; anything else ends the stroke.
     over = event.type == ButtonPress || event.xbutton.button == press_.button;
     XAllowEvents(dpy, over ? AsyncPointer : SyncPointer, press_.time);
+    if (!over) XFlush(dpy);
   }
   if (event.type == ButtonRelease) Release(event.xbutton);
 }
@@ -165,24 +175,45 @@ void Capture::Run() {
 // The next event of the grab. False when the grab is gone and none will come: a handler that ran
 // before may have released it, and the button may be up already.
 bool Capture::NextEvent(XEvent* event) {
-  auto check = Clock::now() + kGrabCheck;
-  for (;;) {
+  auto now = Clock::now();
+  auto check = now + kGrabCheck;
+  for (;; now = Clock::now()) {
     EndIfSignalled();
-    while (XCheckWindowEvent(dpy, root, mask_, event)) {
-      // Anybody may send events to the root window; only the server's count.
-      if (event->xany.send_event) continue;
-      if (event->type == MotionNotify) lastroot_ = {event->xmotion.x_root, event->xmotion.y_root};
-      return true;
-    }
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(check - Clock::now());
-    if (left.count() <= 0) {
+    if (TakeQueued(event)) return true;
+    if (now >= check) {
       if (GrabIsGone()) return false;
+      come_ = true;
       check = Clock::now() + kGrabCheck;
       continue;
     }
+    if (unshown_ && now >= shown_ + kShowTrail) {
+      XFlush(dpy);
+      unshown_ = false;
+      shown_ = now;
+      continue;  // with what came meanwhile
+    }
+    const auto until = unshown_ ? std::min(check, shown_ + kShowTrail) : check;
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - now);
     pollfd connection{ConnectionNumber(dpy), POLLIN, 0};
-    poll(&connection, 1, static_cast<int>(left.count()));
+    // What has come is read by the search, which sends nothing when it finds something.
+    if (poll(&connection, 1, static_cast<int>(left.count())) > 0) come_ = true;
   }
+}
+
+// The next event of the grab. What waits for others in the queue is looked at once, until something
+// comes: a search that finds nothing costs several calls of the kernel.
+bool Capture::TakeQueued(XEvent* event) {
+  if (!come_ && XEventsQueued(dpy, QueuedAlready) == others_) return false;
+  come_ = false;
+  while (XCheckWindowEvent(dpy, root, mask_, event)) {
+    // Anybody may send events to the root window; only the server's count.
+    if (event->xany.send_event) continue;
+    if (event->type == MotionNotify) lastroot_ = {event->xmotion.x_root, event->xmotion.y_root};
+    return true;
+  }
+  others_ = XEventsQueued(dpy, QueuedAlready);
+  unshown_ = false;  // the search has sent it
+  return false;
 }
 
 bool Capture::GrabIsGone() {
@@ -213,6 +244,7 @@ void Capture::BeginDrawing(const XMotionEvent& motion) {
     if (headplugin_ != nullptr && user->showactions != 0) DrawGromlitApp(draw_->app);
   }
   ShowTrail(&trail_, motion.x_root, motion.y_root);
+  PrepareKeys();
 }
 
 void Capture::Motion(const XMotionEvent& motion) {
@@ -220,6 +252,7 @@ void Capture::Motion(const XMotionEvent& motion) {
   if (!trail_.drawmapped) BeginDrawing(motion);
   AddPoint(motion.x_root, motion.y_root);
   MoveTrail(&trail_, motion.x_root, motion.y_root);
+  unshown_ = true;
   frompress_ = std::max({frompress_, std::abs(motion.x_root - press_.x_root),
                          std::abs(motion.y_root - press_.y_root)});
   if (!Chosen(user, kNameWhileDrawing) || !IsStroke()) return;

@@ -69,6 +69,11 @@ bool OpenDisplay(const char* name) {
   return true;
 }
 
+void FinishRequests() {
+  XFlush(dpy);  // Xlib's count is old where others have used the connection
+  if (LastKnownRequestProcessed(dpy) + 1 != NextRequest(dpy)) XSync(dpy, False);
+}
+
 void FollowScreenSize(void*, XEvent* event) {
   const XConfigureEvent& now = event->xconfigure;
   if (now.send_event != False || now.window != root) return;

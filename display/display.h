@@ -61,6 +61,10 @@ extern Atom wm_protocols;
 // size. Returns false when it cannot be opened.
 bool OpenDisplay(const char* name);
 
+// Waits until the server has done all that it was asked, unless it has answered the last request
+// already.
+void FinishRequests();
+
 // ConfigureNotify handler of the root window, which also reports windows that are moved: takes the
 // screen's size over. The one who selects the root window's events asks for StructureNotify.
 void FollowScreenSize(void* obj, XEvent* event);

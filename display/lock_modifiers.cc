@@ -4,16 +4,11 @@
 #include <X11/Xutil.h>
 #include <X11/keysym.h>
 
-#include <memory>
-
 #include "display/display.h"
+#include "display/replies.h"
 
 namespace gromlit {
 namespace {
-
-struct ModifierMapDeleter {
-  void operator()(XModifierKeymap* map) const { XFreeModifiermap(map); }
-};
 
 // Pressing such a key may leave something on.
 bool IsLock(KeySym symbol) {
@@ -44,12 +39,20 @@ KeySym SymbolOfKey(int keycode, int level) {
 }
 
 ModifierMap ReadModifierMap() {
+  return ModifierMapOf(AskForModifierMap());
+}
+
+ModifierMapQuestion AskForModifierMap() {
+  return xcb_get_modifier_mapping(XGetXCBConnection(dpy));
+}
+
+ModifierMap ModifierMapOf(ModifierMapQuestion question) {
   ModifierMap found{LockMask, {}, {}, {}};
-  const std::unique_ptr<XModifierKeymap, ModifierMapDeleter> map(XGetModifierMapping(dpy));
+  const auto map = AnswerTo(xcb_get_modifier_mapping_reply, question);
   if (map == nullptr) return found;
-  const KeyCode* code = map->modifiermap;
+  const xcb_keycode_t* code = xcb_get_modifier_mapping_keycodes(map.get());
   for (int modifier = 0; modifier < kModifiers; modifier++) {
-    for (int i = 0; i < map->max_keypermod; i++, code++) {
+    for (int i = 0; i < map->keycodes_per_modifier; i++, code++) {
       if (*code == 0) continue;
       found.any.set(*code);
       const KeySym symbol = SymbolOfKey(*code, 0);

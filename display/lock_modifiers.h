@@ -2,6 +2,7 @@
 #pragma once
 
 #include <X11/Xlib.h>
+#include <xcb/xcb.h>
 
 #include <array>
 #include <bitset>
@@ -25,5 +26,10 @@ KeySym SymbolOfKey(int keycode, int level);
 
 // Asks the server. One round trip, two when the keyboard has changed.
 ModifierMap ReadModifierMap();
+
+// The same in two steps, of which only the second waits.
+using ModifierMapQuestion = xcb_get_modifier_mapping_cookie_t;
+ModifierMapQuestion AskForModifierMap();
+ModifierMap ModifierMapOf(ModifierMapQuestion question);
 
 }  // namespace gromlit

@@ -1,14 +1,11 @@
 #include "display/shapes.h"
 
-#include <sys/uio.h>
-#include <xcb/xcbext.h>
-
 #include <array>
 #include <cstdint>
 #include <cstring>
 
 #include "display/display.h"
-#include "display/replies.h"
+#include "display/extension_question.h"
 
 // clang-format off
 // Behind all others: its macros would break the standard library's headers.
@@ -22,9 +19,9 @@ namespace {
 xcb_extension_t extension = {SHAPENAME, 0};
 
 struct Shapes {
-  Display* display;           // that was asked
-  uint8_t opcode;             // 0: the server has none
-  xcb_void_cookie_t version;  // the question
+  Display* display;  // that was asked
+  uint8_t opcode;    // 0: the server has none
+  ExtensionQuestion version;
   bool answered;
   bool input;
 };
@@ -82,22 +79,15 @@ void AskForShapesVersion() {
     return;
   }
   shapes.opcode = found->major_opcode;
-  std::array<uint8_t, sz_xShapeQueryVersionReq> body{};
-  // The two before the first are XCB's.
-  std::array<iovec, 3> parts{{{}, {}, {body.data(), body.size()}}};
-  const xcb_protocol_request_t request{1, &extension, X_ShapeQueryVersion, 0};
-  shapes.version.sequence = xcb_send_request(connection, XCB_REQUEST_CHECKED, &parts[2], &request);
+  std::array<uint8_t, sz_xShapeQueryVersionReq> request{};
+  shapes.version = AskExtension(&extension, X_ShapeQueryVersion, request);
 }
 
 bool HasInputShapes() {
   if (shapes.display != dpy) AskForShapesVersion();
   if (!shapes.answered) {
     shapes.answered = true;
-    xcb_generic_error_t* error = nullptr;
-    const Reply<void> reply(
-        xcb_wait_for_reply(XGetXCBConnection(dpy), shapes.version.sequence, &error));
-    std::free(error);
-    if (reply != nullptr) {
+    if (const auto reply = AnswerOf(shapes.version)) {
       xShapeQueryVersionReply version;
       std::memcpy(&version, reply.get(), sizeof version);
       shapes.input = version.majorVersion > 1 || version.minorVersion >= 1;

@@ -167,7 +167,7 @@ void StartUp(const CommandLine& line) {
   GrabDrawButtonOrExit();
   // Not before the grab: an instance that runs may be saving, or typing.
   RemoveStaleTemporaries();
-  ReturnKeysOfTheDead();
+  AskForLoans();
   Defer({SpareKeysWait, ReturnKeys});
   MakeAboutDialog();
   MakeOverlayAndMainWindow();
@@ -184,6 +184,7 @@ void StartUp(const CommandLine& line) {
   AskForWindows();
   AskForTrays();
   ServeRemote();
+  ReturnKeysOfTheDead();
   CreateAppTrack();
   WatchForTrays();
   MakeCursors();

@@ -140,6 +140,7 @@ class ExecuteTest : public testing::XFixture {
 
   // Requests that running the command puts on the connection.
   unsigned long RequestsOf(const GromlitCmd* cmd) {
+    XNoOp(dpy);  // which the command waits for
     const unsigned long before = NextRequest(dpy);
     Run(cmd);
     return NextRequest(dpy) - before;
@@ -283,6 +284,17 @@ TEST_F(ExecuteTest, FocusIsAskedOncePerCommand) {
   testing::WriteText(*install / "text", std::string(1000, 'a'));
   EXPECT_EQ(RequestsOf(Command(kText, (*install / "text").c_str(), 1)), 2u + 2 * 1000);
   EXPECT_EQ(RequestsOf(Command(kRun, "system:sync")), 2u);
+}
+
+TEST_F(ExecuteTest, CommandDoesNotWaitForWhatIsDone) {
+  XSync(dpy, False);
+  const unsigned long before = NextRequest(dpy);
+  Run(Command(200, "recorder"));
+  EXPECT_EQ(NextRequest(dpy), before);
+  XMapWindow(dpy, root);
+  Run(Command(200, "recorder"));
+  EXPECT_EQ(LastKnownRequestProcessed(dpy) + 1, NextRequest(dpy));
+  EXPECT_EQ(NextRequest(dpy), before + 2);
 }
 
 // --- Focus --------------------------------------------------------------------------------------
