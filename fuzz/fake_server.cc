@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "display/display.h"
+#include "display/fonts.h"
 #include "fuzz/require.h"
 
 namespace gromlit::fuzz {
@@ -80,7 +81,9 @@ void ResetServer() {
   cmap = 0x20;
   screenwidth = kScreenWidth;
   screenheight = kScreenHeight;
-  if (wm_delete == None) MakeAtoms();
+  if (wm_delete != None) return;
+  MakeAtoms();
+  LoadFonts();
 }
 
 Window AddWindow(Window parent, const FakeWindow& window) {
