@@ -154,7 +154,8 @@ void UseClass(FuzzedDataProvider* data, const std::string& classname) {
   const std::string markup = Markup(classname);
   Require(markup.find_first_of("<>\"'\x1b") == markup.npos);
   static GC const gc = XCreateGC(dpy, kRoot, 0, nullptr);
-  DrawText(kRoot, gc, 0, 0, FittingText(nullptr, classname, data->ConsumeIntegralInRange(0, 99)));
+  DrawText(kRoot, gc, 0, 0,
+           FittingText(txtFontinfo, classname, data->ConsumeIntegralInRange(0, 99)));
   ReleaseLists();
   CheckOutside();
 }

@@ -126,9 +126,15 @@ void RunAction(FuzzedDataProvider* data, GromlitPlugin* plugin) {
     }
   }
   FinishInput();
-  for (const XEvent& event : Server().sent) {
-    if (event.type == KeyPress) Require(event.xkey.window != None);
+  // Each press is followed by its release.
+  const auto& sent = Server().sent;
+  for (size_t i = 0; i < sent.size(); i++) {
+    if (sent[i].type != KeyPress) continue;
+    Require(i + 1 < sent.size() && sent[i + 1].type == KeyRelease);
+    Require(sent[i].xkey.keycode == sent[i + 1].xkey.keycode);
+    Require(sent[i].xkey.window != None && sent[i].xkey.window == sent[i + 1].xkey.window);
   }
+  Require(Server().down.empty());
   currentStroke = {};
 }
 

@@ -2,7 +2,11 @@
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 
+#include <cstring>
 #include <limits>
+#include <map>
+#include <string>
+#include <string_view>
 
 #include "display/display.h"
 #include "fuzz/fake_server.h"
@@ -17,6 +21,11 @@ struct FakeContext {
   char room[512];  // what macros of Xlib might look at
   Font font;
 };
+
+std::map<const XFontStruct*, std::string>& Fonts() {
+  static auto* const fonts = new std::map<const XFontStruct*, std::string>;
+  return *fonts;
+}
 
 // A place that sixteen bits with a sign hold: Xlib cuts off the rest without a word.
 void RequirePlace(int x, int y) {
@@ -42,7 +51,7 @@ extern "C" {
 
 GC XCreateGC(Display*, Drawable target, unsigned long, XGCValues*) {
   Require(target != None);
-  return reinterpret_cast<GC>(new FakeContext{});
+  return reinterpret_cast<GC>(new FakeContext{{}, txtFont});
 }
 int XFreeGC(Display*, GC gc) {
   delete reinterpret_cast<FakeContext*>(gc);
@@ -141,15 +150,26 @@ int XPutImage(Display*, Drawable target, GC gc, XImage* image, int fromx, int fr
   return Drew(target, gc, nullptr, 0, 0);
 }
 
-// There are no fonts but those that a target makes.
-XFontStruct* XLoadQueryFont(Display*, const char*) {
-  return nullptr;
+// Every font that is asked for is there, also in the form that has all letters of two bytes.
+XFontStruct* XLoadQueryFont(Display*, const char* name) {
+  auto* font = new XFontStruct{};
+  font->fid = 0x500 + Fonts().size();
+  font->max_char_or_byte2 = 255;
+  font->max_byte1 = std::string_view(name).ends_with("iso10646-1") ? 255 : 0;
+  font->min_bounds.width = font->max_bounds.width = 6;
+  font->ascent = 10;
+  font->descent = 3;
+  Fonts()[font] = name;
+  return font;
 }
-Bool XGetFontProperty(XFontStruct*, Atom, unsigned long*) {
-  return False;
+Bool XGetFontProperty(XFontStruct* font, Atom, unsigned long* value) {
+  *value = XInternAtom(dpy, Fonts().at(font).c_str(), False);
+  return True;
 }
-char** XListFonts(Display*, const char*, int, int* count) {
-  *count = 0;
+char* XGetAtomName(Display*, Atom atom) {
+  for (const auto& [font, name] : Fonts()) {
+    if (XInternAtom(dpy, name.c_str(), False) == atom) return strdup(name.c_str());
+  }
   return nullptr;
 }
 

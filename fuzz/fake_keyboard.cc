@@ -115,9 +115,11 @@ Bool XTestQueryExtension(Display*, int* event, int* error, int* major, int* mino
 
 int XTestFakeKeyEvent(Display*, unsigned code, Bool press, unsigned long) {
   Require(code >= kFirst && code <= kLast);
-  // INV-REAL-1: what is pressed is released.
   if (press) {
     Server().typed.push_back(static_cast<int>(code));
+    Require(Server().down.insert(code).second);
+  } else {
+    Server().down.erase(code);
   }
   return 1;
 }

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "display/display.h"
+#include "display/fonts.h"
 #include "fuzz/require.h"
 
 namespace gromlit::fuzz {
@@ -80,7 +81,9 @@ void ResetServer() {
   cmap = 0x20;
   screenwidth = kScreenWidth;
   screenheight = kScreenHeight;
-  if (wm_delete == None) MakeAtoms();
+  if (wm_delete != None) return;
+  MakeAtoms();
+  LoadFonts();
 }
 
 Window AddWindow(Window parent, const FakeWindow& window) {
@@ -183,10 +186,13 @@ Status XInternAtoms(Display* display, char** names, int count, Bool existing, At
   return 1;
 }
 
+// INV-REAL-1: what leaves for the server leaves no key down.
 int XSync(Display*, Bool) {
+  Require(Server().down.empty());
   return 1;
 }
 int XFlush(Display*) {
+  Require(Server().down.empty());
   return 1;
 }
 int XGrabServer(Display*) {

@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <deque>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -52,6 +53,7 @@ struct FakeServer {
   unsigned long drawn = 0;                              // requests that draw
   std::vector<XEvent> sent;                             // by XSendEvent
   std::vector<int> typed;                               // key codes pressed by XTEST
+  std::set<unsigned> down;                              // of these, those that are not released yet
   std::vector<std::string> started;                     // command lines
   std::chrono::nanoseconds now{std::chrono::hours(1)};  // of the steady clock; waiting is free
   XErrorHandler handler = nullptr;

@@ -93,6 +93,8 @@ void UseSymbol(GromlitSymbol* sym, const Stroke& stroke) {
   const Shape drawn = ShapeOfPoints(stroke.count, stroke.x, stroke.y);
   const float score = ShapeScore(drawn, *SymbolShape(sym));
   Require(score >= -1 && score <= 1.001F);
+  // What replaces it in the list leaves the record to itself.
+  ReleaseFeatures(sym);
 }
 
 void Store(FuzzedDataProvider* data, const std::string& home) {

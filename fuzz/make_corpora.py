@@ -75,8 +75,8 @@ def stroke(out, points):
             out.number(max(-127, min(127, value)), -128, 127)
 
 
-def options(out, url="browser %s", sound="play %s"):
-    for value in (3, 4, 3, 1, 1, 0, 7, 0, 0):
+def options(out, url="browser %s", sound="play %s", delivery=0):
+    for value in (3, 4, 3, 1, 1, delivery, 7, 0, 0):
         out.yes(True).number(value, -1, 8)
     out.text(url, 132).text(sound, 68).text("", 64)
 
@@ -236,9 +236,9 @@ def shapes_seeds(_, symbols):
 
 
 def commands_seeds(_, symbols):
-    for url in ("firefox %s", "xdg-open", "sh -c %% %s %s"):
+    for delivery, url in ((0, "firefox %s"), (1, "xdg-open"), (1, "sh -c %% %s %s")):
         out = Input()
-        options(out, url)
+        options(out, url, delivery=delivery)
         out.text(url, 200).text("http://example.org/?a='b c\"", 200)
         out.text("typed text, with letters: \u00e4\u20ac\n", 40000)
         plugin(out, "Some", "Some Class.with`blanks", some_actions(symbols, 9))

@@ -24,6 +24,7 @@
 #include "recognition/stroke_log.h"
 #include "toolkit/image.h"
 #include "toolkit/line_edit.h"
+#include "toolkit/text.h"
 #include "tools/data_file.h"
 #include "tools/recognition_calls.h"
 #include "tools/stroke_input.h"
@@ -142,6 +143,10 @@ void CheckLetters(FuzzedDataProvider* data, const std::string& text) {
   letters.clear();
   Require(DecodeUtf8(utf8, &letters, &length) == Utf8::kWhole);
   Latin1Of(text);
+  static GC const gc = XCreateGC(dpy, kRoot, 0, nullptr);
+  DrawText(kRoot, gc, 3, 4, text);
+  DrawTextOnGround(kRoot, gc, 3, 4, text);
+  Require(TextWidth(txtFontinfo, FittingText(txtFontinfo, text, 60)) <= 60);
   const int size = data->ConsumeIntegralInRange(4, 80);
   const std::string plain = text.substr(0, text.find('\0'));
   char* cut = MaxStrCopy(plain.c_str(), size);
