@@ -1,14 +1,18 @@
 #include "display/colours.h"
 
 #include <X11/Xutil.h>
+#include <xcb/xcb.h>
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdlib>
+#include <iterator>
 #include <vector>
 
 #include "display/display.h"
+#include "display/replies.h"
 
 namespace gromlit {
 namespace {
@@ -107,7 +111,49 @@ unsigned long NearestMix(const XColor& wanted) {
   return XAllocColor(dpy, cmap, &mix) != 0 ? mix.pixel : BlackOrWhite(wanted);
 }
 
+void TakeNearestColour(XColor* colour) {
+  colour->pixel = DefaultVisual(dpy, screen)->c_class == DirectColor ? NearestMix(*colour)
+                                                                     : NearestCell(*colour);
+}
+
+XColor* const kColours[] = {&white, &black, &lgrey, &dgrey, &grey, &blue};
+
+struct ColourQuestions {
+  bool asked;
+  std::array<xcb_alloc_color_cookie_t, std::size(kColours)> cookies;
+};
+ColourQuestions colours{};
+
 }  // namespace
+
+void AskForColours() {
+  for (size_t i = 0; i < std::size(kColours); i++) {
+    const XColor& colour = *kColours[i];
+    colours.cookies[i] = xcb_alloc_color(XGetXCBConnection(dpy), static_cast<xcb_colormap_t>(cmap),
+                                         colour.red, colour.green, colour.blue);
+  }
+  colours.asked = true;
+}
+
+void MakeColours() {
+  if (!colours.asked) AskForColours();
+  colours.asked = false;
+  KnownCells().clear();
+  for (size_t i = 0; i < std::size(kColours); i++) {
+    XColor* const colour = kColours[i];
+    const auto is = AnswerTo(xcb_alloc_color_reply, colours.cookies[i]);
+    if (is == nullptr) {
+      TakeNearestColour(colour);
+      continue;
+    }
+    colour->pixel = is->pixel;
+    colour->red = is->red;
+    colour->green = is->green;
+    colour->blue = is->blue;
+  }
+  white.pixel = WhitePixel(dpy, screen);
+  black.pixel = BlackPixel(dpy, screen);
+}
 
 void AllocateColour(XColor* colour) {
   XColor given = *colour;
@@ -116,15 +162,6 @@ void AllocateColour(XColor* colour) {
   } else {
     TakeNearestColour(colour);
   }
-}
-
-void TakeNearestColour(XColor* colour) {
-  colour->pixel = DefaultVisual(dpy, screen)->c_class == DirectColor ? NearestMix(*colour)
-                                                                     : NearestCell(*colour);
-}
-
-void ForgetColourMap() {
-  KnownCells().clear();
 }
 
 unsigned long RgbOfPixel(unsigned long pixel) {

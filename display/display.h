@@ -70,10 +70,8 @@ void FinishRequests();
 void FollowScreenSize(void* obj, XEvent* event);
 
 // The steps that follow, each to be called once, in this order; MakeResources (toolkit/resources.h)
-// calls them all. None reports an error:
-// a colour that cannot be had keeps what the server left. The fonts (display/fonts.h) come before
-// the contexts.
-void MakeColours();
+// calls them all, behind the colours (display/colours.h). None reports an error. The fonts
+// (display/fonts.h) come before the contexts.
 void MakeHandCursor();
 void MakeContexts();
 
@@ -89,8 +87,5 @@ void UseCursor(Window window, const Cursor* cursor);
 // when nobody has done so yet, so that a window manager that starts later can close windows without
 // ending the program.
 void MakeAtoms();
-
-// Asks for the colours without waiting for the answer, which MakeColours takes in.
-void AskForColours();
 
 }  // namespace gromlit

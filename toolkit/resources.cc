@@ -1,5 +1,6 @@
 #include "toolkit/resources.h"
 
+#include "display/colours.h"
 #include "display/display.h"
 #include "display/fonts.h"
 #include "display/shapes.h"
