@@ -13,6 +13,7 @@
 #include <array>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <iterator>
 
 #include "core/option_files.h"
@@ -220,6 +221,56 @@ TEST_F(HostileClientsTest, RootWindowMaySayAnything) {
     ExpectAllIsWell();
     ASSERT_FALSE(HasFailure()) << "round " << round << ", seed " << seed_;
   }
+}
+
+// A plug-in for an application of any name is a file of its own in its place, which is found again.
+TEST_F(HostileClientsTest, PickedClassesOfAnyTextStayInTheirDirectory) {
+  StartAll();
+  XMapRaised(player->display(), main_);
+  ASSERT_TRUE(WaitFor([this] { return Viewable(main_); }));
+  const auto files = [this](bool plugins) {
+    std::vector<std::string> found;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(install->path())) {
+      const std::string path = entry.path().string();
+      if (entry.is_regular_file() && (path.find("/plugins/") != std::string::npos) == plugins &&
+          path.find("/probe") == std::string::npos)
+        found.push_back(path);
+    }
+    std::sort(found.begin(), found.end());
+    return found;
+  };
+  const std::vector<std::string> others = files(false);
+  std::vector<std::string> names = {
+      "../../../escape", "/absolute", "..",  ".",       "new\nline",          "\033[31m", ".sla",
+      "\xff\xfe",        "a\\b",      "-rf", "sp ace ", std::string(150, 'n')};
+  std::shuffle(names.begin(), names.end(), random_);
+  names.resize(std::min<size_t>(names.size(), static_cast<size_t>(Rounds(4))));
+  for (const std::string& name : names) {
+    const Window top = MakeWindow(root(), 1050, 500, 200, 200);
+    // A class hint with a name alone: the class text is that name.
+    SetText(top, XA_WM_CLASS, XA_STRING, 8, name);
+    XMapRaised(victims_, top);
+    XSync(victims_, False);
+    const size_t before = files(true).size();
+    StartPicking();
+    player->MoveTo(1140, 600);
+    player->MoveTo(1150, 600);
+    player->Click(1);
+    EXPECT_TRUE(WaitFor([this] { return PickLabel() == 0; }));
+    EXPECT_TRUE(Settle());
+    EXPECT_EQ(files(true).size(), before + 1) << name;
+    EXPECT_EQ(files(false), others) << name;
+    XDestroyWindow(victims_, top);
+    XSync(victims_, True);
+    ASSERT_FALSE(HasFailure()) << name << ", seed " << seed_;
+  }
+  testing::Process check({testing::Built("gromlit-tool"), "check", install->path()},
+                         *install / "probe-check");
+  EXPECT_EQ(check.Wait(), 0) << testing::ReadText(*install / "probe-check");
+  gromlit->Kill(SIGTERM);
+  gromlit->Wait();
+  StartAgain();
+  ExpectAllIsWell();
 }
 
 TEST_F(HostileClientsTest, ClassThatChangesAllTheTimeIsReadOnce) {

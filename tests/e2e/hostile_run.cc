@@ -141,6 +141,7 @@ void HostileRun::CloseAll() {
     }
     return shown.empty();
   })) << "a window stays";
+  EXPECT_TRUE(Settle()) << "what was asked more than once has been read, too";
 }
 
 bool HostileRun::StrokeActs(std::chrono::milliseconds deadline) {
