@@ -201,9 +201,15 @@ def documents_seeds(skeleton, _):
     texts += [both, {"kind": "options", "button": 2, "urlcmd": "xdg-open %s"}]
     for i, document in enumerate(texts):
         text = json.dumps(document, indent=1)
-        out = Input()
-        out.number(i % 3, 0, 2).yes(i % 2).number(0, 0, 3).text("", 1000).rest(text)
-        yield out.bytes()
+        # Imported behind it: for a plug-in another action of the same class.
+        second = {k: v for k, v in document.items() if k in ("kind", "name", "classname", "button")}
+        if "classname" in second:
+            second["actions"] = [{"name": "Added", "symbol": {"points": [[16, 16], [264, 264]]}}]
+        for existing in range(3) if "classname" in second else [i % 3]:
+            out = Input()
+            out.number(existing, 0, 2).yes(True).number(0, 0, 3)
+            out.text(json.dumps(second), 1000).rest(text)
+            yield out.bytes()
 
 
 def signatures_seeds(_, symbols):
