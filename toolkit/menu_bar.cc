@@ -8,6 +8,7 @@
 #include "toolkit/child_window.h"
 #include "toolkit/manners.h"
 #include "toolkit/menu_hand.h"
+#include "toolkit/release_watch.h"
 
 namespace gromlit {
 namespace {
@@ -59,7 +60,9 @@ bool OthersDown(const XButtonEvent& release) {
 
 void LetGo(XMenuBar* bar) {
   bar->held = 0;
-  if (heldbar == bar) heldbar = nullptr;
+  if (heldbar != bar) return;
+  heldbar = nullptr;
+  ForgetRelease();
 }
 
 // --- What menus with today's manners ask of the bar ---
@@ -159,6 +162,7 @@ void MenuBarButtonPress(XMenuBar* bar, XEvent* event) {
   }
   bar->held = 1;
   heldbar = bar;
+  AwaitRelease(ShutHeldMenuBar);
   MenuBarTrackMouse(bar, event);
 }
 
@@ -215,8 +219,12 @@ bool MenuBarOpenByHand(XMenuBar* bar, int i, const XButtonEvent* press) {
 void ShutHiddenMenuBar() {
   const XMenuBar* inhand = BarInHand();
   if (inhand != nullptr && !CanBeSeen(inhand->window)) CloseGrabbedMenu();
+  if (heldbar != nullptr && !CanBeSeen(heldbar->window)) ShutHeldMenuBar();
+}
+
+void ShutHeldMenuBar() {
   XMenuBar* bar = heldbar;
-  if (bar == nullptr || CanBeSeen(bar->window)) return;
+  if (bar == nullptr) return;
   LetGo(bar);
   if (bar->selected >= 0) ShutTitle(bar);
   bar->selected = -1;

@@ -391,6 +391,8 @@ class SoakTest : public testing::RandomUser {
   void CloseAll() {
     for (int i = 0; i < 60; i++) {
       ASSERT_NO_FATAL_FAILURE(BeginAfterExit());
+      // An answer may have been to pick an application, which a click beside all of them ends.
+      if (!player->CanGrabPointer()) LetsThePointerGo();
       // One that answers no more is about to end.
       const bool answers = Remote("status");
       if (!answers) WaitFor([this] { return !gromlit->Running(); }, kPatience);
@@ -504,6 +506,12 @@ class SoakTest : public testing::RandomUser {
     if (++life_ == kSettled) settled_ = now;
     if (life_ <= kSettled) return;
     EXPECT_LE(now.descriptors, settled_.descriptors + 1) << Describe(settled_);
+    // The user makes plug-ins, whose menus take windows, and the desktop more or fewer frames and a
+    // tray, which are watched.
+    EXPECT_LE(now.Resources(), settled_.Resources() + kMoreResources) << Describe(settled_);
+    if (settled_.private_kb > 0) {
+      EXPECT_LE(now.private_kb, settled_.private_kb + kMoreMemory) << Describe(settled_);
+    }
   }
   void Round(int round) {
     random_.seed(seed_ + 7919U * static_cast<unsigned>(round));
@@ -530,6 +538,8 @@ class SoakTest : public testing::RandomUser {
   }
 
   static constexpr int kSettled = 10;  // rounds
+  static constexpr int kMoreResources = 60;
+  static constexpr int kMoreMemory = 1024;  // kilobytes
   int button_ = 3;
   int scale_ = 1;
   int starts_ = 0;

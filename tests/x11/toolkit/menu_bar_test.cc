@@ -1,7 +1,9 @@
 // First: the test library's headers do not stand Xlib's macros.
 #include "tests/x11/toolkit/menu_fixture.h"
 
+#include "core/option_files.h"
 #include "toolkit/menu_bar.h"
+#include "toolkit/release_watch.h"
 
 namespace gromlit {
 namespace {
@@ -425,6 +427,67 @@ TEST_F(MenuBarTest, HiddenWhileATitleIsHeldItShuts) {
   EXPECT_TRUE(Mapped(edit));
   ReleaseButton();
   EXPECT_FALSE(Mapped(edit));
+}
+
+// As it happens where a window manager is started again: the press is read when its grab has ended.
+TEST_F(MenuBarTest, ReleaseThatNeverComesShutsIt) {
+  MoveToTitle(0);
+  player->Press(1);
+  XUnmapWindow(player->display(), top);
+  XMapWindow(player->display(), top);
+  XSync(player->display(), False);
+  player->MoveTo(1, 1);
+  player->Release(1);
+  Pump();
+  ASSERT_EQ(bar->selected, 0) << "the press comes late";
+  EXPECT_TRUE(testing::WaitFor([this] {
+    LookForRelease();
+    return bar->selected == -1;
+  }));
+  Pump();
+  EXPECT_FALSE(Mapped(file));
+  EXPECT_EQ(ReleaseWait(), -1) << "nothing wakes the program from now on";
+  EXPECT_TRUE(calls.empty());
+}
+
+TEST_F(MenuBarTest, ButtonThatStaysDownKeepsItOpen) {
+  PressTitle(0);
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_FALSE(testing::WaitFor(
+      [this] {
+        LookForRelease();
+        return bar->selected == -1;
+      },
+      std::chrono::milliseconds(600)))
+      << std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  ReleaseButton();
+  EXPECT_EQ(bar->selected, -1);
+  EXPECT_EQ(ReleaseWait(), -1);
+}
+
+// A menu that a key or another program's word opens takes the pointer, and with it the release.
+TEST_F(MenuBarTest, MenuThatTakesThePointerShutsTheBarThatIsHeld) {
+  GetUserOptions();
+  DefaultUserOptions(user);
+  for (const int manners : {kPlainManners, kModernManners}) {
+    user->temp4 = kPlainManners;
+    PressTitle(0);
+    ASSERT_TRUE(Mapped(file));
+    user->temp4 = manners;
+    XMenu* other = Menu({Item("Other")});
+    ASSERT_TRUE(PopUpMenuGrabbed(600, 500, other, nullptr));
+    Pump();
+    EXPECT_EQ(bar->selected, -1);
+    EXPECT_FALSE(Mapped(file));
+    EXPECT_TRUE(Mapped(other));
+    ReleaseButton();
+    CloseGrabbedMenu();
+    MoveToTitle(1);
+    EXPECT_EQ(bar->selected, -1) << "nothing is held any more";
+    EXPECT_EQ(ReleaseWait(), -1);
+  }
+  user->temp4 = kPlainManners;
+  EXPECT_TRUE(calls.empty());
 }
 
 TEST_F(MenuBarTest, AskingForHiddenBarsCostsNothingWhileNoneIsHeld) {
