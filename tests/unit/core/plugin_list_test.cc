@@ -552,6 +552,30 @@ TEST_F(PluginList, HandsOffMakesAPluginForNothingElse) {
   EXPECT_EQ(GetCapturedStderr(), "");
 }
 
+TEST_F(PluginList, HandsOffIsAskedByClassAndElseOfDefault) {
+  WritePlugin("XTerm.sla", "XTerm");
+  WritePlugin("Other.sla", "Other");
+  LoadPlugins();
+  DefaultPlugin = nullptr;
+  GromlitPlugin* plugin = FindPlugin("XTerm");
+  plugin->spare1 = 2;
+  EXPECT_FALSE(HandsOff(plugin)) << "another bit";
+  EXPECT_FALSE(HandsOff(nullptr));
+  EXPECT_FALSE(AnyHandsOff());
+  EXPECT_FALSE(IsHandsOffClass("XTerm"));
+  plugin->spare1 = kHandsOff | 2;
+  EXPECT_TRUE(AnyHandsOff());
+  EXPECT_TRUE(IsHandsOffClass("XTerm"));
+  EXPECT_FALSE(IsHandsOffClass("Other"));
+  EXPECT_FALSE(IsHandsOffClass("Unknown"));
+  GromlitPlugin all{};
+  all.spare1 = kHandsOff;
+  DefaultPlugin = &all;
+  EXPECT_TRUE(IsHandsOffClass("Unknown"));
+  EXPECT_FALSE(IsHandsOffClass("Other")) << "its own plug-in counts";
+  DefaultPlugin = nullptr;
+}
+
 // --- Copies of actions ---
 
 TEST(CopyAction, OwnsItsCommandsAndNoFeatures) {
