@@ -8,8 +8,10 @@
 #include <cstring>
 #include <filesystem>
 #include <memory>
+#include <stdexcept>
 #include <string>
 
+#include "core/choices.h"
 #include "core/strings.h"
 #include "tests/support/temp_install.h"
 #include "tests/unit/core/child.h"
@@ -218,6 +220,61 @@ TEST(OptionChoices, BitsAreLookedAtOneByOne) {
   EXPECT_FALSE(Chosen(&options, kDrawWithLocks));
   EXPECT_FALSE(Chosen(&options, kActivateFirst));
   EXPECT_FALSE(Chosen(&options, kNameWhileDrawing));
+}
+
+// --- The choices that are offered ---
+
+const Choice& ChoiceOf(int32_t GromlitUserOptions::*field, int32_t value) {
+  for (const Choice& choice : Choices())
+    if (choice.field == field && choice.value == value) return choice;
+  throw std::out_of_range("no such choice");
+}
+
+TEST(OfferedChoices, ABitIsTurnedBesideTheOthers) {
+  const Choice& choice = ChoiceOf(&GromlitUserOptions::temp2, kFallBack);
+  GromlitUserOptions options{};
+  options.temp2 = kActivateFirst | 1024;
+  EXPECT_FALSE(IsOn(options, choice));
+  TurnChoice(&options, choice, false);
+  EXPECT_EQ(options.temp2, kActivateFirst | 1024);
+  TurnChoice(&options, choice, true);
+  EXPECT_TRUE(IsOn(options, choice));
+  EXPECT_EQ(options.temp2, kActivateFirst | kFallBack | 1024);
+  TurnChoice(&options, choice, true);
+  EXPECT_EQ(options.temp2, kActivateFirst | kFallBack | 1024);
+  TurnChoice(&options, choice, false);
+  EXPECT_EQ(options.temp2, kActivateFirst | 1024);
+}
+
+TEST(OfferedChoices, AValueOfALaterVersionStaysWhereTheChoiceIsOff) {
+  const Choice& choice = ChoiceOf(&GromlitUserOptions::temp3, kByShape);
+  GromlitUserOptions options{};
+  options.temp3 = 7;
+  EXPECT_FALSE(IsOn(options, choice));
+  TurnChoice(&options, choice, false);
+  EXPECT_EQ(options.temp3, 7);
+  TurnChoice(&options, choice, true);
+  EXPECT_EQ(options.temp3, kByShape);
+  EXPECT_TRUE(IsOn(options, choice));
+  TurnChoice(&options, choice, false);
+  EXPECT_EQ(options.temp3, 0);
+}
+
+TEST(OfferedChoices, RecommendedAreAllButTheLabel) {
+  GromlitUserOptions options{};
+  EXPECT_TRUE(LacksRecommended(options));
+  ChooseRecommended(&options);
+  EXPECT_EQ(options.temp1, kRealInput);
+  EXPECT_EQ(options.temp2, kDrawWithLocks | kFallBack | kActivateFirst | kOpenDirectly);
+  EXPECT_EQ(options.temp3, kByShape);
+  EXPECT_EQ(options.temp4, kModernManners);
+  EXPECT_FALSE(LacksRecommended(options));
+  EXPECT_EQ(RecommendedChoices(), 7);
+  for (const Choice& choice : Choices()) {
+    GromlitUserOptions other = options;
+    TurnChoice(&other, choice, !choice.recommended);
+    EXPECT_EQ(LacksRecommended(other), choice.recommended) << choice.caption;
+  }
 }
 
 }  // namespace

@@ -9,7 +9,9 @@
 #include <string>
 #include <vector>
 
+#include "core/action_copy.h"
 #include "core/files.h"
+#include "core/hands_off.h"
 #include "core/offer_memory.h"
 #include "core/plugin_pages.h"
 #include "core/retired.h"
@@ -497,6 +499,125 @@ TEST(RememberClass, EachClassIsNewOnce) {
   EXPECT_EQ(RememberClass(buffer), 0);
   buffer[0] = 'D';
   EXPECT_EQ(RememberClass("Gone"), 1) << "a copy is remembered";
+}
+
+// --- Hands off ---
+
+TEST_F(PluginList, HandsOffIsOneBitOfTheRecordAndTheFile) {
+  WritePlugin("XTerm.sla", "XTerm");
+  LoadPlugins();
+  GromlitPlugin* plugin = FindPlugin("XTerm");
+  plugin->spare1 = 0x82;
+  EXPECT_TRUE(SetHandsOff(plugin, true));
+  EXPECT_EQ(plugin->spare1, 0x83);
+  EXPECT_EQ(ReadBytes(PathOf("XTerm.sla")).at(kRecord + 136), std::byte{0x83});
+  EXPECT_TRUE(SetHandsOff(plugin, false));
+  EXPECT_EQ(plugin->spare1, 0x82);
+  EXPECT_EQ(ReadBytes(PathOf("XTerm.sla")).at(kRecord + 136), std::byte{0x82});
+  EXPECT_EQ(ActionsIn("XTerm.sla"), 3);
+  EXPECT_FALSE(IsUnused(plugin)) << "it has actions";
+}
+
+TEST_F(PluginList, HandsOffThatCannotBeSavedIsNotSet) {
+  WritePlugin("XTerm.sla", "XTerm");
+  LoadPlugins();
+  GromlitPlugin* plugin = FindPlugin("XTerm");
+  fs::remove_all(install_ / "plugins");
+  CaptureStderr();
+  EXPECT_FALSE(SetHandsOff(plugin, true));
+  EXPECT_EQ(errno, ENOENT);
+  EXPECT_EQ(plugin->spare1, 0);
+  EXPECT_EQ(CreateHandsOffPlugin("New"), nullptr);
+  EXPECT_EQ(errno, ENOENT);
+  GetCapturedStderr();
+  EXPECT_EQ(Classes(), V{"XTerm"}) << "what has no file is not listed";
+}
+
+TEST_F(PluginList, HandsOffMakesAPluginForNothingElse) {
+  WritePlugin("XTerm.sla", "XTerm");
+  LoadPlugins();
+  GromlitPlugin* plugin = CreateHandsOffPlugin("New");
+  ASSERT_NE(plugin, nullptr);
+  EXPECT_TRUE(HandsOff(plugin));
+  EXPECT_EQ(ReadBytes(PathOf("New.sla")).at(kRecord + 136), std::byte{1});
+  EXPECT_EQ(Classes(), (V{"New", "XTerm"}));
+  EXPECT_TRUE(IsUnused(plugin));
+  CopyText(plugin->appname, "Named");
+  EXPECT_FALSE(IsUnused(plugin)) << "the user named it";
+  EXPECT_FALSE(IsUnused(nullptr));
+  CaptureStderr();
+  DefaultPlugin = CreatePlugin("Default", "Default");
+  EXPECT_FALSE(IsUnused(DefaultPlugin));
+  DefaultPlugin = nullptr;
+  EXPECT_EQ(GetCapturedStderr(), "");
+}
+
+TEST_F(PluginList, HandsOffIsAskedByClassAndElseOfDefault) {
+  WritePlugin("XTerm.sla", "XTerm");
+  WritePlugin("Other.sla", "Other");
+  LoadPlugins();
+  DefaultPlugin = nullptr;
+  GromlitPlugin* plugin = FindPlugin("XTerm");
+  plugin->spare1 = 2;
+  EXPECT_FALSE(HandsOff(plugin)) << "another bit";
+  EXPECT_FALSE(HandsOff(nullptr));
+  EXPECT_FALSE(AnyHandsOff());
+  EXPECT_FALSE(IsHandsOffClass("XTerm"));
+  plugin->spare1 = kHandsOff | 2;
+  EXPECT_TRUE(AnyHandsOff());
+  EXPECT_TRUE(IsHandsOffClass("XTerm"));
+  EXPECT_FALSE(IsHandsOffClass("Other"));
+  EXPECT_FALSE(IsHandsOffClass("Unknown"));
+  GromlitPlugin all{};
+  all.spare1 = kHandsOff;
+  DefaultPlugin = &all;
+  EXPECT_TRUE(IsHandsOffClass("Unknown"));
+  EXPECT_FALSE(IsHandsOffClass("Other")) << "its own plug-in counts";
+  DefaultPlugin = nullptr;
+}
+
+// --- Copies of actions ---
+
+TEST(CopyAction, OwnsItsCommandsAndNoFeatures) {
+  const OwnedPlugin plugin = SamplePlugin();
+  GromlitAction* source = plugin->actions[0];
+  char signature[] = "the source's";
+  source->sym.signature = signature;
+  GromlitAction copy;
+  CopyAction(&copy, source);
+  source->sym.signature = nullptr;
+  EXPECT_EQ(copy.sym.signature, nullptr);
+  EXPECT_EQ(copy.sym.shape, nullptr);
+  ASSERT_EQ(copy.ncmds, source->ncmds);
+  for (uint32_t i = 0; i < copy.ncmds; i++) {
+    EXPECT_NE(copy.cmds[i], source->cmds[i]);
+    EXPECT_EQ(copy.cmds[i]->type, source->cmds[i]->type);
+    EXPECT_STREQ(copy.cmds[i]->text, source->cmds[i]->text);
+  }
+  EXPECT_NE(copy.cmds[0]->text, source->cmds[0]->text);
+  for (uint32_t i = copy.ncmds; i < kMaxCommands; i++) EXPECT_EQ(copy.cmds[i], nullptr);
+  ReleaseActionContents(&copy);
+  EXPECT_EQ(copy.ncmds, 0U);
+  for (const GromlitCmd* cmd : copy.cmds) EXPECT_EQ(cmd, nullptr);
+}
+
+TEST(CopyAction, HoldsAsManyCommandsAsARecord) {
+  GromlitAction source{};
+  GromlitCmd cmd{};
+  std::fill_n(source.cmds, kMaxCommands, &cmd);
+  source.ncmds = kMaxCommands;
+  GromlitAction copy;
+  CopyAction(&copy, &source);
+  EXPECT_EQ(copy.ncmds, static_cast<uint32_t>(kMaxCommands));
+  EXPECT_NE(copy.cmds[kMaxCommands - 1], nullptr);
+  ReleaseActionContents(&copy);
+}
+
+TEST(OfferMemory, KnowsOnlyWhatWasRemembered) {
+  EXPECT_FALSE(IsRememberedClass("Fresh"));
+  EXPECT_EQ(RememberClass("Fresh"), 0);
+  EXPECT_TRUE(IsRememberedClass("Fresh"));
+  EXPECT_EQ(RememberFindNewList->prompt, 0);
 }
 
 }  // namespace
