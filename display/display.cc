@@ -11,7 +11,6 @@
 #include <utility>
 #include <vector>
 
-#include "display/replies.h"
 #include "images/handcursor.xbm"
 #include "images/handcursormask.xbm"
 
@@ -78,43 +77,6 @@ void FollowScreenSize(void*, XEvent* event) {
   if (now.send_event != False || now.window != root) return;
   screenwidth = now.width;
   screenheight = now.height;
-}
-
-namespace {
-
-XColor* const kColours[] = {&white, &black, &lgrey, &dgrey, &grey, &blue};
-
-struct ColourQuestions {
-  bool asked;
-  std::array<xcb_alloc_color_cookie_t, std::size(kColours)> cookies;
-};
-ColourQuestions colours{};
-
-}  // namespace
-
-void AskForColours() {
-  for (size_t i = 0; i < std::size(kColours); i++) {
-    const XColor& colour = *kColours[i];
-    colours.cookies[i] = xcb_alloc_color(XGetXCBConnection(dpy), static_cast<xcb_colormap_t>(cmap),
-                                         colour.red, colour.green, colour.blue);
-  }
-  colours.asked = true;
-}
-
-void MakeColours() {
-  if (!colours.asked) AskForColours();
-  colours.asked = false;
-  for (size_t i = 0; i < std::size(kColours); i++) {
-    const auto is = AnswerTo(xcb_alloc_color_reply, colours.cookies[i]);
-    if (is == nullptr) continue;
-    XColor* const colour = kColours[i];
-    colour->pixel = is->pixel;
-    colour->red = is->red;
-    colour->green = is->green;
-    colour->blue = is->blue;
-  }
-  white.pixel = WhitePixel(dpy, screen);
-  black.pixel = BlackPixel(dpy, screen);
 }
 
 namespace {
