@@ -257,10 +257,11 @@ bool ReadFile(const char* path, size_t limit, std::vector<std::byte>* out) {
   out->clear();
   const Descriptor file(OpenRegular(path));
   if (!file.ok()) return false;
-  // Room for what is expected; a file that is larger than it says is read in further steps.
-  struct stat st {};
-  if (!Stat(file.get(), &st)) return false;
+  // Room for what is expected, where more than a step may be; a file that is larger than it says is
+  // read in further steps.
   constexpr size_t kStep = 4096;
+  struct stat st {};
+  if (limit > kStep && !Stat(file.get(), &st)) return false;
   size_t room = std::min(limit, std::max(static_cast<size_t>(st.st_size), kStep));
   size_t got = 0;
   while (got < limit) {

@@ -11,6 +11,7 @@
 #include <new>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -168,37 +169,37 @@ int LoadPlugins() {
   if (directory == nullptr) return 0;
   // Of each class the plug-in that counts, in directory order.
   std::vector<GromlitPlugin*> found;
+  std::unordered_map<std::string_view, GromlitPlugin*> ofclass;  // keys lie in the plug-ins
   std::vector<SparePluginFile> spareFiles;
   while (const dirent* entry = readdir(directory.get())) {
     GromlitPlugin* plugin = LoadPlugin(entry->d_name);
     if (plugin == nullptr) continue;
     const std::string_view classname = FieldText(plugin->classname);
-    const auto known = std::find_if(found.begin(), found.end(), [&](const GromlitPlugin* other) {
-      return FieldText(other->classname) == classname;
-    });
-    if (known == found.end()) {
+    const auto [known, fresh] = ofclass.try_emplace(classname, plugin);
+    if (fresh) {
       found.push_back(plugin);
       continue;
     }
     GromlitPlugin* less = plugin;
-    if (CountsBefore(classname, plugin->storedfile, (*known)->storedfile)) {
-      less = *known;
-      found.erase(known);
+    if (CountsBefore(classname, plugin->storedfile, known->second->storedfile)) {
+      less = known->second;
+      std::erase(found, less);
       found.push_back(plugin);
+      ofclass.erase(known);
+      ofclass.emplace(classname, plugin);
     }
     spareFiles.push_back({less->storedfile, "", less->classname});
     delete less;
   }
   GromlitPluginList* sentinel = allPlugins;
   for (GromlitPlugin* plugin : found) {
-    for (SparePluginFile& spare : spareFiles)
-      if (spare.classname == FieldText(plugin->classname)) spare.used = plugin->storedfile;
     sentinel->filename = StrDup(plugin->storedfile);
     sentinel->loaded = 0;
     sentinel->plugin = plugin;
     sentinel->next = new GromlitPluginList();
     sentinel = sentinel->next;
   }
+  for (SparePluginFile& spare : spareFiles) spare.used = ofclass.at(spare.classname)->storedfile;
   KeepSparePluginFiles(std::move(spareFiles));
   return static_cast<int>(found.size());
 }

@@ -48,8 +48,7 @@ void CopyText(std::span<char> dst, std::string_view src) {
 }
 
 std::string_view FieldText(std::span<const char> field) {
-  const auto end = std::find(field.begin(), field.end() - 1, '\0');
-  return {field.data(), static_cast<size_t>(end - field.begin())};
+  return {field.data(), strnlen(field.data(), field.size() - 1)};
 }
 
 int SortStrCmp(const void* a, const void* b) {
