@@ -70,7 +70,7 @@ void FinishRequests();
 void FollowScreenSize(void* obj, XEvent* event);
 
 // The steps that follow, each to be called once, in this order; MakeResources (toolkit/resources.h)
-// calls them all, behind the colours (display/colours.h). None reports an error. The fonts
+// calls them all, behind the colours (display/palette.h). None reports an error. The fonts
 // (display/fonts.h) come before the contexts.
 void MakeHandCursor();
 void MakeContexts();

@@ -1,8 +1,8 @@
 #include "toolkit/resources.h"
 
-#include "display/colours.h"
 #include "display/display.h"
 #include "display/fonts.h"
+#include "display/palette.h"
 #include "display/shapes.h"
 #include "toolkit/image.h"
 
