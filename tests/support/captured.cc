@@ -34,7 +34,7 @@ Captured::Captured(int descriptor)
     : descriptor_(descriptor),
       former_(fcntl(descriptor, F_DUPFD_CLOEXEC, 3)),
       file_(memfd_create("captured", MFD_CLOEXEC)) {
-  static_cast<void>(std::fflush(nullptr));  // what is still there is what the test compares
+  std::fflush(nullptr);
   // Appended, as several processes may write.
   if (former_ < 0 || file_ < 0 || fcntl(file_, F_SETFL, O_APPEND) != 0 ||
       dup2(file_, descriptor) < 0)
@@ -42,14 +42,14 @@ Captured::Captured(int descriptor)
 }
 
 Captured::~Captured() {
-  static_cast<void>(std::fflush(nullptr));  // what is still there is what the test compares
+  std::fflush(nullptr);
   dup2(former_, descriptor_);
   close(former_);
   close(file_);
 }
 
 std::string Captured::Text() const {
-  static_cast<void>(std::fflush(nullptr));  // what is still there is what the test compares
+  std::fflush(nullptr);
   std::string text;
   char buffer[4096];
   for (ssize_t n; (n = pread(file_, buffer, sizeof buffer, static_cast<off_t>(text.size()))) > 0;)

@@ -270,7 +270,7 @@ class Probe {
       std::printf("window %s 0x%lx\n", Name(windows_[i]).c_str(), windows_[i]);
     }
     std::printf("ready 0x%lx\n", windows_[0]);
-    static_cast<void>(std::fflush(stdout));
+    std::fflush(stdout);
   }
 
   bool Close(const XEvent& event) const {
@@ -332,7 +332,7 @@ class Probe {
         break;
     }
     std::fprintf(out_, " send_event=%d\n", event.xany.send_event != 0 ? 1 : 0);
-    static_cast<void>(std::fflush(out_));
+    std::fflush(out_);
   }
 
   const Options& options_;
