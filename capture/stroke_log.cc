@@ -24,8 +24,8 @@ using Clock = std::chrono::steady_clock;
 
 int log = -1;  // descriptor; -1 when strokes are not logged
 bool withpoints = false;
-const char* ending = "";  // class text of the stroke that is being answered
-Clock::time_point released;
+const char* ending = "";     // class text of the stroke that is being answered
+Clock::time_point released;  // NOLINT(cert-err58-cpp): zero, a constant
 
 void Refuse(const char* path, const char* why) {
   std::fprintf(stderr, "%s: no log of strokes: %s\n", path, why);

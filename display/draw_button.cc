@@ -21,9 +21,10 @@ using Clock = std::chrono::steady_clock;
 constexpr auto kAskIdle = std::chrono::milliseconds(1000);
 constexpr auto kAskBusy = std::chrono::milliseconds(50);
 
-int grabbed = 0;          // INV-GRAB-1
-int refused = 0;          // INV-GRAB-2: the button that is asked for again, or 0
-Clock::time_point asked;  // when; the time before the first request of all counts as long ago
+int grabbed = 0;  // INV-GRAB-1
+int refused = 0;  // INV-GRAB-2: the button that is asked for again, or 0
+// When; the time before the first request of all counts as long ago.
+Clock::time_point asked;  // NOLINT(cert-err58-cpp): zero, a constant
 
 unsigned locks = 0;  // modifiers with which the draw button is grabbed, too
 

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
+#include <charconv>
 #include <map>
 #include <optional>
 #include <utility>
@@ -56,8 +56,11 @@ std::string Join(const FontName& name) {
   return text;
 }
 
+// 0 for a field that is no number, or none that fits.
 int Number(const std::string& field) {
-  return std::atoi(field.c_str());
+  int number = 0;
+  std::from_chars(field.data(), field.data() + field.size(), number);
+  return number;
 }
 
 // The names of fonts that match.

@@ -1,8 +1,10 @@
 #include "toolkit/image.h"
 
-#include <cstdio>
+#include <algorithm>
+#include <charconv>
 #include <cstdlib>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "display/colours.h"
@@ -35,11 +37,30 @@ struct Header {
   int cpp;  // characters per pixel, 1 or 2
 };
 
+void SkipBlanks(std::string_view* text) {
+  text->remove_prefix(std::min(text->find_first_not_of(" \t\n\v\f\r"), text->size()));
+}
+
+// Takes a number from the front of a text; false when there is none, when it does not fit, or when
+// it has not `digits` digits (npos: as many as there are).
+template <typename Number>
+bool TakeNumber(std::string_view* text, Number* number, int base, size_t digits) {
+  const std::string_view front = text->substr(0, digits);
+  const auto [end, error] =
+      std::from_chars(front.data(), front.data() + front.size(), *number, base);
+  if (error != std::errc()) return false;
+  const auto taken = static_cast<size_t>(end - front.data());
+  if (digits != std::string_view::npos && taken != digits) return false;
+  text->remove_prefix(taken);
+  return true;
+}
+
 bool ReadHeader(std::span<const char* const> data, Header* header) {
   if (data.empty()) return false;
-  if (std::sscanf(data[0], " %d %d %d %d", &header->width, &header->height, &header->ncolours,
-                  &header->cpp) != 4) {
-    return false;
+  std::string_view line = data[0];
+  for (int* number : {&header->width, &header->height, &header->ncolours, &header->cpp}) {
+    SkipBlanks(&line);
+    if (!TakeNumber(&line, number, 10, std::string_view::npos)) return false;
   }
   if (header->width < 1 || header->width > kMaxSide) return false;
   if (header->height < 1 || header->height > kMaxSide) return false;
@@ -84,17 +105,23 @@ unsigned KeyOf(char c1, char c2) {
 }
 
 // Reads one colour line into the table; false when it is not of the form "KEY c #RRGGBB".
-bool ReadColour(const char* line, int cpp, std::vector<unsigned long>* pixels) {
-  char c1 = 0;
-  char c2 = 0;
-  char type = 0;
+bool ReadColour(std::string_view line, int cpp, std::vector<unsigned long>* pixels) {
+  const auto keysize = static_cast<size_t>(cpp);
+  if (line.size() < keysize) return false;
+  const char c1 = keysize == 2 ? line[0] : '\0';
+  const char c2 = line[keysize - 1];
+  line.remove_prefix(keysize);
+  for (const char expected : {'c', '#'}) {
+    SkipBlanks(&line);
+    if (!line.starts_with(expected)) return false;
+    line.remove_prefix(1);
+  }
   unsigned r = 0;
   unsigned g = 0;
   unsigned b = 0;
-  const int nread = cpp == 2
-                        ? std::sscanf(line, "%c%c %c #%2x%2x%2x", &c1, &c2, &type, &r, &g, &b) - 1
-                        : std::sscanf(line, "%c %c #%2x%2x%2x", &c2, &type, &r, &g, &b);
-  if (nread != 5 || type != 'c') return false;
+  for (unsigned* part : {&r, &g, &b}) {
+    if (!TakeNumber(&line, part, 16, 2)) return false;
+  }
   const unsigned key = KeyOf(c1, c2);
   if (key < pixels->size()) (*pixels)[key] = PixelOfColour(r, g, b);
   return true;

@@ -49,7 +49,7 @@ struct Hand {
   TypeAhead ahead;
 };
 
-Hand hand{};
+Hand hand{};  // NOLINT(cert-err58-cpp): zeros, constants
 
 // --- The pointer after a press that closed the menus ------------------------------------------
 

@@ -17,7 +17,7 @@ constexpr auto kLook = std::chrono::milliseconds(250);
 constexpr unsigned kButtons = Button1Mask | Button2Mask | Button3Mask | Button4Mask | Button5Mask;
 
 void (*whenlost)() = nullptr;
-Clock::time_point next;
+Clock::time_point next;  // NOLINT(cert-err58-cpp): zero, a constant
 
 bool AnyButtonDown() {
   Window rootwin;

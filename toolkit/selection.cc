@@ -58,7 +58,7 @@ struct {
   Atom type = None;     // of the pieces
   bool pieces = false;  // the owner hands it over piece by piece
   std::string bytes;
-} wanted;
+} wanted;  // NOLINT(cert-err58-cpp): empty, and nothing else throws
 size_t turn = 0;
 
 // --- Giving

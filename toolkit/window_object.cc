@@ -152,7 +152,7 @@ const char* EventName(int type) {
   return type >= kFirstEvent && type <= kLastEvent ? kNames[type] : "Unknown";
 }
 
-void noprintf(const char*, ...) {}
+void noprintf(const char*, ...) {}  // NOLINT(cert-dcl50-cpp): takes what printf takes
 
 void HideWindow(Window window) {
   if (beforehiding != nullptr) beforehiding();

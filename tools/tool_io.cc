@@ -16,6 +16,7 @@ std::string InputName(const std::string& path) {
 }
 
 void Write(const std::string& text) {
+  // NOLINTNEXTLINE(cert-err33-c): main asks once, at the end, whether all has been written
   std::fwrite(text.data(), 1, text.size(), stdout);
 }
 

@@ -3,6 +3,7 @@
 #include <filesystem>
 
 // The address sanitizer's runtime has it; without that there is none.
+// NOLINTNEXTLINE(clang-diagnostic-reserved-identifier): the runtime's own name for it
 extern "C" __attribute__((weak)) void __asan_init();
 
 namespace gromlit::testing {

@@ -17,9 +17,12 @@ struct Picture {
 
   Picture() = default;
   Picture(int w, int h, unsigned long fill)
-      : width(w), height(h), pixels(static_cast<size_t>(w * h), fill) {}
-  unsigned long& At(int x, int y) { return pixels[static_cast<size_t>(y * width + x)]; }
-  unsigned long At(int x, int y) const { return pixels[static_cast<size_t>(y * width + x)]; }
+      : width(w), height(h), pixels(static_cast<size_t>(w) * static_cast<size_t>(h), fill) {}
+  unsigned long& At(int x, int y) { return pixels[Place(x, y)]; }
+  unsigned long At(int x, int y) const { return pixels[Place(x, y)]; }
+  size_t Place(int x, int y) const {
+    return static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x);
+  }
   // Draws a horizontal or vertical line from one end to the other, cut at the borders.
   void Line(unsigned long pixel, int x1, int y1, int x2, int y2) {
     for (int y = std::min(y1, y2); y <= std::max(y1, y2); y++) {

@@ -97,6 +97,20 @@ TEST_F(ImageTest, DamagedHeadersAreRefused) {
   EXPECT_EQ((Made{}).get(), nullptr);
 }
 
+TEST_F(ImageTest, NumbersThatFitNowhereAreRefused) {
+  // Each of them is 1 when its upper bits are lost.
+  for (const char* header : {"4294967297 1 1 1", "1 4294967297 1 1", "1 1 4294967297 1",
+                             "1 1 1 4294967297", "1 1 1 18446744073709551617"}) {
+    EXPECT_EQ((Made{header, "a c #ffffff", "a"}).get(), nullptr) << header;
+  }
+}
+
+TEST_F(ImageTest, ColoursWithoutTwoDigitsEachAreRefused) {
+  for (const char* colour : {"a c #-1-1-1", "a c #+1+1+1", "a c # 1 1 1", "a c #fffff"}) {
+    EXPECT_EQ((Made{"1 1 1 1", colour, "a"}).get(), nullptr) << colour;
+  }
+}
+
 TEST_F(ImageTest, FewerLinesThanTheHeaderSaysAreRefused) {
   EXPECT_EQ((Made{"1 2 1 1", "a c #ffffff", "a"}).get(), nullptr);
   EXPECT_EQ((Made{"1 1 2 1", "a c #ffffff", "a"}).get(), nullptr);
