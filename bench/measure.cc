@@ -31,6 +31,10 @@ using testing::Process;
 using testing::WaitFor;
 using testing::XProxy;
 
+// Round trips are counted over a link that takes its time: there what is asked together is answered
+// together, also where the machine is busy.
+constexpr milliseconds kCountingDelay(10);
+
 enum class Form { kQuick, kUsual, kLong };
 Form form = Form::kUsual;
 
@@ -124,7 +128,7 @@ void MeasureStartOverLink() {
     Put("start_link", Median(times));
   }
   XProxy proxy(run.server.name());
-  proxy.SetDelay(milliseconds(3), milliseconds(3));
+  proxy.SetDelay(kCountingDelay, kCountingDelay);
   RequestLog log(&proxy);
   run.Start(proxy.name());
   const std::vector<RequestLog::Entry> entries = log.Entries();
@@ -147,15 +151,18 @@ double RoundTrip(Display* idle) {
 
 // Times from the release of a stroke at the server to the first key at the application.
 std::vector<double> ReleaseToKey(BenchRun* run, Application* application, int times,
-                                 microseconds rest, const std::function<void()>& before_release) {
+                                 microseconds settle, const std::function<void()>& before_release) {
   std::vector<double> all;
   for (int i = 0; i <= times; i++) {
     run->PressAndThaw();
-    run->Trace(20, milliseconds(1));
+    Pause(settle);  // until the application is known
+    run->Trace(50, milliseconds(1));
     XSync(run->player.display(), False);
-    Pause(rest);  // until all of it is drawn
+    // Until all of it is drawn, and before the program asks whether the grab is still there, as it
+    // does where a hand rests for a tenth of a second.
+    Pause(milliseconds(20));
     before_release();
-    Pause(rest);
+    Pause(milliseconds(20));
     const auto start = Clock::now();
     XTestFakeButtonEvent(run->player.display(), 3, False, CurrentTime);
     XFlush(run->player.display());
@@ -165,7 +172,7 @@ std::vector<double> ReleaseToKey(BenchRun* run, Application* application, int ti
     }
     if (i > 0) all.push_back(Microseconds(Clock::now() - start));
     run->WaitOver();
-    Pause(rest);  // until the draw button is grabbed again
+    Pause(settle);  // until the draw button is grabbed again
   }
   return all;
 }
@@ -190,18 +197,20 @@ void MeasureGesture() {
   {
     RequestLog log(&proxy);
     run.Start(proxy.name());
+    proxy.SetDelay(kCountingDelay, kCountingDelay);
     int most = 0;
     bool marked = false;  // at the release of the stroke before
     const auto look = [&] {
       if (marked) most = std::max(most, log.TripsBefore(X_SendEvent));
     };
-    ReleaseToKey(&run, &application, 4, milliseconds(100), [&] {
+    ReleaseToKey(&run, &application, 4, milliseconds(300), [&] {
       look();
       log.Mark();
       marked = true;
     });
     look();
     Put("key_trips", most);
+    proxy.SetDelay({}, {});
     run.Stop();
   }
   proxy.SetDelay(milliseconds(20), milliseconds(20));
@@ -224,8 +233,7 @@ void MeasurePress(const std::string& name, int levels, int children, bool handso
   RequestLog log(&proxy);
   run.Start(proxy.name());
   run.player.MoveTo(kStrokeX, kStrokeY);
-  // On a link that takes its time what is asked together arrives together.
-  proxy.SetDelay(milliseconds(10), milliseconds(10));
+  proxy.SetDelay(kCountingDelay, kCountingDelay);
   Pause(milliseconds(500));
   log.Mark();
   run.player.Press(3);
@@ -277,11 +285,12 @@ void MeasureTexts(const std::string& name, int texts, int letters) {
   run.Stop();
   XProxy proxy(run.server.name());
   run.Start(proxy.name());
+  proxy.SetDelay(kCountingDelay, kCountingDelay);
   run.PressAndThaw();
   const testing::XCounts before = proxy.Counts(0);
   TypeTexts(&run, &application, texts * letters);
   const testing::XCounts after = proxy.Counts(0);
-  Put(name + "_answers", static_cast<double>(after.replies - before.replies));
+  Put(name + "_trips", static_cast<double>(after.round_trips - before.round_trips));
   Put(name + "_bytes", static_cast<double>(after.bytes_to_server - before.bytes_to_server));
   Put(name + "_commands", texts);
   Put(name + "_letters", texts * letters);

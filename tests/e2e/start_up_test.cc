@@ -6,7 +6,9 @@
 #include <sys/inotify.h>
 #include <sys/stat.h>
 
+#include <chrono>
 #include <filesystem>
+#include <thread>
 
 #include "core/option_files.h"
 
@@ -370,6 +372,35 @@ TEST_F(StartUpTest, ServerWithoutAnyFontIsServedToo) {
   EXPECT_EQ(Err(), "");
   EXPECT_TRUE(DesktopActs("acted"));
   EXPECT_NE(MainWindow(), 0u);
+}
+
+// How often the program went to sleep: each time it had been woken.
+TEST_F(StartUpTest, NothingWakesItWhileThePointerRestsOrMovesInsideOneWindow) {
+  const testing::ProbeClient probe(install->path(), {"--class", "Rest", "rest", "--geometry",
+                                                     "400x400+700+500", "--override-redirect"});
+  LaunchInstalled();
+  const auto sleeps = [this] {
+    const std::string text = ReadText("/proc/" + std::to_string(gromlit->pid()) + "/status");
+    const std::string word = "\nvoluntary_ctxt_switches:";
+    const size_t at = text.find(word);
+    return at == std::string::npos ? 0 : std::strtoul(text.c_str() + at + word.size(), nullptr, 10);
+  };
+  // What the start and the way into the window bring is over when nothing has come for a while.
+  const auto at_rest = [&](std::chrono::milliseconds time) {
+    const unsigned long before = sleeps();
+    std::this_thread::sleep_for(time);
+    return before > 0 && sleeps() == before;
+  };
+  player->MoveTo(800, 600);
+  ASSERT_TRUE(WaitFor([&] { return at_rest(std::chrono::milliseconds(300)); }));
+  EXPECT_TRUE(at_rest(std::chrono::milliseconds(700)));
+  const unsigned long before = sleeps();
+  for (int i = 0; i < 300; i++) player->MoveTo(750 + i, 600 + i % 50);
+  EXPECT_TRUE(at_rest(std::chrono::milliseconds(100)));
+  EXPECT_EQ(sleeps(), before);
+  // It would be seen.
+  player->MoveTo(1, 1);
+  EXPECT_TRUE(WaitFor([&] { return sleeps() > before; }));
 }
 
 TEST_F(StartUpTest, SecondInstanceEndsAndTheFirstGoesOn) {
