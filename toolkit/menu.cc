@@ -8,8 +8,8 @@
 #include "toolkit/child_window.h"
 #include "toolkit/image.h"
 #include "toolkit/manners.h"
-#include "toolkit/menu_bar.h"
 #include "toolkit/menu_parts.h"
+#include "toolkit/release_watch.h"
 #include "toolkit/text.h"
 #include "toolkit/title_row.h"
 
@@ -84,8 +84,7 @@ bool GrabPointerFor(XMenu* menu, long events) {
     return false;
   }
   grabbed = menu;
-  // The release that a bar waits for goes to this menu now.
-  ShutHeldMenuBar();
+  ReleaseGoesElsewhere();
   return true;
 }
 

@@ -65,6 +65,15 @@ void LetGo(XMenuBar* bar) {
   ForgetRelease();
 }
 
+// Its release will not come any more.
+void ShutHeldBar() {
+  XMenuBar* bar = heldbar;
+  if (bar == nullptr) return;
+  LetGo(bar);
+  if (bar->selected >= 0) ShutTitle(bar);
+  bar->selected = -1;
+}
+
 // --- What menus with today's manners ask of the bar ---
 
 int OpenTitleOf(const XMenuBar* bar) {
@@ -162,7 +171,7 @@ void MenuBarButtonPress(XMenuBar* bar, XEvent* event) {
   }
   bar->held = 1;
   heldbar = bar;
-  AwaitRelease(ShutHeldMenuBar);
+  AwaitRelease(ShutHeldBar);
   MenuBarTrackMouse(bar, event);
 }
 
@@ -219,15 +228,7 @@ bool MenuBarOpenByHand(XMenuBar* bar, int i, const XButtonEvent* press) {
 void ShutHiddenMenuBar() {
   const XMenuBar* inhand = BarInHand();
   if (inhand != nullptr && !CanBeSeen(inhand->window)) CloseGrabbedMenu();
-  if (heldbar != nullptr && !CanBeSeen(heldbar->window)) ShutHeldMenuBar();
-}
-
-void ShutHeldMenuBar() {
-  XMenuBar* bar = heldbar;
-  if (bar == nullptr) return;
-  LetGo(bar);
-  if (bar->selected >= 0) ShutTitle(bar);
-  bar->selected = -1;
+  if (heldbar != nullptr && !CanBeSeen(heldbar->window)) ShutHeldBar();
 }
 
 void MenuBarTrackMouse(XMenuBar* mbar, XEvent* event) {

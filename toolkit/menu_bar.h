@@ -12,7 +12,7 @@
 //   open     release below the bar                shut     MenuButtonRelease of the menu
 //   open     release in the bar                   shut     MenuBarButtonRelease, nothing is run
 //   open     the bar's window is hidden           shut     ShutHiddenMenuBar, nothing is run
-//   open     another menu takes the pointer       shut     ShutHeldMenuBar, nothing is run
+//   open     another menu takes the pointer       shut     PopUpMenuGrabbed, nothing is run
 //   open     no button is down (release missed)   shut     LookForRelease, nothing is run
 //
 // With today's manners a title's menu takes the pointer as all others do, and a click leaves it
@@ -90,8 +90,5 @@ bool MenuBarOpenByHand(XMenuBar* bar, int i, const XButtonEvent* press);
 // Shuts the bar that is held if it has gone from the screen, with the menu that is open. Round
 // trips only while one is held.
 void ShutHiddenMenuBar();
-
-// Shuts the bar that is held, with the menu that is open: its release will not come any more.
-void ShutHeldMenuBar();
 
 }  // namespace gromlit

@@ -55,6 +55,13 @@ void ForgetRelease() {
   whenlost = nullptr;
 }
 
+void ReleaseGoesElsewhere() {
+  if (whenlost == nullptr) return;
+  void (*const lost)() = whenlost;
+  whenlost = nullptr;
+  lost();
+}
+
 int ReleaseWait() {
   if (whenlost == nullptr) return -1;
   const auto left = std::chrono::ceil<std::chrono::milliseconds>(next - Clock::now()).count();
@@ -66,9 +73,7 @@ void LookForRelease() {
   next = Clock::now() + kLook;
   // In this order: with the answer everything has arrived that the server reported before it.
   if (AnyButtonDown() || ReleaseHasArrived()) return;
-  void (*const lost)() = whenlost;
-  whenlost = nullptr;
-  lost();
+  ReleaseGoesElsewhere();
 }
 
 }  // namespace gromlit

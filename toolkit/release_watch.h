@@ -16,6 +16,10 @@ void AwaitRelease(void (*lost)());
 // To be called when the grab is given back.
 void ForgetRelease();
 
+// To be called when the pointer has been taken for something else, to which the release goes:
+// whoever awaits it is told at once.
+void ReleaseGoesElsewhere();
+
 // How long the event loop may wait before it looks, milliseconds; -1 when nothing is awaited.
 int ReleaseWait();
 
