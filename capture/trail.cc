@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "display/colours.h"
 #include "display/display.h"
 #include "display/scale.h"
 #include "toolkit/window_object.h"
@@ -70,8 +71,9 @@ TrailWindows MakeTrailWindows(long mask) {
   windows.window = MakeTrailWindow(windows.initwidth, windows.initheight, mask);
   windows.fullwindow = MakeTrailWindow(screenwidth, screenheight, mask);
   XGCValues values;
-  values.function = GXinvert;
-  values.foreground = black.pixel;
+  const Inversion inversion = InversionOfScreen();
+  values.function = inversion.function;
+  values.foreground = inversion.function == GXinvert ? black.pixel : inversion.foreground;
   values.background = white.pixel;
   values.line_width = Device(kTrailLineWidth);
   windows.gc = XCreateGC(dpy, windows.window,

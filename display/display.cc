@@ -2,6 +2,7 @@
 
 #include <X11/Xutil.h>
 
+#include "display/colours.h"
 #include "images/handcursor.xbm"
 #include "images/handcursormask.xbm"
 
@@ -66,14 +67,15 @@ void FollowScreenSize(void*, XEvent* event) {
 }
 
 void MakeColours() {
-  XAllocColor(dpy, cmap, &white);
-  XAllocColor(dpy, cmap, &black);
+  ForgetColourMap();
+  AllocateColour(&white);
+  AllocateColour(&black);
   white.pixel = WhitePixel(dpy, screen);
   black.pixel = BlackPixel(dpy, screen);
-  XAllocColor(dpy, cmap, &lgrey);
-  XAllocColor(dpy, cmap, &dgrey);
-  XAllocColor(dpy, cmap, &grey);
-  XAllocColor(dpy, cmap, &blue);
+  AllocateColour(&lgrey);
+  AllocateColour(&dgrey);
+  AllocateColour(&grey);
+  AllocateColour(&blue);
 }
 
 void MakeHandCursor() {

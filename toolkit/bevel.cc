@@ -1,5 +1,6 @@
 #include "toolkit/bevel.h"
 
+#include "display/colours.h"
 #include "display/display.h"
 #include "display/scale.h"
 
@@ -50,11 +51,19 @@ void DrawOutline(Window win, GC gc, unsigned long pixel, int x, int y, int w, in
 }
 
 Inverting::Inverting(GC gc) : gc_(gc) {
-  XSetFunction(dpy, gc_, GXinvert);
+  const Inversion inversion = InversionOfScreen();
+  XSetFunction(dpy, gc_, inversion.function);
+  if (inversion.function == GXinvert) return;
+  XGCValues values;
+  // Known to Xlib, without a question to the server.
+  XGetGCValues(dpy, gc_, GCForeground, &values);
+  foreground_ = values.foreground;
+  XSetForeground(dpy, gc_, inversion.foreground);
 }
 
 Inverting::~Inverting() {
   XSetFunction(dpy, gc_, GXcopy);
+  if (foreground_) XSetForeground(dpy, gc_, *foreground_);
 }
 
 void InvertRectangle(Window win, GC gc, int x, int y, int w, int h) {

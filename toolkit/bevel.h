@@ -5,6 +5,8 @@
 
 #include <X11/Xlib.h>
 
+#include <optional>
+
 namespace gromlit {
 
 // What XDrawBevel draws.
@@ -44,6 +46,7 @@ class Inverting {
 
  private:
   GC gc_;
+  std::optional<unsigned long> foreground_;  // to be set again
 };
 
 // Inverts a filled rectangle (w x h pixels), and the outline of one (w + 1 x h + 1 pixels, as

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "display/colours.h"
 #include "display/display.h"
 #include "display/scale.h"
 #include "images/downscrollbar.xpm"
@@ -74,7 +75,7 @@ unsigned long PixelOfColour(unsigned r, unsigned g, unsigned b) {
   colour.green = static_cast<unsigned short>(g | g << 8);
   colour.blue = static_cast<unsigned short>(b | b << 8);
   colour.flags = DoRed | DoGreen | DoBlue;
-  XAllocColor(dpy, cmap, &colour);
+  AllocateColour(&colour);
   return colour.pixel;
 }
 

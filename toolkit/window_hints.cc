@@ -6,6 +6,7 @@
 
 #include <vector>
 
+#include "display/colours.h"
 #include "display/display.h"
 #include "display/window_manager.h"
 #include "toolkit/image.h"
@@ -35,10 +36,9 @@ std::vector<long> IconData() {
   std::vector<long> data = {kIcon, kIcon};
   for (int y = 0; y < kIcon; y++) {
     for (int x = 0; x < kIcon; x++) {
-      // A screen of this depth has the colours in the pixel.
       const unsigned long pixel =
           XGetPixel(logoImage, x * logoImage->height / kIcon, y * logoImage->height / kIcon);
-      data.push_back(static_cast<long>(kOpaque | (pixel & 0xffffff)));
+      data.push_back(static_cast<long>(kOpaque | RgbOfPixel(pixel)));
     }
   }
   return data;
@@ -57,7 +57,8 @@ void DescribeWindow(Window window, const std::string& title, WindowKind kind) {
     host[sizeof host - 1] = '\0';
     SetBytes(window, XA_WM_CLIENT_MACHINE, XA_STRING, host);
   }
-  if (logoImage != nullptr && DefaultDepth(dpy, screen) >= 24) {
+  // Such a screen has the colours in the pixel.
+  if (logoImage != nullptr && DefaultVisual(dpy, screen)->c_class == TrueColor) {
     SetNumbers(window, "_NET_WM_ICON", XA_CARDINAL, IconData());
   }
 }

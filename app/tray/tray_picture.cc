@@ -110,7 +110,7 @@ XImage* MakeTrayPicture(int side, bool paused) {
   if (picture == nullptr) return nullptr;
   const Visual* visual = DefaultVisual(dpy, screen);
   // On a screen whose pixels are numbers of colours nothing can be mixed.
-  const bool mixes = visual->c_class == TrueColor || visual->c_class == DirectColor;
+  const bool mixes = visual->c_class == TrueColor;
   const Channels channels{{visual->red_mask}, {visual->green_mask}, {visual->blue_mask}};
   for (int y = 0; y < side; y++) {
     for (int x = 0; x < side; x++) {
