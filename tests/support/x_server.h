@@ -25,6 +25,9 @@ class XServer {
   XServer& operator=(const XServer&) = delete;
 
   const std::string& name() const { return name_; }  // such as ":7"
+  // Sends the server a signal. What it is told to end at ends the clients, too: a connection of the
+  // test's own would end the test.
+  void Kill(int signal) { process_->Kill(signal); }
 
  private:
   std::unique_ptr<Process> process_;
