@@ -83,6 +83,21 @@ bool ModifiersOfLevel(const XkbKeyTypeRec& type, int level, unsigned usable, uns
   return found;
 }
 
+// Of a server without XKB: the bare keys and those with Shift.
+void ReadCoreKeys(Keyboard* keyboard, bool shift) {
+  int first;
+  int last;
+  XDisplayKeycodes(dpy, &first, &last);
+  for (int level = 0; level <= (shift ? 1 : 0); level++) {
+    for (int code = first; code <= last; code++) {
+      const char32_t c = CharacterOf(SymbolOfKey(code, level));
+      if (c == kNone) continue;
+      keyboard->keys.try_emplace(c, static_cast<KeyCode>(code),
+                                 level == 1 ? unsigned{ShiftMask} : 0U);
+    }
+  }
+}
+
 void Read(Keyboard* keyboard) {
   keyboard->known = true;
   keyboard->keys.clear();
@@ -94,7 +109,10 @@ void Read(Keyboard* keyboard) {
     if (map.keys[static_cast<size_t>(modifier)] != 0) usable |= 1U << modifier;
   const std::unique_ptr<XkbDescRec, KeyboardDeleter> desc(
       XkbGetMap(dpy, XkbKeyTypesMask | XkbKeySymsMask, XkbUseCoreKbd));
-  if (desc == nullptr) return;
+  if (desc == nullptr) {
+    ReadCoreKeys(keyboard, (usable & ShiftMask) != 0);
+    return;
+  }
   for (int code = desc->min_key_code; code <= desc->max_key_code; code++) {
     if (XkbKeyNumGroups(desc, code) == 0) continue;
     const XkbKeyTypeRec& type = *XkbKeyKeyType(desc, code, XkbGroup1Index);

@@ -1,12 +1,12 @@
 #include "actions/keystrokes.h"
 
-#include <X11/XKBlib.h>
 #include <X11/Xutil.h>
 
 #include <algorithm>
 #include <cstring>
 
 #include "display/display.h"
+#include "display/lock_modifiers.h"
 #include "display/sent_input.h"
 
 namespace gromlit {
@@ -80,7 +80,7 @@ char* KeyStrokeToString(char* buf, int keycode, int keystate) {
   buf[0] = '\0';
   // Stored key codes have 16 bits; Xlib would look at the low eight only and name another key.
   if (keycode < 0 || keycode > 255) return buf;
-  const KeySym symbol = XkbKeycodeToKeysym(dpy, static_cast<KeyCode>(keycode), 0, 0);
+  const KeySym symbol = SymbolOfKey(keycode, 0);
   const char* name = symbol == NoSymbol ? nullptr : XKeysymToString(symbol);
   if (name == nullptr) return buf;
 

@@ -1,6 +1,7 @@
 #include "display/lock_modifiers.h"
 
 #include <X11/XKBlib.h>
+#include <X11/Xutil.h>
 #include <X11/keysym.h>
 
 #include <memory>
@@ -30,6 +31,18 @@ bool IsLock(KeySym symbol) {
 
 }  // namespace
 
+KeySym SymbolOfKey(int keycode, int level) {
+  const auto code = static_cast<KeyCode>(keycode);
+  const KeySym symbol = XkbKeycodeToKeysym(dpy, code, 0, level);
+  if (symbol != NoSymbol) return symbol;
+  // Where the server has no XKB, that knows no symbol; what looks into an event still does.
+  XKeyEvent key{};
+  key.type = KeyPress;
+  key.display = dpy;
+  key.keycode = code;
+  return XLookupKeysym(&key, level);
+}
+
 ModifierMap ReadModifierMap() {
   ModifierMap found{LockMask, {}, {}, {}};
   const std::unique_ptr<XModifierKeymap, ModifierMapDeleter> map(XGetModifierMapping(dpy));
@@ -39,7 +52,7 @@ ModifierMap ReadModifierMap() {
     for (int i = 0; i < map->max_keypermod; i++, code++) {
       if (*code == 0) continue;
       found.any.set(*code);
-      const KeySym symbol = XkbKeycodeToKeysym(dpy, *code, 0, 0);
+      const KeySym symbol = SymbolOfKey(*code, 0);
       if (IsLock(symbol)) {
         // Shift and Control are none, though a key with such a symbol may have been given to them.
         if (modifier >= Mod1MapIndex) found.locks |= 1U << modifier;

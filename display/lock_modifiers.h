@@ -19,6 +19,10 @@ struct ModifierMap {
   std::bitset<kKeyCodes> any;            // every key that is a modifier
 };
 
+// The symbol of a key in its first group: level 0 is the bare key, 1 the one with Shift. NoSymbol
+// when there is none. Also of a server without XKB.
+KeySym SymbolOfKey(int keycode, int level);
+
 // Asks the server. One round trip, two when the keyboard has changed.
 ModifierMap ReadModifierMap();
 
