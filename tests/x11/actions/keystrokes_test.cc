@@ -1,6 +1,7 @@
 // Before Xlib, whose macros would break GoogleTest.
 #include "tests/support/x_fixture.h"
 
+#include <X11/XKBlib.h>
 #include <X11/keysym.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -13,8 +14,10 @@
 #include <string>
 #include <vector>
 
+#include "actions/character_keys.h"
 #include "actions/keystrokes.h"
 #include "actions/typing.h"
+#include "display/lock_modifiers.h"
 #include "tests/x11/actions/key_probe.h"
 #include "tests/x11/actions/literal_key_tables.h"
 
@@ -428,6 +431,36 @@ TEST_F(TypingTest, FilesAreClosedAfterTyping) {
   for (int i = 0; i < 10; i++) TypeFile(place, (*install / "text").c_str());
   EXPECT_EQ(descriptors(), before);
   EXPECT_EQ(Seen().size(), 60u);
+}
+
+// To Xlib this server has no XKB.
+class CoreKeyboardTest : public testing::XFixture {
+ protected:
+  void SetUp() override {
+    setenv("XKB_DISABLE", "1", 1);
+    XFixture::SetUp();
+    ForgetCharacterKeys();
+  }
+  void TearDown() override {
+    XFixture::TearDown();
+    unsetenv("XKB_DISABLE");
+    ForgetCharacterKeys();
+  }
+};
+
+TEST_F(CoreKeyboardTest, KeysHaveTheirSymbolsModifiersAndCharacters) {
+  ASSERT_EQ(XkbKeycodeToKeysym(dpy, XKeysymToKeycode(dpy, XK_x), 0, 0), KeySym{NoSymbol});
+  char name[kKeyStrokeText];
+  const KeyCode x = XKeysymToKeycode(dpy, XK_x);
+  EXPECT_STREQ(KeyStrokeToString(name, x, ControlMask), "Control-x");
+  const ModifierMap map = ReadModifierMap();
+  EXPECT_EQ(map.keys[ControlMapIndex], XKeysymToKeycode(dpy, XK_Control_L));
+  EXPECT_EQ(map.keys[ShiftMapIndex], XKeysymToKeycode(dpy, XK_Shift_L));
+  EXPECT_NE(map.locks & Mod2Mask, 0u) << "Num Lock";
+  for (const auto& [c, modifiers] : {std::pair{U'x', 0U}, std::pair{U'X', unsigned{ShiftMask}}}) {
+    EXPECT_EQ(KeyOfCharacter(c).keycode, x);
+    EXPECT_EQ(KeyOfCharacter(c).modifiers, modifiers);
+  }
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "tests/support/x_fixture.h"
 
+#include <cstdlib>
 #include <utility>
 
 #include "display/display.h"
@@ -97,13 +98,29 @@ class FullColourMapTest : public testing::XFixture {
   int taken_ = 0;
 };
 
-TEST_F(FullColourMapTest, ColoursThatCannotBeHadAreDoneWithout) {
+TEST_F(FullColourMapTest, ColoursThatCannotBeHadAreTheNearestThatAreShared) {
   EXPECT_GT(taken_, 100);
   XColor wanted{};
   wanted.red = 0x1234;
   EXPECT_EQ(XAllocColor(dpy, cmap, &wanted), 0) << "the map is not full";
   EXPECT_EQ(white.pixel, WhitePixel(dpy, screen));
   EXPECT_EQ(black.pixel, BlackPixel(dpy, screen));
+  for (const XColor& colour : {lgrey, grey, dgrey, blue}) {
+    XColor is{};
+    is.pixel = colour.pixel;
+    XQueryColor(dpy, cmap, &is);
+    const auto near = [](unsigned short one, unsigned short other) {
+      return std::abs(one - other) < 0x3000;
+    };
+    EXPECT_TRUE(near(is.red, colour.red) && near(is.green, colour.green) &&
+                near(is.blue, colour.blue))
+        << std::hex << is.red << ", " << is.green << ", " << is.blue << " for " << colour.red
+        << ", " << colour.green << ", " << colour.blue;
+    // The owner of a cell may change it at any time; this one can be had.
+    EXPECT_NE(XAllocColor(dpy, cmap, &is), 0);
+    EXPECT_EQ(is.pixel, colour.pixel);
+  }
+  EXPECT_NE(lgrey.pixel, black.pixel);
   EXPECT_EQ(errors, 0);
 }
 
