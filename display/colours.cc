@@ -134,6 +134,12 @@ unsigned long RgbOfPixel(unsigned long pixel) {
   return rgb;
 }
 
+int BackingStoreOfScreen() {
+  // Servers keep windows by drawing them elsewhere and composing them, for which they take the
+  // nearest of the colours that the map had when they started: perhaps black for light grey.
+  return IsMapped(DefaultVisual(dpy, screen)) ? NotUseful : WhenMapped;
+}
+
 Inversion InversionOfScreen() {
   // The opposite number is that of any cell, perhaps one of the same colour. Black and white at
   // least are to become each other.

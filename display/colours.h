@@ -1,4 +1,5 @@
-// Colours on screens whose colour map can be full, and drawing that inverts what is there.
+// Colours on screens whose pixels are numbers of a colour map, which can be full, and drawing that
+// inverts what is there.
 #pragma once
 
 #include <X11/Xlib.h>
@@ -16,6 +17,10 @@ void ForgetColourMap();
 
 // The colour of a pixel of a TrueColor screen, whatever its depth, as 0xrrggbb.
 unsigned long RgbOfPixel(unsigned long pixel);
+
+// What windows ask the server to keep of them: WhenMapped, or NotUseful where that would cost them
+// their colours.
+int BackingStoreOfScreen();
 
 // How a graphics context inverts so that it is seen, and drawing once more takes it back.
 struct Inversion {

@@ -1,5 +1,6 @@
 #include "toolkit/logo.h"
 
+#include "display/colours.h"
 #include "display/display.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
@@ -16,7 +17,7 @@ XLogo* MakeLogo(Window parent, int x, int y, int width, XImage* mid, const char*
   logo->title = title;
   logo->gc = logogc;
   XSetWindowAttributes more{};
-  more.backing_store = WhenMapped;
+  more.backing_store = BackingStoreOfScreen();
   logo->window =
       MakeChildWindow(parent, x, y, logo->width, logo->height, white.pixel,
                       ExposureMask | ButtonPressMask | ButtonReleaseMask, CWBackingStore, more);

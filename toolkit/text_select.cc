@@ -1,5 +1,6 @@
 #include "toolkit/text_select.h"
 
+#include "display/colours.h"
 #include "display/display.h"
 #include "toolkit/child_window.h"
 
@@ -24,7 +25,7 @@ TextSelect* MakeTextSelect(Window parent, int x, int y, int width, int height) {
   ts->height = height;
   ts->margin = kMargin;
   XSetWindowAttributes more{};
-  more.backing_store = WhenMapped;
+  more.backing_store = BackingStoreOfScreen();
   ts->window =
       MakeChildWindow(parent, x, y, width, height, lgrey.pixel, ExposureMask, CWBackingStore, more);
   ts->gc = MakeWindowGC(ts->window, txtFont);

@@ -8,6 +8,7 @@
 #include "app/windows/icon_name.h"
 #include "app/windows/symbol_big_icon.h"
 #include "core/strings.h"
+#include "display/colours.h"
 #include "display/display.h"
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
@@ -213,7 +214,7 @@ SymbolDisplay* MakeSymbolDisplay(Window parent, int x, int y, void (*done)(void*
   sd->width = CellWidth(sd) * kColumns + 23;
   sd->height = SymbolCellHeight(sd) * kRows + 8;
   XSetWindowAttributes more{};
-  more.backing_store = WhenMapped;
+  more.backing_store = BackingStoreOfScreen();
   sd->window = MakeChildWindow(parent, x, y, sd->width, sd->height, lgrey.pixel, kEvents,
                                CWBackingStore, more);
   sd->gc = MakeWindowGC(sd->window, txtFont);

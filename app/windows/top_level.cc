@@ -6,6 +6,7 @@
 #include <cstring>
 #include <string>
 
+#include "display/colours.h"
 #include "display/display.h"
 #include "display/scale.h"
 #include "display/x_handles.h"
@@ -72,7 +73,7 @@ void SetWindowManagerProperties(Window window, const WindowIdentity& identity) {
 Window CreateTopLevel(int width, int height, long events) {
   XSetWindowAttributes attributes;
   attributes.background_pixel = lgrey.pixel;
-  attributes.backing_store = WhenMapped;
+  attributes.backing_store = BackingStoreOfScreen();
   attributes.event_mask = events;
   return ScaledCreateWindow(root, 0, 0, width, height, 1, InputOutput,
                             CWBackPixel | CWBackingStore | CWEventMask, &attributes);

@@ -2,7 +2,7 @@
 // start-up, of a gesture and of a save, and wherever the program waits. It ends at once, says why,
 // leaves every file whole and what it started running.
 //
-// GROMLIT_CUTS=all tries every request; otherwise some are tried.
+// GROMLIT_SWEEP=all tries every request; otherwise some are tried.
 #include "tests/e2e/front_end.h"
 
 #include <X11/keysym.h>
@@ -32,7 +32,7 @@ using Files = std::map<std::string, std::string>;  // names below the installati
 
 // Numbers from 1 to `last`, all of them or `some`.
 std::vector<unsigned long> Places(unsigned long last, unsigned long some) {
-  const char* wanted = std::getenv("GROMLIT_CUTS");
+  const char* wanted = std::getenv("GROMLIT_SWEEP");
   if ((wanted != nullptr && std::string(wanted) == "all") || some > last) some = last;
   std::set<unsigned long> places;
   for (unsigned long i = 1; i <= some; i++) places.insert(1 + (last - 1) * i / some);
