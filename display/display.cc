@@ -102,6 +102,12 @@ GC MakeContext(Font font) {
 }  // namespace
 
 void MakeCursors() {
+  // Without the font that they are made from, which ends a program that does not look, windows have
+  // the cursor of the window below.
+  int count = 0;
+  char** const fonts = XListFonts(dpy, "cursor", 1, &count);
+  if (fonts != nullptr) XFreeFontNames(fonts);
+  if (count == 0) return;
   xCursor = XCreateFontCursor(dpy, 34);
   ptCursor = XCreateFontCursor(dpy, 58);
   txtCursor = XCreateFontCursor(dpy, 152);

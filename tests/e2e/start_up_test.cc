@@ -357,6 +357,21 @@ TEST_F(StartUpTest, ServerWithoutTheFixedFontIsServedToo) {
   EXPECT_TRUE(DesktopActs("acted"));
 }
 
+TEST_F(StartUpTest, ServerWithoutAnyFontIsServedToo) {
+  UseServer({});
+  const std::string fonts = *install / "fonts";
+  fs::create_directory(fonts);
+  WriteText(fonts + "/fonts.dir", "0\n");
+  char* path[] = {const_cast<char*>(fonts.c_str())};
+  XSetFontPath(player->display(), path, 1);
+  XSync(player->display(), False);
+  DesktopTouches("acted");
+  LaunchInstalled();
+  EXPECT_EQ(Err(), "");
+  EXPECT_TRUE(DesktopActs("acted"));
+  EXPECT_NE(MainWindow(), 0u);
+}
+
 TEST_F(StartUpTest, SecondInstanceEndsAndTheFirstGoesOn) {
   DesktopTouches("acted");
   LaunchInstalled();
