@@ -71,7 +71,7 @@ TrailWindows MakeTrailWindows(long mask) {
   windows.window = MakeTrailWindow(windows.initwidth, windows.initheight, mask);
   windows.fullwindow = MakeTrailWindow(screenwidth, screenheight, mask);
   XGCValues values;
-  const Inversion inversion = InversionOfScreen();
+  const Inversion inversion = InversionOfScreen(dpy, screen);
   values.function = inversion.function;
   values.foreground = inversion.function == GXinvert ? black.pixel : inversion.foreground;
   values.background = white.pixel;

@@ -8,8 +8,6 @@
 #include <cstdlib>
 #include <vector>
 
-#include "display/display.h"
-
 namespace gromlit {
 namespace {
 
@@ -49,50 +47,58 @@ std::vector<Cell>& KnownCells() {
   return *cells;
 }
 
-std::vector<Cell>& CellsOfMap() {
+std::vector<Cell>& CellsOfMap(Display* display, int screen) {
   std::vector<Cell>& cells = KnownCells();
   if (!cells.empty()) return cells;
-  std::vector<XColor> colours(static_cast<size_t>(CellsOf(DefaultVisual(dpy, screen))));
+  std::vector<XColor> colours(static_cast<size_t>(CellsOf(DefaultVisual(display, screen))));
   for (size_t i = 0; i < colours.size(); i++) colours[i].pixel = i;
-  if (!colours.empty()) XQueryColors(dpy, cmap, colours.data(), static_cast<int>(colours.size()));
+  if (!colours.empty())
+    XQueryColors(display, DefaultColormap(display, screen), colours.data(),
+                 static_cast<int>(colours.size()));
   for (const XColor& colour : colours) cells.push_back({colour, Sharing::kUntried});
   return cells;
 }
 
 // A cell that another client keeps to itself may get any colour at any time; the server gives only
 // the others. Each is asked for once.
-bool IsShared(Cell* cell) {
+bool IsShared(Display* display, int screen, Cell* cell) {
   if (cell->sharing == Sharing::kUntried) {
     XColor same = cell->colour;
-    cell->sharing = XAllocColor(dpy, cmap, &same) != 0 ? Sharing::kShared : Sharing::kPrivate;
+    cell->sharing = XAllocColor(display, DefaultColormap(display, screen), &same) != 0
+                        ? Sharing::kShared
+                        : Sharing::kPrivate;
     if (cell->sharing == Sharing::kShared) cell->colour.pixel = same.pixel;
   }
   return cell->sharing == Sharing::kShared;
 }
 
-unsigned long BlackOrWhite(const XColor& wanted) {
-  return Distance(wanted, black) < Distance(wanted, white) ? BlackPixel(dpy, screen)
-                                                           : WhitePixel(dpy, screen);
+unsigned long BlackOrWhite(Display* display, int screen, const XColor& wanted) {
+  const XColor black{};
+  XColor white{};
+  white.red = white.green = white.blue = 0xffff;
+  return Distance(wanted, black) < Distance(wanted, white) ? BlackPixel(display, screen)
+                                                           : WhitePixel(display, screen);
 }
 
-unsigned long NearestCell(const XColor& wanted) {
+unsigned long NearestCell(Display* display, int screen, const XColor& wanted) {
   std::vector<Cell*> cells;
-  for (Cell& cell : CellsOfMap()) cells.push_back(&cell);
+  for (Cell& cell : CellsOfMap(display, screen)) cells.push_back(&cell);
   std::ranges::stable_sort(cells, {},
                            [&](const Cell* cell) { return Distance(wanted, cell->colour); });
-  const auto found = std::ranges::find_if(cells, IsShared);
-  return found != cells.end() ? (*found)->colour.pixel : BlackOrWhite(wanted);
+  const auto found =
+      std::ranges::find_if(cells, [&](Cell* cell) { return IsShared(display, screen, cell); });
+  return found != cells.end() ? (*found)->colour.pixel : BlackOrWhite(display, screen, wanted);
 }
 
 // Of a map with a cell for each channel: the nearest of each.
-unsigned long NearestMix(const XColor& wanted) {
-  const Visual* visual = DefaultVisual(dpy, screen);
-  const auto nearest = [](unsigned long mask, int entries, unsigned short part,
-                          unsigned short XColor::*channel) {
+unsigned long NearestMix(Display* display, int screen, const XColor& wanted) {
+  const Visual* visual = DefaultVisual(display, screen);
+  const auto nearest = [&](unsigned long mask, int entries, unsigned short part,
+                           unsigned short XColor::*channel) {
     const int most = std::min(entries, static_cast<int>(mask >> std::countr_zero(mask)) + 1);
     std::vector<XColor> cells(static_cast<size_t>(most));
     for (size_t i = 0; i < cells.size(); i++) cells[i].pixel = i << std::countr_zero(mask);
-    XQueryColors(dpy, cmap, cells.data(), most);
+    XQueryColors(display, DefaultColormap(display, screen), cells.data(), most);
     return std::ranges::min(cells, {},
                             [&](const XColor& cell) { return std::abs(cell.*channel - part); }).*
            channel;
@@ -100,31 +106,34 @@ unsigned long NearestMix(const XColor& wanted) {
   XColor mix = wanted;
   const int entries = CellsOf(visual);
   if (entries == 0 || visual->red_mask == 0 || visual->green_mask == 0 || visual->blue_mask == 0)
-    return BlackOrWhite(wanted);
+    return BlackOrWhite(display, screen, wanted);
   mix.red = nearest(visual->red_mask, entries, wanted.red, &XColor::red);
   mix.green = nearest(visual->green_mask, entries, wanted.green, &XColor::green);
   mix.blue = nearest(visual->blue_mask, entries, wanted.blue, &XColor::blue);
-  return XAllocColor(dpy, cmap, &mix) != 0 ? mix.pixel : BlackOrWhite(wanted);
+  return XAllocColor(display, DefaultColormap(display, screen), &mix) != 0
+             ? mix.pixel
+             : BlackOrWhite(display, screen, wanted);
 }
 
 }  // namespace
 
-void AllocateColour(XColor* colour) {
+void AllocateColour(Display* display, int screen, XColor* colour) {
   XColor given = *colour;
-  if (XAllocColor(dpy, cmap, &given) != 0) {
+  if (XAllocColor(display, DefaultColormap(display, screen), &given) != 0) {
     *colour = given;
     return;
   }
-  colour->pixel = DefaultVisual(dpy, screen)->c_class == DirectColor ? NearestMix(*colour)
-                                                                     : NearestCell(*colour);
+  colour->pixel = DefaultVisual(display, screen)->c_class == DirectColor
+                      ? NearestMix(display, screen, *colour)
+                      : NearestCell(display, screen, *colour);
 }
 
 void ForgetColourMap() {
   KnownCells().clear();
 }
 
-unsigned long RgbOfPixel(unsigned long pixel) {
-  const Visual* visual = DefaultVisual(dpy, screen);
+unsigned long RgbOfPixel(Display* display, int screen, unsigned long pixel) {
+  const Visual* visual = DefaultVisual(display, screen);
   unsigned long rgb = 0;
   for (const unsigned long mask : {visual->red_mask, visual->green_mask, visual->blue_mask}) {
     const int shift = std::countr_zero(mask);
@@ -134,17 +143,17 @@ unsigned long RgbOfPixel(unsigned long pixel) {
   return rgb;
 }
 
-int BackingStoreOfScreen() {
+int BackingStoreOfScreen(Display* display, int screen) {
   // Servers keep windows by drawing them elsewhere and composing them, for which they take the
   // nearest of the colours that the map had when they started: perhaps black for light grey.
-  return IsMapped(DefaultVisual(dpy, screen)) ? NotUseful : WhenMapped;
+  return IsMapped(DefaultVisual(display, screen)) ? NotUseful : WhenMapped;
 }
 
-Inversion InversionOfScreen() {
+Inversion InversionOfScreen(Display* display, int screen) {
   // The opposite number is that of any cell, perhaps one of the same colour. Black and white at
   // least are to become each other.
-  if (IsMapped(DefaultVisual(dpy, screen)))
-    return {GXxor, BlackPixel(dpy, screen) ^ WhitePixel(dpy, screen)};
+  if (IsMapped(DefaultVisual(display, screen)))
+    return {GXxor, BlackPixel(display, screen) ^ WhitePixel(display, screen)};
   return {GXinvert, 0};
 }
 

@@ -68,14 +68,14 @@ void FollowScreenSize(void*, XEvent* event) {
 
 void MakeColours() {
   ForgetColourMap();
-  AllocateColour(&white);
-  AllocateColour(&black);
+  AllocateColour(dpy, screen, &white);
+  AllocateColour(dpy, screen, &black);
   white.pixel = WhitePixel(dpy, screen);
   black.pixel = BlackPixel(dpy, screen);
-  AllocateColour(&lgrey);
-  AllocateColour(&dgrey);
-  AllocateColour(&grey);
-  AllocateColour(&blue);
+  AllocateColour(dpy, screen, &lgrey);
+  AllocateColour(dpy, screen, &dgrey);
+  AllocateColour(dpy, screen, &grey);
+  AllocateColour(dpy, screen, &blue);
 }
 
 void MakeHandCursor() {

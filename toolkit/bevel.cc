@@ -51,7 +51,7 @@ void DrawOutline(Window win, GC gc, unsigned long pixel, int x, int y, int w, in
 }
 
 Inverting::Inverting(GC gc) : gc_(gc) {
-  const Inversion inversion = InversionOfScreen();
+  const Inversion inversion = InversionOfScreen(dpy, screen);
   XSetFunction(dpy, gc_, inversion.function);
   if (inversion.function == GXinvert) return;
   XGCValues values;

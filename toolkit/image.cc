@@ -75,7 +75,7 @@ unsigned long PixelOfColour(unsigned r, unsigned g, unsigned b) {
   colour.green = static_cast<unsigned short>(g | g << 8);
   colour.blue = static_cast<unsigned short>(b | b << 8);
   colour.flags = DoRed | DoGreen | DoBlue;
-  AllocateColour(&colour);
+  AllocateColour(dpy, screen, &colour);
   return colour.pixel;
 }
 

@@ -17,7 +17,7 @@ XLogo* MakeLogo(Window parent, int x, int y, int width, XImage* mid, const char*
   logo->title = title;
   logo->gc = logogc;
   XSetWindowAttributes more{};
-  more.backing_store = BackingStoreOfScreen();
+  more.backing_store = BackingStoreOfScreen(dpy, screen);
   logo->window =
       MakeChildWindow(parent, x, y, logo->width, logo->height, white.pixel,
                       ExposureMask | ButtonPressMask | ButtonReleaseMask, CWBackingStore, more);

@@ -25,7 +25,7 @@ TextSelect* MakeTextSelect(Window parent, int x, int y, int width, int height) {
   ts->height = height;
   ts->margin = kMargin;
   XSetWindowAttributes more{};
-  more.backing_store = BackingStoreOfScreen();
+  more.backing_store = BackingStoreOfScreen(dpy, screen);
   ts->window =
       MakeChildWindow(parent, x, y, width, height, lgrey.pixel, ExposureMask, CWBackingStore, more);
   ts->gc = MakeWindowGC(ts->window, txtFont);

@@ -38,7 +38,7 @@ std::vector<long> IconData() {
     for (int x = 0; x < kIcon; x++) {
       const unsigned long pixel =
           XGetPixel(logoImage, x * logoImage->height / kIcon, y * logoImage->height / kIcon);
-      data.push_back(static_cast<long>(kOpaque | RgbOfPixel(pixel)));
+      data.push_back(static_cast<long>(kOpaque | RgbOfPixel(dpy, screen, pixel)));
     }
   }
   return data;

@@ -214,7 +214,7 @@ SymbolDisplay* MakeSymbolDisplay(Window parent, int x, int y, void (*done)(void*
   sd->width = CellWidth(sd) * kColumns + 23;
   sd->height = SymbolCellHeight(sd) * kRows + 8;
   XSetWindowAttributes more{};
-  more.backing_store = BackingStoreOfScreen();
+  more.backing_store = BackingStoreOfScreen(dpy, screen);
   sd->window = MakeChildWindow(parent, x, y, sd->width, sd->height, lgrey.pixel, kEvents,
                                CWBackingStore, more);
   sd->gc = MakeWindowGC(sd->window, txtFont);

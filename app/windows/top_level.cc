@@ -73,7 +73,7 @@ void SetWindowManagerProperties(Window window, const WindowIdentity& identity) {
 Window CreateTopLevel(int width, int height, long events) {
   XSetWindowAttributes attributes;
   attributes.background_pixel = lgrey.pixel;
-  attributes.backing_store = BackingStoreOfScreen();
+  attributes.backing_store = BackingStoreOfScreen(dpy, screen);
   attributes.event_mask = events;
   return ScaledCreateWindow(root, 0, 0, width, height, 1, InputOutput,
                             CWBackPixel | CWBackingStore | CWEventMask, &attributes);
