@@ -178,6 +178,8 @@ int Main(int argc, char** argv) {
 }  // namespace
 }  // namespace gromlit
 
+// What else is thrown is a mistake of the program, and ends it where it is.
+// NOLINTNEXTLINE(bugprone-exception-escape)
 int main(int argc, char** argv) {
   // A limit on the size of files is then the error of one write, which takes its temporary away.
   std::signal(SIGXFSZ, SIG_IGN);
