@@ -5,9 +5,13 @@
 #include <xcb/xcb.h>
 
 #include <array>
+#include <cstdint>
+#include <cstdlib>
 #include <iterator>
+#include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -122,6 +126,8 @@ void MakeHandCursor() {
 
 namespace {
 
+bool cursorsMade = false;
+
 // Windows that wait for their cursors.
 std::vector<std::pair<Window, const Cursor*>>& CursorUsers() {
   static auto* const users = new std::vector<std::pair<Window, const Cursor*>>;
@@ -140,27 +146,51 @@ GC MakeContext(Font font) {
 }  // namespace
 
 void UseCursor(Window window, const Cursor* cursor) {
-  if (*cursor != None) {
+  if (cursorsMade) {
     XDefineCursor(dpy, window, *cursor);
   } else {
     CursorUsers().emplace_back(window, cursor);
   }
 }
 
+namespace {
+
+std::optional<xcb_list_fonts_cookie_t> cursorFont;
+
+// Whether the server has the font that cursors are made from.
+bool HasCursorFont() {
+  if (!cursorFont) AskForCursorFont();
+  xcb_generic_error_t* error = nullptr;
+  xcb_list_fonts_reply_t* const found =
+      xcb_list_fonts_reply(XGetXCBConnection(dpy), *cursorFont, &error);
+  cursorFont.reset();
+  const bool has = found != nullptr && found->names_len > 0;
+  std::free(found);
+  std::free(error);
+  return has;
+}
+
+}  // namespace
+
+void AskForCursorFont() {
+  constexpr std::string_view kName = "cursor";
+  cursorFont =
+      xcb_list_fonts(XGetXCBConnection(dpy), 1, static_cast<uint16_t>(kName.size()), kName.data());
+}
+
 void MakeCursors() {
-  // Without the font that they are made from, which ends a program that does not look, windows have
-  // the cursor of the window below.
-  int count = 0;
-  char** const fonts = XListFonts(dpy, "cursor", 1, &count);
-  if (fonts != nullptr) XFreeFontNames(fonts);
-  if (count == 0) return;
+  const std::vector<std::pair<Window, const Cursor*>> users = std::move(CursorUsers());
+  CursorUsers().clear();
+  cursorsMade = true;
+  // Making them without their font would be an error that ends the program; windows have the cursor
+  // of the window below them then.
+  if (!HasCursorFont()) return;
   xCursor = XCreateFontCursor(dpy, 34);
   ptCursor = XCreateFontCursor(dpy, 58);
   txtCursor = XCreateFontCursor(dpy, 152);
   targetCursor = XCreateFontCursor(dpy, 58);
   gromlitCursor = XCreateFontCursor(dpy, 60);
-  for (const auto& [window, cursor] : CursorUsers()) XDefineCursor(dpy, window, *cursor);
-  CursorUsers().clear();
+  for (const auto& [window, cursor] : users) XDefineCursor(dpy, window, *cursor);
 }
 
 void MakeContexts() {

@@ -80,6 +80,9 @@ void MakeContexts();
 // started.
 void MakeCursors();
 
+// Asks whether the server has the font for them, without waiting: MakeCursors takes the answer in.
+void AskForCursorFont();
+
 // Gives a window one of these, once it is made.
 void UseCursor(Window window, const Cursor* cursor);
 

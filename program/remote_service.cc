@@ -117,11 +117,11 @@ void AskForServerTime(Window window) {
   XSelectInput(dpy, window, PropertyChangeMask);
   XChangeProperty(dpy, window, XA_WM_NAME, XA_STRING, 8, PropModeAppend, nullptr, 0);
 }
+// REQUIRES: the server has answered something that was asked after AskForServerTime. The news has
+// come by then, or never will: another client may have destroyed the window, and waiting for it
+// without end would keep the draw button grabbed.
 Time ServerTime(Window window) {
   XEvent event;
-  // Not waited for without end, with the draw button grabbed: where another client has destroyed
-  // the window, no news will come.
-  XSync(dpy, False);
   const bool told = XCheckWindowEvent(dpy, window, PropertyChangeMask, &event) != 0;
   XSelectInput(dpy, window, NoEventMask);
   return told ? event.xproperty.time : CurrentTime;

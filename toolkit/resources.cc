@@ -12,6 +12,7 @@ void MakeResources() {
   // The questions first, which the wait for the atoms answers together.
   AskForColours();
   AskForFonts();
+  AskForCursorFont();
   AskForShapes();
   MakeAtoms();
   AskForShapesVersion();
