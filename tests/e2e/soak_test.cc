@@ -79,7 +79,13 @@ class SoakTest : public testing::RandomUser {
     if (gromlit->Running()) Remote("status", &answer);
     std::printf("kept: %s.png, %s/; it says that it is %s\n", to.c_str(), to.c_str(),
                 answer.c_str());
-    if (gromlit->Running()) std::printf("%s\n", WhereItStands().c_str());
+    if (!gromlit->Running()) return;
+    std::printf("%s\n", WhereItStands().c_str());
+    if (player->CanGrabPointer()) return;
+    manager.reset();
+    std::printf(
+        "without the window manager the pointer %s\n",
+        testing::WaitFor([&] { return player->CanGrabPointer(); }) ? "is free" : "stays grabbed");
   }
 
   // --- The desktop ---
