@@ -9,7 +9,9 @@
 #include <bitset>
 #include <cstdio>
 #include <deque>
+#include <memory>
 #include <span>
+#include <string_view>
 #include <vector>
 
 #include <poll.h>
@@ -28,6 +30,7 @@ namespace gromlit {
 namespace {
 
 using Keys = std::bitset<kKeyCodes>;
+using Devices = std::bitset<256>;  // numbers that the server gives to devices
 
 // After so many strokes the server is waited for, so that a long text neither fills the way to it
 // nor runs over what the user does meanwhile.
@@ -36,8 +39,19 @@ constexpr int kStrokesAhead = 16;
 // How often a user who presses and releases without a pause is followed.
 constexpr int kMaxRounds = 100;
 
+// So many of its own keys the program waits to hear of.
+constexpr size_t kMostExpected = 10'000;
+
+constexpr std::string_view kTestKeyboard = "XTEST keyboard";  // the end of its name
+
 // The events of the devices, which tell what the user does to keys that the program presses and
 // releases, too.
+//
+// While another client has frozen the keyboard (a window manager does, with the very key that the
+// program presses, until it has decided whose it is) nothing is told, and the server's keys are as
+// they were when it froze: the program's modifiers may seem held though their releases have been
+// sent. All that follows when it thaws, with the numbers of later requests. So the program's own
+// events are known by their device and order, and are expected until they have come.
 class UsersKeys {
  public:
   // Asks what the server can, the first time.
@@ -50,7 +64,14 @@ class UsersKeys {
   // Whether the server tells at all.
   bool Known() const { return opcode_ != 0; }
   // Is told of every key that the program has pressed or released with its last request.
-  void Own(int keycode, bool press) { own_.push_back({NextRequest(dpy) - 1, keycode, press}); }
+  void Own(int keycode, bool press);
+  // Keys that the program had released before the last Poll, and the server then not yet: the
+  // keyboard is, or was, frozen.
+  Keys Late() const;
+  // Expects nothing any more if the last Poll has told of a key of the program's.
+  void ForgetIfTold() {
+    if (told_) own_.clear();
+  }
   // Waits for the server, then reports what the user did, in order.
   template <typename Report>
   void Poll(Report report);
@@ -60,16 +81,20 @@ class UsersKeys {
     unsigned long serial;  // of the request that made it, or the last one before it
     int keycode;
     bool press;
-    bool operator==(const Change&) const = default;
+    int device = 0;  // that the key is on
   };
   bool Take(XEvent* event, Change* change) const;
   bool IsOwn(const Change& change);
+  void FindTesters();
   void Select(bool on) const;
 
   Display* asked_ = nullptr;
   int opcode_ = 0;
-  unsigned long since_ = 0;  // serial number of a request
-  std::deque<Change> own_;   // since the last Poll
+  unsigned long since_ = 0;   // serial number of a request
+  unsigned long polled_ = 0;  // the same: what was made before it should have been seen
+  Devices testers_;           // keyboards that XTEST moves
+  std::deque<Change> own_;    // that have not been seen
+  bool told_ = false;         // of an own one, by the last Poll
 };
 
 void UsersKeys::Prepare() {
@@ -83,7 +108,31 @@ void UsersKeys::Prepare() {
     opcode_ = 0;
     return;
   }
-  Select(false);
+  own_.clear();
+  FindTesters();
+  if (testers_.none()) opcode_ = 0;
+  if (opcode_ != 0) Select(false);
+}
+
+void UsersKeys::FindTesters() {
+  testers_.reset();
+  int count = 0;
+  const std::unique_ptr<XIDeviceInfo, decltype(&XIFreeDeviceInfo)> devices(
+      XIQueryDevice(dpy, XIAllDevices, &count), XIFreeDeviceInfo);
+  if (devices == nullptr) return;
+  for (const XIDeviceInfo& device : std::span(devices.get(), static_cast<size_t>(count))) {
+    const auto number = static_cast<size_t>(device.deviceid);
+    if (number < testers_.size() && device.use == XISlaveKeyboard &&
+        std::string_view(device.name).ends_with(kTestKeyboard)) {
+      testers_.set(number);
+    }
+  }
+}
+
+void UsersKeys::Own(int keycode, bool press) {
+  if (!Known()) return;
+  own_.push_back({NextRequest(dpy) - 1, keycode, press});
+  if (own_.size() > kMostExpected) own_.pop_front();
 }
 
 void UsersKeys::Listen() {
@@ -112,32 +161,50 @@ bool UsersKeys::Take(XEvent* event, Change* change) const {
   if (cookie->extension != opcode_ || cookie->serial < since_) return false;
   if (!XGetEventData(dpy, cookie)) return false;
   const bool press = cookie->evtype == XI_RawKeyPress;
-  *change = {cookie->serial, static_cast<const XIRawEvent*>(cookie->data)->detail, press};
+  const auto* const raw = static_cast<const XIRawEvent*>(cookie->data);
+  *change = {cookie->serial, raw->detail, press, raw->sourceid};
   const bool ofkey = (press || cookie->evtype == XI_RawKeyRelease) && change->keycode < kKeyCodes;
   XFreeEventData(dpy, cookie);
   return ofkey;
 }
 
-// An event carries the number of the last request that the server had begun. So of those that carry
-// the number of the program's own key, the first is that key, and the others came behind it.
+// The server keeps their order, and tells of none before it has begun the request. Those before it
+// that have not come had no effect, such as the press of a key that was down: releases all have.
 bool UsersKeys::IsOwn(const Change& change) {
-  while (!own_.empty() && own_.front().serial < change.serial) own_.pop_front();
-  if (own_.empty() || own_.front() != change) return false;
-  own_.pop_front();
+  const auto device = static_cast<size_t>(change.device);
+  if (device >= testers_.size() || !testers_[device]) return false;
+  const auto own = std::ranges::find_if(own_, [&](const Change& made) {
+    return made.keycode == change.keycode && made.press == change.press;
+  });
+  if (own == own_.end() || own->serial > change.serial) return false;
+  own_.erase(own_.begin(), own + 1);
   return true;
+}
+
+Keys UsersKeys::Late() const {
+  Keys late;
+  for (const Change& own : own_) {
+    if (!own.press && own.serial < polled_) late.set(static_cast<size_t>(own.keycode));
+  }
+  return late;
 }
 
 template <typename Report>
 void UsersKeys::Poll(Report report) {
+  told_ = false;
+  polled_ = NextRequest(dpy);
   XSync(dpy, False);
   std::vector<Change> users;
   XEvent event;
   while (opcode_ != 0 && XCheckTypedEvent(dpy, GenericEvent, &event)) {
     Change change;
-    if (Take(&event, &change) && !IsOwn(change)) users.push_back(change);
+    if (!Take(&event, &change)) continue;
+    if (IsOwn(change)) {
+      told_ = true;
+    } else {
+      users.push_back(change);
+    }
   }
-  // One that is left had no effect, such as the press of a key that was down.
-  own_.clear();
   for (const Change& change : users) report(change.keycode, change.press);
 }
 
@@ -194,7 +261,16 @@ void Hands::Begin() {
   touched_ = 0;
   held_.reset();
   letgo_.reset();
+  const Keys late = users_.Late();
   users_.Listen();
+  if (late.any()) {
+    // If it has thawed since, what was late has come unheard.
+    for (size_t code = 0; code < kKeyCodes; code++) {
+      if (late[code]) Fake(static_cast<int>(code), false);
+    }
+    users_.Poll([](int, bool) {});
+    users_.ForgetIfTold();
+  }
   const KeyboardState state = ReadKeyboardState();
   map_ = state.map;
   found_ = locks_ = state.locked & map_.locks;
@@ -211,6 +287,8 @@ void Hands::Begin() {
   restored_.reset();
   // A key whose press locks would lock again.
   held_ &= map_.holding;
+  // Whether these are the user's cannot be told; what is pressed for nobody would stay down.
+  held_ &= ~late;
   letgo_ &= map_.holding;
   group_ = state.lockedgroup;
   if (group_ != 0) XkbLockGroup(dpy, XkbUseCoreKbd, 0);
@@ -273,7 +351,7 @@ void Hands::End() {
     XkbLockGroup(dpy, XkbUseCoreKbd, static_cast<unsigned>(group_));
   }
   // Who does not know whether the user still holds a key leaves it up: a hand presses it again.
-  if (!users_.Known()) held_.reset();
+  if (!users_.Known() || users_.Late().any()) held_.reset();
   GiveBackHeld();
   users_.StopListening();
   busy_ = false;
@@ -283,7 +361,9 @@ void Hands::End() {
 // comes to the server would be undone by it, so this is looked at until nothing has happened.
 void Hands::GiveBackHeld() {
   for (size_t code = 0; code < kKeyCodes; code++) {
-    if (held_[code]) Fake(static_cast<int>(code), true);
+    if (!held_[code]) continue;
+    Fake(static_cast<int>(code), false);  // always told of: shows whether the keyboard is frozen
+    Fake(static_cast<int>(code), true);
   }
   restored_ = held_;
   for (int round = 0; round < kMaxRounds && letgo_.any(); round++) {
@@ -294,6 +374,14 @@ void Hands::GiveBackHeld() {
       changed.set(code, letgo_[code]);
       down.set(code, press);
     });
+    if (users_.Late().any()) {
+      // What the user does now will be told too late.
+      for (size_t code = 0; code < kKeyCodes; code++) {
+        if (letgo_[code]) Fake(static_cast<int>(code), false);
+      }
+      restored_.reset();
+      break;
+    }
     if (changed.none()) break;
     for (size_t code = 0; code < kKeyCodes; code++) {
       if (changed[code]) Fake(static_cast<int>(code), down[code]);

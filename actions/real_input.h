@@ -4,7 +4,8 @@
 // the user holds down and has locked. So while an action types:
 //   - modifiers that the user holds are let go, and pressed again after it where the user still
 //     holds them. Who still does is known from the events of the devices themselves, which are
-//     listened to for as long as the action runs.
+//     listened to for as long as the action runs. While another client has frozen the keyboard
+//     nobody knows; then they stay up.
 //   - Caps and Num Lock are out of force for the keys that obey them, and the first layout of the
 //     keyboard is in force. What was locked comes back after it.
 //

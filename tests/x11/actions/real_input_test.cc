@@ -12,6 +12,7 @@
 #include <atomic>
 #include <clocale>
 #include <cstdlib>
+#include <functional>
 #include <random>
 #include <string>
 #include <thread>
@@ -28,6 +29,7 @@
 #include "core/option_files.h"
 #include "display/lock_modifiers.h"
 #include "tests/support/captured.h"
+#include "tests/support/round_trips.h"
 #include "tests/x11/actions/key_probe.h"
 
 namespace gromlit {
@@ -514,6 +516,106 @@ TEST_F(RealInput, KeyboardIsReadAgainWhenItChanges) {
   Type("y@\u20ac\u65e5");
   EXPECT_EQ(LentKey(0x20ac), 0) << "it is on a key now";
   EXPECT_EQ(reader->Take(), "y@\u20ac\u65e5y@\u20ac\u65e5");
+}
+
+// Another client that watches for a key and, when it comes, freezes the keyboard until it has made
+// up its mind, as window managers do with their hot keys. The program's stroke is then frozen in
+// the middle: the server has taken its modifiers, but not their releases.
+class Freezer {
+ public:
+  Freezer(Display* display, int keycode) : display_(display) {
+    XGrabKey(display_, keycode, AnyModifier, DefaultRootWindow(display_), False, GrabModeAsync,
+             GrabModeSync);
+    XSync(display_, False);
+  }
+  void Thaw() {
+    XUngrabKey(display_, AnyKey, AnyModifier, DefaultRootWindow(display_));
+    XUngrabKeyboard(display_, CurrentTime);
+    XSync(display_, False);
+  }
+
+ private:
+  Display* display_;
+};
+
+// For every moment at which the program waits for the server: the keyboard thaws then.
+void AtEveryWait(const std::function<void()>& op, Display* display, int keycode,
+                 const std::function<void(unsigned long)>& after) {
+  for (unsigned long at = 1, waits = at; at <= waits + 1; at++) {
+    Freezer freezer(display, keycode);
+    waits = testing::CountTrips([&] { op(); },
+                                [&](unsigned long wait) {
+                                  if (wait == at) freezer.Thaw();
+                                })
+                .waits;
+    freezer.Thaw();
+    after(at);
+  }
+}
+
+TEST_F(RealInput, FrozenKeyboardLeavesNothingDown) {
+  const auto strokes = [] {
+    for (int i = 0; i < 3; i++) {
+      MakeStroke({}, kKeyC, ControlMask | ShiftMask);
+      FinishInput();
+    }
+  };
+  AtEveryWait(strokes, player->display(), kKeyC, [&](unsigned long at) {
+    EXPECT_EQ(KeysDown(), std::vector<int>{}) << "thawed at wait " << at;
+    HotKey(kKeyA, ShiftMask);
+    EXPECT_EQ(KeysDown(), std::vector<int>{}) << "thawed at wait " << at;
+  });
+}
+
+TEST_F(RealInput, FrozenKeyboardLeavesNothingDownOfALongText) {
+  std::string text = "C";
+  for (int i = 0; i < 20; i++) text += "aB";
+  AtEveryWait(
+      [&] {
+        MakeText({}, text, false);
+        FinishInput();
+      },
+      player->display(), kKeyC,
+      [&](unsigned long at) {
+        EXPECT_EQ(KeysDown(), std::vector<int>{}) << "thawed at wait " << at;
+      });
+}
+
+// The user holds keys when it freezes, and lets one go before it thaws.
+TEST_F(RealInput, KeysLetGoWhileTheKeyboardIsFrozenStayUp) {
+  Board board(player->display());
+  const auto strokes = [&] {
+    board.Key(XK_Control_L, true);
+    board.Key(XK_Shift_L, true);
+    MakeStroke({}, kKeyC, ControlMask | ShiftMask);
+    XSync(dpy, False);
+    board.Key(XK_Control_L, false);
+    FinishInput();
+    MakeStroke({}, kKeyA, 0);
+    board.Key(XK_Shift_L, false);
+    FinishInput();
+  };
+  AtEveryWait(strokes, player->display(), kKeyC, [&](unsigned long at) {
+    EXPECT_EQ(KeysDown(), std::vector<int>{}) << "thawed at wait " << at;
+  });
+}
+
+// After a keyboard that was frozen for a while, the keys that the user holds are given back again.
+TEST_F(RealInput, HeldModifiersComeBackWhenTheKeyboardHasThawed) {
+  Board board(player->display());
+  {
+    Freezer freezer(player->display(), kKeyC);
+    HotKey(kKeyC, ControlMask | ShiftMask);
+    freezer.Thaw();
+  }
+  HotKey(kKeyC, ControlMask | ShiftMask);  // the same keys as those that came unheard
+  board.Key(XK_Control_L, true);
+  board.Key(XK_Shift_L, true);
+  const auto held = KeysDown();
+  HotKey(kKeyA, 0);
+  EXPECT_EQ(KeysDown(), held);
+  board.Key(XK_Control_L, false);
+  board.Key(XK_Shift_L, false);
 }
 
 // Modifiers go down and up around the actions and during them, by another connection.
