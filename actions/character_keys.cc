@@ -92,8 +92,8 @@ void ReadCoreKeys(Keyboard* keyboard, bool shift) {
     for (int code = first; code <= last; code++) {
       const char32_t c = CharacterOf(SymbolOfKey(code, level));
       if (c == kNone) continue;
-      keyboard->keys.try_emplace(c, static_cast<KeyCode>(code),
-                                 level == 1 ? unsigned{ShiftMask} : 0U);
+      const unsigned modifiers = level == 1 ? ShiftMask : 0;
+      keyboard->keys.try_emplace(c, CharacterKey{static_cast<KeyCode>(code), modifiers});
     }
   }
 }

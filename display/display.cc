@@ -92,11 +92,11 @@ Pixmap HandBitmap(std::span<const unsigned char> bits) {
   const Pixmap bitmap = xcb_generate_id(connection);
   xcb_create_pixmap(connection, 1, static_cast<xcb_pixmap_t>(bitmap),
                     static_cast<xcb_drawable_t>(root), handcursor_width, handcursor_height);
-  constexpr int kRow = (handcursor_width + 7) / 8;  // bytes
+  constexpr size_t kRow = (handcursor_width + 7) / 8;  // bytes
   std::vector<XPoint> points;
   for (int y = 0; y < handcursor_height; y++) {
     for (int x = 0; x < handcursor_width; x++) {
-      const unsigned byte = bits[static_cast<size_t>(y * kRow + x / 8)];
+      const unsigned byte = bits[static_cast<size_t>(y) * kRow + static_cast<size_t>(x) / 8];
       if ((byte >> (x % 8) & 1U) == 0) continue;
       points.push_back({static_cast<short>(x), static_cast<short>(y)});
     }

@@ -291,7 +291,7 @@ struct XProxy::Wires {
     stream->in.erase(0, at);
   }
   static void Count(Link* link, std::string* bytes) {
-    const int kind = (*bytes)[0];
+    const int kind = static_cast<unsigned char>((*bytes)[0]);
     if (kind == kReply) {
       link->counts.replies++;
       link->answered = true;
