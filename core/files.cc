@@ -104,7 +104,7 @@ void SyncParentOf(const std::string& path) {
 // be replaced.
 bool FollowLinks(std::string* path) {
   for (int i = 0; i < kMaxLinks; i++) {
-    char target[PATH_MAX];
+    char target[PATH_MAX] = {};
     const ssize_t n = Uninterrupted([&] { return readlink(path->c_str(), target, sizeof target); });
     if (n < 0) return errno == EINVAL || errno == ENOENT;  // no link, or nothing there
     // A relative target starts from the directory of its link.
