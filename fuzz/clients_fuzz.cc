@@ -6,7 +6,6 @@
 // to its buffer, finds, makes and names plug-ins without leaving their directory. What window
 // managers and the desktop tell is read whatever its type, format and length.
 #include <X11/Xatom.h>
-#include <fuzzer/FuzzedDataProvider.h>
 
 #include <array>
 #include <cstddef>
@@ -32,6 +31,7 @@
 #include "fuzz/records.h"
 #include "fuzz/require.h"
 #include "fuzz/scratch.h"
+#include "fuzz/target.h"
 #include "tests/x11/display/literal_target.h"
 #include "toolkit/text.h"
 #include "tools/markup.h"
@@ -203,6 +203,8 @@ void AskTheManager(FuzzedDataProvider* data, const std::vector<Window>& windows)
   currentStroke = {};
 }
 
+}  // namespace
+
 void Run(FuzzedDataProvider* data) {
   Server().pointerx = data->ConsumeIntegralInRange(0, 600);
   Server().pointery = data->ConsumeIntegralInRange(0, 600);
@@ -222,12 +224,4 @@ void Run(FuzzedDataProvider* data) {
   CheckVanishing(data, windows, tops[data->ConsumeIntegralInRange<size_t>(0, tops.size() - 1)]);
 }
 
-}  // namespace
 }  // namespace gromlit::fuzz
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
-  gromlit::fuzz::ResetServer();
-  FuzzedDataProvider data(bytes, size);
-  gromlit::fuzz::Run(&data);
-  return 0;
-}

@@ -4,8 +4,6 @@
 //
 // A class text, which a window chose, never becomes more than one word of a command line and no
 // option of a program.
-#include <fuzzer/FuzzedDataProvider.h>
-
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
@@ -30,6 +28,7 @@
 #include "fuzz/records.h"
 #include "fuzz/require.h"
 #include "fuzz/scratch.h"
+#include "fuzz/target.h"
 
 namespace gromlit::fuzz {
 namespace {
@@ -138,6 +137,8 @@ void RunAction(FuzzedDataProvider* data, GromlitPlugin* plugin) {
   currentStroke = {};
 }
 
+}  // namespace
+
 void Run(FuzzedDataProvider* data) {
   const std::string& home = FreshInstallation();
   // Every input begins with the same keyboard: what was lent is taken back at the end of each.
@@ -159,12 +160,4 @@ void Run(FuzzedDataProvider* data) {
   user = nullptr;
 }
 
-}  // namespace
 }  // namespace gromlit::fuzz
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
-  gromlit::fuzz::ResetServer();
-  FuzzedDataProvider data(bytes, size);
-  gromlit::fuzz::Run(&data);
-  return 0;
-}

@@ -1,8 +1,6 @@
 // Documents of strangers, as people exchange them: a text that is taken at all gives records within
 // their limits, and written, read and written again it is the same. What packs also imports, into a
 // directory that is sound afterwards, and a refused document changes nothing.
-#include <fuzzer/FuzzedDataProvider.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -11,6 +9,7 @@
 #include "fuzz/records.h"
 #include "fuzz/require.h"
 #include "fuzz/scratch.h"
+#include "fuzz/target.h"
 #include "tools/check.h"
 #include "tools/collection.h"
 #include "tools/file_calls.h"
@@ -55,6 +54,8 @@ bool CheckCollection(const std::string& text) {
   return true;
 }
 
+}  // namespace
+
 void Run(FuzzedDataProvider* data) {
   const std::string& home = FreshInstallation();
   const auto existing =
@@ -96,12 +97,4 @@ void Run(FuzzedDataProvider* data) {
   CheckOutside();
 }
 
-}  // namespace
 }  // namespace gromlit::fuzz
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
-  gromlit::fuzz::ResetServer();
-  FuzzedDataProvider data(bytes, size);
-  gromlit::fuzz::Run(&data);
-  return 0;
-}

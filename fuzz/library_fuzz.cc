@@ -3,7 +3,6 @@
 //
 // Whatever lies there: records are within their limits, a save touches the file of its name alone,
 // leaves no temporary and reads back the same, and nothing beside the directory changes.
-#include <fuzzer/FuzzedDataProvider.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -25,6 +24,7 @@
 #include "fuzz/records.h"
 #include "fuzz/require.h"
 #include "fuzz/scratch.h"
+#include "fuzz/target.h"
 #include "recognition/shape_match.h"
 #include "recognition/signature_match.h"
 
@@ -146,6 +146,8 @@ void CheckOptions(FuzzedDataProvider* data, const std::string& home) {
   user = nullptr;
 }
 
+}  // namespace
+
 void Run(FuzzedDataProvider* data) {
   const std::string& home = FreshInstallation();
   FillDirectory(data, home);
@@ -180,12 +182,4 @@ void Run(FuzzedDataProvider* data) {
   CheckOutside();
 }
 
-}  // namespace
 }  // namespace gromlit::fuzz
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
-  gromlit::fuzz::ResetServer();
-  FuzzedDataProvider data(bytes, size);
-  gromlit::fuzz::Run(&data);
-  return 0;
-}

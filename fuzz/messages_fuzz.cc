@@ -5,7 +5,6 @@
 // Whoever asks is answered once; a text that is taken is one line of UTF-8 of at most the size that
 // is read; what is told to a caller is a state; the tray's icon is drawn within its window.
 #include <X11/Xatom.h>
-#include <fuzzer/FuzzedDataProvider.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -23,6 +22,7 @@
 #include "fuzz/fake_server.h"
 #include "fuzz/records.h"
 #include "fuzz/require.h"
+#include "fuzz/target.h"
 #include "program/remote_words.h"
 #include "toolkit/image.h"
 #include "toolkit/selection.h"
@@ -242,6 +242,8 @@ void Begin() {
   taken.clear();
 }
 
+}  // namespace
+
 void Run(FuzzedDataProvider* data) {
   Begin();
   static GromlitUserOptions options{};
@@ -284,12 +286,4 @@ void Run(FuzzedDataProvider* data) {
   }
 }
 
-}  // namespace
 }  // namespace gromlit::fuzz
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
-  gromlit::fuzz::ResetServer();
-  FuzzedDataProvider data(bytes, size);
-  gromlit::fuzz::Run(&data);
-  return 0;
-}

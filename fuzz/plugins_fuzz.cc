@@ -4,7 +4,6 @@
 // Whatever the directory holds: all records are within their limits; a save touches its own class's
 // file and nothing of another class's, leaves no temporary, and what it wrote reads back the same;
 // a damaged file is set aside before it is overwritten; nothing beside the directory changes.
-#include <fuzzer/FuzzedDataProvider.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -24,6 +23,7 @@
 #include "fuzz/records.h"
 #include "fuzz/require.h"
 #include "fuzz/scratch.h"
+#include "fuzz/target.h"
 
 namespace gromlit::fuzz {
 namespace {
@@ -208,6 +208,8 @@ void Step(FuzzedDataProvider* data, const std::string& home, const Stroke& strok
   }
 }
 
+}  // namespace
+
 void Run(FuzzedDataProvider* data) {
   const std::string& home = FreshInstallation();
   GromlitUserOptions options{};
@@ -232,12 +234,4 @@ void Run(FuzzedDataProvider* data) {
   CheckOutside();
 }
 
-}  // namespace
 }  // namespace gromlit::fuzz
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
-  gromlit::fuzz::ResetServer();
-  FuzzedDataProvider data(bytes, size);
-  gromlit::fuzz::Run(&data);
-  return 0;
-}

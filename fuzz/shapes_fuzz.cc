@@ -1,8 +1,6 @@
 // Matching by shape, and symbols made of strokes: every number is finite, the ranking agrees with
 // one that computes the score of each action that it may look at and leaves nothing out, a symbol
 // is most like itself, and what is learned of a stroke is drawable and found by it.
-#include <fuzzer/FuzzedDataProvider.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -12,6 +10,7 @@
 #include "fuzz/fake_server.h"
 #include "fuzz/records.h"
 #include "fuzz/require.h"
+#include "fuzz/target.h"
 #include "recognition/find_action.h"
 #include "recognition/learn_symbol.h"
 #include "recognition/shape_match.h"
@@ -31,7 +30,7 @@ void CheckShape(const Shape& shape) {
   }
   Require(std::abs(sum - 1) < 1e-3F);
   Require(shape.width > -kRounding && shape.width < 1 + kRounding);
-  for (int i = 0; i < kShapeStored; i++) {
+  for (int i = 0; i < kShapeSegments; i++) {
     Require(std::isfinite(shape.dx[i]) && std::isfinite(shape.dy[i]));
     Require(std::isfinite(shape.mx[i]) && std::isfinite(shape.my[i]));
   }
@@ -42,8 +41,7 @@ void CheckShape(const Shape& shape) {
 // that it is half as like itself.
 float LossOfTurns(const Shape& shape) {
   int turns = 0;
-  for (int i = 0; i < kShapeSegments; i++)
-    turns += shape.dx[kShapeBand + i] == 0 && shape.dy[kShapeBand + i] == 0;
+  for (int i = 0; i < kShapeSegments; i++) turns += shape.dx[i] == 0 && shape.dy[i] == 0;
   return 0.125F * static_cast<float>(turns) / kShapeSegments;
 }
 
@@ -111,6 +109,8 @@ void Learn(const std::vector<Stroke>& strokes) {
   ForgetSignature(&sym);
 }
 
+}  // namespace
+
 void Run(FuzzedDataProvider* data) {
   GromlitPlugin plugin{};
   const int n = data->ConsumeIntegralInRange(0, 12);
@@ -138,12 +138,4 @@ void Run(FuzzedDataProvider* data) {
   ReleasePlugin(&plugin);
 }
 
-}  // namespace
 }  // namespace gromlit::fuzz
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
-  gromlit::fuzz::ResetServer();
-  FuzzedDataProvider data(bytes, size);
-  gromlit::fuzz::Run(&data);
-  return 0;
-}

@@ -1,8 +1,6 @@
 // Matching by signature against its judge, the same in its plainest form (tests/unit/recognition/
 // literal.h): signatures of strokes and of symbols, the match of two signatures, the search through
 // the actions of a plug-in, and what is said of actions that another one takes all strokes from.
-#include <fuzzer/FuzzedDataProvider.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -12,6 +10,7 @@
 #include "fuzz/fake_server.h"
 #include "fuzz/records.h"
 #include "fuzz/require.h"
+#include "fuzz/target.h"
 #include "recognition/find_action.h"
 #include "recognition/shadow.h"
 #include "recognition/signature_match.h"
@@ -60,6 +59,8 @@ void CheckLine(FuzzedDataProvider* data) {
   Require(std::memcmp(rows.data(), sym.icon, sizeof sym.icon) == 0);
 }
 
+}  // namespace
+
 void Run(FuzzedDataProvider* data) {
   GromlitPlugin plugin{};
   const int n = data->ConsumeIntegralInRange(0, kMaxActions);
@@ -92,12 +93,4 @@ void Run(FuzzedDataProvider* data) {
   ReleasePlugin(&plugin);
 }
 
-}  // namespace
 }  // namespace gromlit::fuzz
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
-  gromlit::fuzz::ResetServer();
-  FuzzedDataProvider data(bytes, size);
-  gromlit::fuzz::Run(&data);
-  return 0;
-}

@@ -1,7 +1,5 @@
 // Texts: strokes as people write them and as the program logs them, through the calls of the tool
 // that read them; pictures in XPM; and the small readers and writers of letters.
-#include <fuzzer/FuzzedDataProvider.h>
-
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -21,6 +19,7 @@
 #include "fuzz/records.h"
 #include "fuzz/require.h"
 #include "fuzz/scratch.h"
+#include "fuzz/target.h"
 #include "recognition/stroke_log.h"
 #include "toolkit/image.h"
 #include "toolkit/line_edit.h"
@@ -193,6 +192,8 @@ void CheckLine(FuzzedDataProvider* data) {
   }
 }
 
+}  // namespace
+
 void Run(FuzzedDataProvider* data) {
   const int what = data->ConsumeIntegralInRange(0, 4);
   if (what == 4) return CheckLine(data);
@@ -212,12 +213,4 @@ void Run(FuzzedDataProvider* data) {
   }
 }
 
-}  // namespace
 }  // namespace gromlit::fuzz
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
-  gromlit::fuzz::ResetServer();
-  FuzzedDataProvider data(bytes, size);
-  gromlit::fuzz::Run(&data);
-  return 0;
-}
