@@ -49,6 +49,10 @@ KeySym XkbKeycodeToKeysym(Display*, KeyCode code, int, int level) {
   return Symbols()[static_cast<size_t>(code) * kWidth + static_cast<size_t>(level)];
 }
 
+KeySym XLookupKeysym(XKeyEvent* event, int level) {
+  return XkbKeycodeToKeysym(nullptr, static_cast<KeyCode>(event->keycode), 0, level);
+}
+
 int XLookupString(XKeyEvent* event, char* buffer, int size, KeySym* symbol, XComposeStatus*) {
   const KeySym sym = XkbKeycodeToKeysym(nullptr, static_cast<KeyCode>(event->keycode), 0, 0);
   if (symbol != nullptr) *symbol = sym;

@@ -369,12 +369,13 @@ Bool XCheckIfEvent(Display*, XEvent*, Bool (*)(Display*, XEvent*, XPointer), XPo
   return False;
 }
 
-int XWindowEvent(Display*, Window window, long, XEvent* event) {
+// News of the change by which the program asks for the time.
+Bool XCheckWindowEvent(Display*, Window window, long, XEvent* event) {
   *event = {};
   event->type = PropertyNotify;
   event->xproperty.window = window;
   event->xproperty.time = 1000;
-  return 0;
+  return True;
 }
 
 int XRefreshKeyboardMapping(XMappingEvent*) {
