@@ -291,7 +291,7 @@ class SoakTest : public testing::RandomUser {
     EXPECT_NE(options, nullptr) << "the options file cannot be read";
     if (options == nullptr) return button_;
     const int button = EffectiveButton(options);
-    std::free(options);
+    delete options;
     return button;
   }
 
