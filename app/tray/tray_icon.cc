@@ -194,6 +194,7 @@ void NoteTrayGone(void*, XEvent* event) {
 }
 
 void DrawTrayIcon(TrayIcon* icon, XEvent*) {
+  if (icon->window == None) return;  // an exposure from before its end
   const int side = std::clamp(std::min(icon->width, icon->height), 1, kMostSize);
   if (icon->picture == nullptr) icon->picture = MakeTrayPicture(side, gesturesPaused != 0);
   if (icon->picture == nullptr) return;
