@@ -230,7 +230,7 @@ void BenchRun::Start(const std::string& display) {
   const auto ready = [this] {
     XWindowAttributes attributes{};
     XGetWindowAttributes(player.display(), player.root(), &attributes);
-    return (attributes.all_event_masks & EnterWindowMask) != 0;
+    return (attributes.all_event_masks & SubstructureNotifyMask) != 0;
   };
   if (!WaitFor(ready, seconds(60))) Fail("the program does not come up");
   // Below the application, which was there before.

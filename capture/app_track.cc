@@ -17,16 +17,13 @@ namespace {
 // Any window id that no window has: the default entry is found through defaultWindowObj alone.
 constexpr Window kNoWindow = 1;
 
-// Of the root window, from before the question on: no window that comes meanwhile is missed.
-constexpr long kRootEvents = SubstructureNotifyMask | StructureNotifyMask;
-
 // The question which windows there are, until it is answered.
 std::optional<xcb_query_tree_cookie_t> windows;
 
 }  // namespace
 
 void AskForWindows() {
-  XSelectInput(dpy, root, kRootEvents);
+  XSelectInput(dpy, root, SubstructureNotifyMask | StructureNotifyMask | EnterWindowMask);
   windows = xcb_query_tree(XGetXCBConnection(dpy), static_cast<xcb_window_t>(root));
 }
 
@@ -37,14 +34,11 @@ void CreateAppTrack() {
   if (!windows) AskForWindows();
   const auto tree = AnswerTo(xcb_query_tree_reply, *windows);
   windows.reset();
-  if (tree != nullptr) {
-    for (const Window window :
-         std::span(xcb_query_tree_children(tree.get()), static_cast<size_t>(tree->children_len))) {
-      if (!IsOwnWindow(window)) XSelectInput(dpy, window, EnterWindowMask);
-    }
+  if (tree == nullptr) return;
+  for (const Window window :
+       std::span(xcb_query_tree_children(tree.get()), static_cast<size_t>(tree->children_len))) {
+    if (!IsOwnWindow(window)) XSelectInput(dpy, window, EnterWindowMask);
   }
-  // Last of all: by this, others can see that the program follows the pointer.
-  XSelectInput(dpy, root, kRootEvents | EnterWindowMask);
 }
 
 bool IsOwnTarget(const Target& target) {

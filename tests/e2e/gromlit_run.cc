@@ -173,7 +173,7 @@ void GromlitRun::StartGromlit(bool ready, std::vector<std::string> arguments) {
 bool GromlitRun::GromlitIsReady() {
   XWindowAttributes attributes{};
   XGetWindowAttributes(player->display(), player->root(), &attributes);
-  return (attributes.all_event_masks & EnterWindowMask) != 0;
+  return (attributes.all_event_masks & SubstructureNotifyMask) != 0;
 }
 
 long GromlitRun::Resident() const {

@@ -411,7 +411,7 @@ TEST_F(ServersTest, EachScreenOfADisplayHasAProgramOfItsOwn) {
   EXPECT_TRUE(WaitFor([&] {
     XWindowAttributes attributes{};
     XGetWindowAttributes(other, root, &attributes);
-    return (attributes.all_event_masks & EnterWindowMask) != 0 || !beside->Running();
+    return (attributes.all_event_masks & SubstructureNotifyMask) != 0 || !beside->Running();
   }));
   EXPECT_TRUE(beside->Running()) << ReadText(OutFile() + ".2") << ReadText(ErrFile() + ".2");
   draw(1, 450, 400);
