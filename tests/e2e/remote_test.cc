@@ -94,6 +94,11 @@ class RemoteTest : public testing::FrontEnd {
   Atom Named(const char* name) { return XInternAtom(player->display(), name, False); }
   Atom Selection() { return Named("_GROMLIT_S0"); }
   Window Owner() { return XGetSelectionOwner(player->display(), Selection()); }
+  // The program asks for windows before it serves calls, so following the pointer is not enough.
+  void LaunchInstalled() {
+    ShellRun::LaunchInstalled();
+    ASSERT_TRUE(WaitFor([this] { return Owner() != 0; }));
+  }
   // Whether somebody wants to be told of the end of the owner's window.
   bool IsWatched(Window owner) {
     XWindowAttributes attributes{};
@@ -357,7 +362,8 @@ TEST_F(RemoteTest, SelectionIsAManagersAndTellsItsTimeOnly) {
   LaunchInstalled();
   const Window owner = Owner();
   XEvent event{};
-  ASSERT_TRUE(XCheckTypedWindowEvent(display, player->root(), ClientMessage, &event));
+  ASSERT_TRUE(WaitFor(
+      [&] { return XCheckTypedWindowEvent(display, player->root(), ClientMessage, &event) != 0; }));
   EXPECT_EQ(event.xclient.message_type, Named("MANAGER"));
   EXPECT_EQ(event.xclient.data.l[1], static_cast<long>(Selection()));
   EXPECT_EQ(event.xclient.data.l[2], static_cast<long>(owner));
