@@ -28,6 +28,7 @@ namespace {
 namespace fs = std::filesystem;
 using testing::Box;
 using testing::kRight;
+using testing::Player;
 using testing::Point;
 using testing::ProbeClient;
 using testing::Process;
@@ -79,6 +80,7 @@ class SoakTest : public testing::RandomUser {
     if (gromlit->Running()) Remote("status", &answer);
     std::printf("kept: %s.png, %s/; it says that it is %s\n", to.c_str(), to.c_str(),
                 answer.c_str());
+    for (const std::string& deed : deeds_) std::printf("%s\n", deed.c_str());
     if (!gromlit->Running()) return;
     std::printf("%s\n", WhereItStands().c_str());
     if (player->CanGrabPointer()) return;
@@ -197,8 +199,21 @@ class SoakTest : public testing::RandomUser {
     player->Click(1);
   }
 
+  // What a failure needs, to be told from where on something stayed down.
+  void Note(const std::string& what) {
+    const Player::Pointer pointer = player->Where();
+    std::ostringstream line;
+    line << what << ": pointer at " << pointer.x << "," << pointer.y << ", state " << pointer.state
+         << (gromlit->Running() ? "" : ", it does not run");
+    deeds_.push_back(line.str());
+  }
   void Do(const std::vector<Window>& windows) {
-    switch (Pick(60)) {
+    const int deed = Pick(60);
+    Act(deed, windows);
+    Note("deed " + std::to_string(deed));
+  }
+  void Act(int deed, const std::vector<Window>& windows) {
+    switch (deed) {
       case 0:
         return ChangeScreen();
       case 1:
@@ -313,6 +328,7 @@ class SoakTest : public testing::RandomUser {
     // What is to be closed may lie where no screen is any more.
     SetScreen(false);
     ASSERT_TRUE(ManagerWorks());
+    Note("after the round");
     ASSERT_TRUE(LetsThePointerGo()) << "the pointer does not come back\n" << WhereItStands();
     // What the program has yet to work off may open another menu, which wants another click; an
     // answer comes after all of that.
@@ -329,6 +345,7 @@ class SoakTest : public testing::RandomUser {
       ASSERT_FALSE(told->Running()) << "-remote gets no answer\n" << WhereItStands();
     }
     told_.clear();
+    Note("the pointer is free");
     BeginAfterExit();
   }
   // A question may have been whether to exit.
@@ -337,7 +354,9 @@ class SoakTest : public testing::RandomUser {
     const int status = gromlit->Wait();
     ASSERT_EQ(status, 0) << Err();
     exits_++;
+    Note("it has left");
     Begin();
+    Note("it runs again");
   }
   void Answers() {
     ASSERT_TRUE(Remote("resume")) << WhereItStands();
@@ -405,6 +424,7 @@ class SoakTest : public testing::RandomUser {
       if (!player->CanGrabPointer()) LetsThePointerGo();
       // One that answers no more is about to end.
       const bool answers = Remote("status");
+      Note("closing");
       if (!answers) WaitFor([this] { return !gromlit->Running(); }, kPatience);
       if (answers && NothingIsOpen() && Remote("status") && NothingIsOpen()) return;
       Point button{};
@@ -525,6 +545,7 @@ class SoakTest : public testing::RandomUser {
   }
   void Round(int round) {
     random_.seed(seed_ + 7919U * static_cast<unsigned>(round));
+    deeds_.clear();
     if (Pick(life_ > 2 * kSettled ? 15 : 60) == 0) {
       ASSERT_NO_FATAL_FAILURE(End());
       ASSERT_NO_FATAL_FAILURE(Begin());
@@ -562,6 +583,7 @@ class SoakTest : public testing::RandomUser {
   std::unique_ptr<ProbeClient> proof_;
   std::unique_ptr<Process> tray_;
   std::vector<std::unique_ptr<Process>> told_;
+  std::vector<std::string> deeds_;  // of this round
 };
 
 TEST_F(SoakTest, NothingIsLostDamagedHeldOrPiledUp) {
