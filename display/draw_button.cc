@@ -126,6 +126,12 @@ void AskForDrawButton() {
   GrabDrawButton(refused);
 }
 
+void LeaveDrawButton() {
+  if (grabbed != 0) RequestUngrab(grabbed);
+  grabbed = 0;
+  refused = 0;
+}
+
 DrawButtonLifted::DrawButtonLifted() : button_(grabbed) {
   if (button_ == 0) return;
   RequestUngrab(button_);

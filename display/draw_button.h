@@ -41,6 +41,12 @@ int DrawButtonWait();
 // it was asked for just before. Three round trips, nothing while no grab is refused.
 void AskForDrawButton();
 
+// Gives the button up for good, before the program ends. A server that clears up behind a client may
+// let out presses that waited while that client's windows go but its passive grabs are still there,
+// and the pointer would stay frozen for one that nobody takes any more. No round trip; an active grab
+// is to be given up after it.
+void LeaveDrawButton();
+
 // Lifts the passive grab for the lifetime of the object and puts it back after it: a press while an
 // action runs must reach the application instead of freezing the pointer until the action is over.
 // Does nothing while no button is grabbed. When another client has taken the button meanwhile, the

@@ -12,7 +12,6 @@
 #include "actions/child.h"
 #include "actions/keyboard_change.h"
 #include "actions/keystrokes.h"
-#include "actions/real_input.h"
 #include "actions/spare_keys.h"
 #include "app/action_editor/action_editor.h"
 #include "app/main_window/main_menu.h"
@@ -47,7 +46,6 @@
 #include "program/command_line.h"
 #include "program/remote_service.h"
 #include "toolkit/event_loop.h"
-#include "toolkit/focus.h"
 #include "toolkit/manners.h"
 #include "toolkit/pulldown_button.h"
 #include "toolkit/resources.h"
@@ -125,15 +123,6 @@ void ShowMainWindow() {
   if (!HandsOff(DefaultPlugin)) UpdatePulldownButton(app->txt, defaultPluginClassname);
   TellOfSparePlugins();
   TellOfNews(!SparePluginFiles().empty());
-}
-
-// What the user would miss if the program just ended. The server itself gives back what is grabbed,
-// but only when it notices that the connection is gone.
-void GiveBack() {
-  XUngrabPointer(dpy, CurrentTime);
-  XUngrabKeyboard(dpy, CurrentTime);
-  RestoreFocus();
-  ReleaseEverything();
 }
 
 }  // namespace

@@ -20,6 +20,7 @@
 #include "core/plugin_files.h"
 #include "core/strings.h"
 #include "display/display.h"
+#include "display/draw_button.h"
 #include "toolkit/focus.h"
 
 namespace gromlit {
@@ -147,11 +148,18 @@ void mbPluginExit(XMenu*, void*) {
   Ask(labelExitGromlit, ConfirmExitMsg, nullptr, ConfirmExitGromlit);
 }
 
-void ConfirmExitGromlit(XDialog*) {
+void GiveBack() {
+  LeaveDrawButton();
+  XUngrabPointer(dpy, CurrentTime);
+  XUngrabKeyboard(dpy, CurrentTime);
   // The end of the connection destroys the field that may have the keyboard, and would leave the
   // keyboard with nobody.
   RestoreFocus();
   ReleaseEverything();
+}
+
+void ConfirmExitGromlit(XDialog*) {
+  GiveBack();
   std::exit(0);
 }
 

@@ -43,6 +43,11 @@ void YesDeletePlugin(XDialog* dlog);
 void mbPluginDownload(XMenu* menu, void* arg);
 void mbPluginUpload(XMenu* menu, void* arg);
 
+// Gives back what the user would miss if the program just ended: pointer, keyboard, the keys that
+// it holds down, and the keyboard to the window that had it. The server itself gives back what is
+// grabbed, but not all of it, and only when it notices that the connection is gone.
+void GiveBack();
+
 // Asks whether to end the program. ConfirmExitGromlit ends it, with status 0: the one normal exit.
 void mbPluginExit(XMenu* menu, void* arg);
 [[noreturn]] void ConfirmExitGromlit(XDialog* dlog);

@@ -145,6 +145,46 @@ INSTANTIATE_TEST_SUITE_P(Everywhere, EndSignalsTest,
                                   std::to_string(standing.param.signal);
                          });
 
+// A window manager that looks at presses on the program's windows before those get them, and has
+// not come to this one yet: what the hand does meanwhile waits in the server, a press of the draw
+// button too. The end of the program destroys the window, and all that comes out while the server
+// still clears up behind the program.
+class EndWhileAManagerLooksTest : public testing::FrontEnd,
+                                  public ::testing::WithParamInterface<bool> {};
+
+TEST_P(EndWhileAManagerLooksTest, APressThatWaitedDoesNotKeepThePointer) {
+  DesktopTouches("acted");
+  LaunchInstalled();
+  const Window main = MainWindow();
+  const Point origin = OriginOf(main);
+  // The server clears up in an order of its own. Each action gives the grab another place in it,
+  // and after so many it comes behind the window.
+  for (int i = 0; i < 25; i++) ASSERT_TRUE(DesktopActs("acted"));
+  XGrabButton(player->display(), 1, AnyModifier, main, False, ButtonPressMask, GrabModeSync,
+              GrabModeAsync, None, None);
+  Go({origin.x + 200, origin.y + 300});
+  player->Click(1);
+  player->Click(3);
+  const Point last{origin.x + 500, origin.y + 350};
+  player->MoveTo(last.x, last.y);
+  ASSERT_EQ(player->Where().x, origin.x + 200) << "nothing waits";
+
+  if (GetParam()) {
+    gromlit->Kill(SIGTERM);
+  } else {
+    ASSERT_EQ(testing::Process({testing::Built("gromlit"), "-remote", "quit"}).Wait(), 0);
+  }
+  EXPECT_NE(gromlit->Wait(), -1);
+  EXPECT_TRUE(WaitFor([&] { return player->Where().x == last.x; })) << "the pointer is frozen";
+  EXPECT_EQ(player->Where().state, 0u);
+  EXPECT_TRUE(PointerBecomesFree());
+}
+
+INSTANTIATE_TEST_SUITE_P(Ways, EndWhileAManagerLooksTest, ::testing::Values(false, true),
+                         [](const ::testing::TestParamInfo<bool>& way) {
+                           return way.param ? "BySignal" : "ByExit";
+                         });
+
 using EndSignalsIgnoredTest = testing::ShellRun;
 
 TEST_F(EndSignalsIgnoredTest, ATerminalThatGoesDoesNotEndAProgramThatWasToldToSurviveIt) {
