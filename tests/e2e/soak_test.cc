@@ -302,12 +302,19 @@ class SoakTest : public testing::RandomUser {
   }
   // The button that draws, as the user of the program may have chosen it since the start.
   int DrawButton() {
-    GromlitUserOptions* options = LoadUserOptions(defaultOptionFile);
+    const auto options = Options();
+    return options == nullptr ? button_ : EffectiveButton(options.get());
+  }
+  std::unique_ptr<GromlitUserOptions> Options() {
+    std::unique_ptr<GromlitUserOptions> options(LoadUserOptions(defaultOptionFile));
     EXPECT_NE(options, nullptr) << "the options file cannot be read";
-    if (options == nullptr) return button_;
-    const int button = EffectiveButton(options);
-    delete options;
-    return button;
+    return options;
+  }
+  // Whether a press that does not move is a click and the proof's stroke is one: with 0, which the
+  // user may choose, every press is a stroke.
+  bool TellsStrokesFromClicks() {
+    const auto options = Options();
+    return options != nullptr && options->sensitivity > 0 && options->sensitivity < 200;
   }
 
   // --- What is looked at after a round ---
@@ -463,8 +470,8 @@ class SoakTest : public testing::RandomUser {
   }
   // A stroke acts once, and a click arrives once where it was made.
   void Works() {
-    if (ReadText(PluginFile("Proof.proof")) != proof_plugin_) {
-      // The user has changed or deleted it, which is up to him.
+    if (ReadText(PluginFile("Proof.proof")) != proof_plugin_ || !TellsStrokesFromClicks()) {
+      // The user has changed or deleted that, which is up to him.
       lost_proofs_++;
       ASSERT_NO_FATAL_FAILURE(End());
       ASSERT_NO_FATAL_FAILURE(Begin());
@@ -575,7 +582,7 @@ class SoakTest : public testing::RandomUser {
   int scale_ = 1;
   int starts_ = 0;
   int exits_ = 0;        // that the hands asked for
-  int lost_proofs_ = 0;  // plug-ins of the proof that the hands have changed
+  int lost_proofs_ = 0;  // the proof's plug-in, or the sensitivity, was changed by the hands
   int life_ = 0;         // rounds since the start
   Usage settled_;
   std::string proof_plugin_;
