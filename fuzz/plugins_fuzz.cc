@@ -113,8 +113,8 @@ void CheckOthers(const Files& before, const Files& after, const std::string& cla
     Require(name.starts_with("plugins/") && (owner.empty() || owner == classname));
   }
   for (const auto& [name, bytes] : after) {
-    Require(name.find(".gromlit-save-") == name.npos);
     if (before.contains(name)) continue;
+    Require(name.find(".gromlit-save-") == name.npos);
     Require(name.starts_with("damaged/") ||
             (name.starts_with("plugins/") && ClassOf(bytes) == classname));
   }
