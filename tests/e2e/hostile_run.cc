@@ -14,6 +14,7 @@ constexpr int kOthersKey = 56;
 constexpr const char* kOthersPress = "KeyPress window=main keycode=56 state=0";
 
 constexpr auto kAskAgain = std::chrono::milliseconds(100);
+constexpr auto kAttackLasts = std::chrono::milliseconds(30);
 
 // Windows of one client share the upper bits of their ids.
 bool OfOneClient(Window a, Window b) {
@@ -70,16 +71,15 @@ void HostileRun::Arm(const Scene& scene, const Attack& attack, int connection,
 }
 
 void HostileRun::Arm(const Scene& scene, const Attack& attack, const XProxy::Wanted& wanted) {
-  constexpr auto kLasts = std::chrono::milliseconds(30);
   fired_ = false;
   proxy_->BeforeRequest(
-      [&](const XRequest&) {
+      [this, &scene, &attack](const XRequest&) {
         if (fired_.exchange(true)) return;
         attack.begin(scene);
         XSync(scene.display, False);
         if (attack.end == nullptr) return;
-        ending_ = std::thread([&] {
-          std::this_thread::sleep_for(kLasts);
+        ending_ = std::thread([&scene, &attack] {
+          std::this_thread::sleep_for(kAttackLasts);
           attack.end(scene);
           XSync(scene.display, False);
         });
