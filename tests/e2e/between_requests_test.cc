@@ -239,6 +239,9 @@ class BetweenRequestsTest : public testing::HostileRun,
     EXPECT_TRUE(WaitFor([this] {
       return testing::ParentOf(player->display(), other_->window()) != player->root();
     }));
+    // Each one puts its frame where the window was, and the window lower by the title.
+    XMoveWindow(player->display(), other_->window(), 700, 100);
+    EXPECT_TRUE(WaitFor([this] { return OriginOf(other_->window()).y < 150; }));
   }
   // What the gesture does when nobody interferes; else nothing here would be attacked.
   void ExpectActedOn() {
