@@ -3,9 +3,9 @@
 // own, at any moment of a gesture. When they have let go, the pointer and the keyboard are free and
 // the next gesture works.
 //
-// What the server does with a device on which something is down when it is taken away: the button
-// stays down for the pointer, until the device is back and the button goes down and up again. So
-// does the hand here.
+// When a device is taken away on which something is down, that stays down for the pointer or the
+// keyboard until the device is back and it goes down and up again: so the server has it. The hand
+// does that here, with the mouse button, and with modifiers of the keys that the program makes.
 //
 // GROMLIT_EVERY_REQUEST and GROMLIT_ATTACK as in between_requests_test.cc.
 #include "tests/e2e/hostile_run.h"
@@ -218,6 +218,17 @@ class DevicesTest : public testing::HostileRun, public ::testing::WithParamInter
     }
   }
 
+  void TapWhatIsDown() {
+    std::array<char, 32> down{};
+    XQueryKeymap(player->display(), down.data());
+    for (unsigned code = 0; code < 256; code++) {
+      if ((down[code / 8] & 1 << code % 8) == 0) continue;
+      for (const int press : {True, False})
+        XTestFakeKeyEvent(player->display(), code, press, CurrentTime);
+    }
+    XSync(player->display(), False);
+  }
+
   bool Attacked(const Attack& attack, unsigned long number, bool mouse) {
     NewVictim();
     Go({1270, 1000});
@@ -240,6 +251,7 @@ class DevicesTest : public testing::HostileRun, public ::testing::WithParamInter
       ButtonBy(mouse, false);
     }
     EXPECT_TRUE(Settle()) << WhereItStands();
+    if (std::string_view(attack.name).ends_with("test keyboard")) TapWhatIsDown();
     requests_ = proxy_->Counts(0).requests - before;
     if (attack.name == kAttacks[0].name) {
       EXPECT_GE(victim_->Wait(6, "Key").size(), 6u);
@@ -274,6 +286,94 @@ TEST_P(DevicesTest, WhateverIsTakenAwayTheNextGestureWorks) {
 }
 
 INSTANTIATE_TEST_SUITE_P(With, DevicesTest, ::testing::Values(kSentEvents, kRealInput),
+                         [](const auto& way) {
+                           return way.param == kRealInput ? "KeysMade" : "KeysSent";
+                         });
+
+// A second pointer, as another client makes it, and the hand on it.
+class TwoPointersTest : public DevicesTest {
+ protected:
+  void SetUp() override {
+    DevicesTest::SetUp();
+    if (HasFatalFailure()) return;
+    StartWith(GetParam());
+    AddMaster(intruder_);
+    second_ = std::make_unique<Player>(server->name());
+    XISetClientPointer(second_->display(), None, FindDevice(intruder_, "second pointer"));
+    second_->MoveTo(1200, 900);
+  }
+  void TearDown() override {
+    second_.reset();
+    DevicesTest::TearDown();
+  }
+  // A stroke, up to its release, on the other application.
+  void Begin(Player* hand, int x) {
+    const Point at = OriginOf(other_->window());
+    hand->MoveTo(at.x + x, at.y + 250);
+    hand->Press(3);
+    for (int y = 230; y >= 90; y -= 20) hand->MoveTo(at.x + x, at.y + y);
+  }
+  size_t Acted() { return other_->Lines("KeyPress window=main keycode=56").size(); }
+  void ExpectBothAreFree() {
+    for (Player* hand : {player.get(), second_.get()}) {
+      EXPECT_TRUE(WaitFor([&] { return hand->CanGrabPointer(); })) << WhereItStands();
+      // A frozen pointer does not move.
+      const Point to = {hand == player.get() ? 1250 : 1230, 1000};
+      hand->MoveTo(to.x, to.y);
+      EXPECT_TRUE(WaitFor([&] {
+        const Player::Pointer at = hand->Where();
+        return at.x == to.x && at.y == to.y && at.state == 0;
+      })) << (hand == player.get() ? "the first" : "the second")
+          << " pointer is frozen";
+    }
+  }
+
+  std::unique_ptr<Player> second_;
+};
+
+TEST_P(TwoPointersTest, EachDrawsByItself) {
+  XSetInputFocus(player->display(), other_->window(), RevertToPointerRoot, CurrentTime);
+  XSetInputFocus(second_->display(), other_->window(), RevertToPointerRoot, CurrentTime);
+  for (Player* hand : {second_.get(), player.get(), second_.get()}) {
+    const size_t before = Acted();
+    Begin(hand, 150);
+    hand->Release(3);
+    EXPECT_TRUE(WaitFor([&] { return Acted() > before; })) << WhereItStands();
+    EXPECT_TRUE(Settle());
+    ExpectBothAreFree();
+  }
+}
+
+TEST_P(TwoPointersTest, DrawnWithAtOnceNeitherStaysFrozen) {
+  Player* const hands[] = {player.get(), second_.get()};
+  for (const int first : {0, 1}) {
+    for (const int first_up : {0, 1}) {
+      SCOPED_TRACE(first * 10 + first_up);
+      Begin(hands[first], 100);
+      EXPECT_TRUE(WaitFor([this] { return !MappedOverlays().empty(); })) << "no trail";
+      Begin(hands[1 - first], 200);
+      hands[first_up]->Release(3);
+      hands[1 - first_up]->Release(3);
+      EXPECT_TRUE(Settle()) << WhereItStands();
+      ExpectBothAreFree();
+      ExpectAllIsWell();
+      if (HasFailure()) return;
+    }
+  }
+}
+
+// The one that draws is taken away.
+TEST_P(TwoPointersTest, PointerThatGoesEndsItsStroke) {
+  Begin(second_.get(), 150);
+  RemoveMaster(intruder_);
+  EXPECT_TRUE(Settle()) << WhereItStands();
+  ExpectAllIsWell();
+  AddMaster(intruder_);
+  XISetClientPointer(second_->display(), None, FindDevice(intruder_, "second pointer"));
+  ExpectBothAreFree();
+}
+
+INSTANTIATE_TEST_SUITE_P(With, TwoPointersTest, ::testing::Values(kSentEvents, kRealInput),
                          [](const auto& way) {
                            return way.param == kRealInput ? "KeysMade" : "KeysSent";
                          });

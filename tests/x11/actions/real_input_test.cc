@@ -619,6 +619,33 @@ TEST_F(RealInput, HeldModifiersComeBackWhenTheKeyboardHasThawed) {
   board.Key(XK_Shift_L, false);
 }
 
+// Another client has taken away the device that the program's keys come from when the program lets
+// go of a modifier: that is down for the server ever after, and would be taken for the user's.
+TEST_F(RealInput, KeyboardThatWasTakenAwayLeavesNothingDownAfterTheNextAction) {
+  Display* const other = player->display();
+  int count = 0;
+  XIDeviceInfo* const devices = XIQueryDevice(other, XIAllDevices, &count);
+  int tester = 0;
+  for (int i = 0; i < count; i++)
+    if (std::string(devices[i].name).ends_with("XTEST keyboard")) tester = devices[i].deviceid;
+  XIFreeDeviceInfo(devices);
+  ASSERT_NE(tester, 0);
+  HotKey(kKeyA, 0);
+  player->KeyDown(XK_Shift_L);
+  std::array<unsigned char, 4> bits{};
+  XIEventMask mask{tester, static_cast<int>(bits.size()), bits.data()};
+  ASSERT_EQ(XIGrabDevice(other, tester, player->root(), CurrentTime, None, XIGrabModeAsync,
+                         XIGrabModeAsync, False, &mask),
+            GrabSuccess);
+  HotKey(kKeyA, 0);
+  XIUngrabDevice(other, tester, CurrentTime);
+  XSync(other, False);
+  for (int i = 0; i < 2; i++) {
+    HotKey(kKeyA, 0);
+    EXPECT_EQ(KeysDown(), std::vector<int>{});
+  }
+}
+
 // A pointer and a keyboard that another client makes, with the board, and that the program and the
 // user work with from then on. The program's keys come from a device then that was not there
 // before.
