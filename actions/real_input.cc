@@ -1,15 +1,11 @@
 #include "actions/real_input.h"
 
 #include <X11/XKBlib.h>
-#include <X11/extensions/XInput2.h>
 #include <X11/extensions/XTest.h>
 
 #include <algorithm>
 #include <array>
-#include <bitset>
 #include <cstdio>
-#include <deque>
-#include <memory>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -19,18 +15,15 @@
 #include "actions/character_keys.h"
 #include "actions/keystrokes.h"
 #include "actions/spare_keys.h"
+#include "actions/users_keys.h"
 #include "core/utf8.h"
 #include "display/display.h"
 #include "display/end_signals.h"
-#include "display/input_extension.h"
 #include "display/keyboard_state.h"
 #include "display/lock_modifiers.h"
 
 namespace gromlit {
 namespace {
-
-using Keys = std::bitset<kKeyCodes>;
-using Devices = std::bitset<256>;  // numbers that the server gives to devices
 
 // After so many strokes the server is waited for, so that a long text neither fills the way to it
 // nor runs over what the user does meanwhile.
@@ -38,175 +31,6 @@ constexpr int kStrokesAhead = 16;
 
 // How often a user who presses and releases without a pause is followed.
 constexpr int kMaxRounds = 100;
-
-// So many of its own keys the program waits to hear of.
-constexpr size_t kMostExpected = 10'000;
-
-constexpr std::string_view kTestKeyboard = "XTEST keyboard";  // the end of its name
-
-// The events of the devices, which tell what the user does to keys that the program presses and
-// releases, too.
-//
-// While another client has frozen the keyboard (a window manager does, with the very key that the
-// program presses, until it has decided whose it is) nothing is told, and the server's keys are as
-// they were when it froze: the program's modifiers may seem held though their releases have been
-// sent. All that follows when it thaws, with the numbers of later requests. So the program's own
-// events are known by their device and order, and are expected until they have come.
-class UsersKeys {
- public:
-  // Asks what the server can, the first time.
-  void Prepare();
-  // Starts listening.
-  void Listen();
-  // What happened until the server takes the request of this number is not reported.
-  void IgnoreUntil(unsigned long serial) { since_ = serial; }
-  void StopListening();
-  // Whether the server tells at all.
-  bool Known() const { return opcode_ != 0; }
-  // Is told of every key that the program has pressed or released with its last request.
-  void Own(int keycode, bool press);
-  // Keys that the program had released before the last Poll, and the server then not yet: the
-  // keyboard is, or was, frozen.
-  Keys Late() const;
-  // Expects nothing any more if the last Poll has told of a key of the program's.
-  void ForgetIfTold() {
-    if (told_) own_.clear();
-  }
-  // Waits for the server, then reports what the user did, in order.
-  template <typename Report>
-  void Poll(Report report);
-
- private:
-  struct Change {
-    unsigned long serial;  // of the request that made it, or the last one before it
-    int keycode;
-    bool press;
-    int device = 0;  // that the key is on
-  };
-  bool Take(XEvent* event, Change* change) const;
-  bool IsOwn(const Change& change);
-  void FindTesters();
-  void Select(bool on) const;
-
-  Display* asked_ = nullptr;
-  int opcode_ = 0;
-  unsigned long since_ = 0;   // serial number of a request
-  unsigned long polled_ = 0;  // the same: what was made before it should have been seen
-  Devices testers_;           // keyboards that XTEST moves
-  std::deque<Change> own_;    // that have not been seen
-  bool told_ = false;         // of an own one, by the last Poll
-};
-
-void UsersKeys::Prepare() {
-  if (asked_ == dpy) return;
-  asked_ = dpy;
-  if (!FindInputExtension(&opcode_)) return;
-  // From this version on these events come while another client has grabbed the keyboard, too.
-  int major = 2;
-  int minor = 1;
-  if (XIQueryVersion(dpy, &major, &minor) != Success || (major == 2 && minor < 1)) {
-    opcode_ = 0;
-    return;
-  }
-  own_.clear();
-  FindTesters();
-  if (testers_.none()) opcode_ = 0;
-  if (opcode_ != 0) Select(false);
-}
-
-void UsersKeys::FindTesters() {
-  testers_.reset();
-  int count = 0;
-  const std::unique_ptr<XIDeviceInfo, decltype(&XIFreeDeviceInfo)> devices(
-      XIQueryDevice(dpy, XIAllDevices, &count), XIFreeDeviceInfo);
-  if (devices == nullptr) return;
-  for (const XIDeviceInfo& device : std::span(devices.get(), static_cast<size_t>(count))) {
-    const auto number = static_cast<size_t>(device.deviceid);
-    if (number < testers_.size() && device.use == XISlaveKeyboard &&
-        std::string_view(device.name).ends_with(kTestKeyboard)) {
-      testers_.set(number);
-    }
-  }
-}
-
-void UsersKeys::Own(int keycode, bool press) {
-  if (!Known()) return;
-  own_.push_back({NextRequest(dpy) - 1, keycode, press});
-  if (own_.size() > kMostExpected) own_.pop_front();
-}
-
-void UsersKeys::Listen() {
-  Prepare();
-  if (opcode_ != 0) Select(true);
-}
-
-void UsersKeys::StopListening() {
-  if (opcode_ == 0) return;
-  Select(false);
-  Poll([](int, bool) {});
-}
-
-void UsersKeys::Select(bool on) const {
-  std::array<unsigned char, XIMaskLen(XI_LASTEVENT)> bits{};
-  if (on) {
-    XISetMask(bits.data(), XI_RawKeyPress);
-    XISetMask(bits.data(), XI_RawKeyRelease);
-  }
-  XIEventMask mask{XIAllMasterDevices, static_cast<int>(bits.size()), bits.data()};
-  XISelectEvents(dpy, root, &mask, 1);
-}
-
-bool UsersKeys::Take(XEvent* event, Change* change) const {
-  XGenericEventCookie* cookie = &event->xcookie;
-  if (cookie->extension != opcode_ || cookie->serial < since_) return false;
-  if (!XGetEventData(dpy, cookie)) return false;
-  const bool press = cookie->evtype == XI_RawKeyPress;
-  const auto* const raw = static_cast<const XIRawEvent*>(cookie->data);
-  *change = {cookie->serial, raw->detail, press, raw->sourceid};
-  const bool ofkey = (press || cookie->evtype == XI_RawKeyRelease) && change->keycode < kKeyCodes;
-  XFreeEventData(dpy, cookie);
-  return ofkey;
-}
-
-// The server keeps their order, and tells of none before it has begun the request. Those before it
-// that have not come had no effect, such as the press of a key that was down: releases all have.
-bool UsersKeys::IsOwn(const Change& change) {
-  const auto device = static_cast<size_t>(change.device);
-  if (device >= testers_.size() || !testers_[device]) return false;
-  const auto own = std::ranges::find_if(own_, [&](const Change& made) {
-    return made.keycode == change.keycode && made.press == change.press;
-  });
-  if (own == own_.end() || own->serial > change.serial) return false;
-  own_.erase(own_.begin(), own + 1);
-  return true;
-}
-
-Keys UsersKeys::Late() const {
-  Keys late;
-  for (const Change& own : own_) {
-    if (!own.press && own.serial < polled_) late.set(static_cast<size_t>(own.keycode));
-  }
-  return late;
-}
-
-template <typename Report>
-void UsersKeys::Poll(Report report) {
-  told_ = false;
-  polled_ = NextRequest(dpy);
-  XSync(dpy, False);
-  std::vector<Change> users;
-  XEvent event;
-  while (opcode_ != 0 && XCheckTypedEvent(dpy, GenericEvent, &event)) {
-    Change change;
-    if (!Take(&event, &change)) continue;
-    if (IsOwn(change)) {
-      told_ = true;
-    } else {
-      users.push_back(change);
-    }
-  }
-  for (const Change& change : users) report(change.keycode, change.press);
-}
 
 // From the first key of an action to its end.
 class Hands {
@@ -268,7 +92,7 @@ void Hands::Begin() {
     for (size_t code = 0; code < kKeyCodes; code++) {
       if (late[code]) Fake(static_cast<int>(code), false);
     }
-    users_.Poll([](int, bool) {});
+    users_.Poll();
     users_.ForgetIfTold();
   }
   const KeyboardState state = ReadKeyboardState();
@@ -326,14 +150,14 @@ void Hands::Stroke(int keycode, unsigned state) {
 
 void Hands::Watch() {
   ahead_ = 0;
-  users_.Poll([this](int keycode, bool press) {
-    const auto code = static_cast<size_t>(keycode);
-    if (!press) {
+  for (const KeyChange& change : users_.Poll()) {
+    const auto code = static_cast<size_t>(change.keycode);
+    if (!change.press) {
       held_.reset(code);
     } else if (map_.holding[code]) {
-      LetGo(keycode);
+      LetGo(change.keycode);
     }
-  });
+  }
   XFlush(dpy);
 }
 
@@ -369,11 +193,11 @@ void Hands::GiveBackHeld() {
   for (int round = 0; round < kMaxRounds && letgo_.any(); round++) {
     Keys changed;
     Keys down;
-    users_.Poll([&](int keycode, bool press) {
-      const auto code = static_cast<size_t>(keycode);
+    for (const KeyChange& change : users_.Poll()) {
+      const auto code = static_cast<size_t>(change.keycode);
       changed.set(code, letgo_[code]);
-      down.set(code, press);
-    });
+      down.set(code, change.press);
+    }
     if (users_.Late().any()) {
       // What the user does now will be told too late.
       for (size_t code = 0; code < kKeyCodes; code++) {

@@ -6,6 +6,8 @@
 #undef min
 #undef max
 
+#include <array>
+#include <bitset>
 #include <initializer_list>
 
 #include "display/display.h"
@@ -15,29 +17,40 @@ namespace {
 
 using Convert = Bool (*)(Display*, XEvent*, xEvent*);
 
-constexpr int kSent = 0x80;  // in an event's type, on its way
+constexpr int kSent = 0x80;   // in an event's type, on its way
+constexpr int kTypes = 0x80;  // those of the protocol and of all extensions
 
-// What Xlib does with an event of these types.
-Convert convert = nullptr;
+// What Xlib or an extension's library does with an event of each type that passes here.
+std::array<Convert, kTypes> converts{};
+// Types that are forgotten wherever they were sent to; the others on the root window alone.
+std::bitset<kTypes> everywhere;
 
 // False: the event is dropped.
 Bool ConvertUnlessSent(Display* display, XEvent* event, xEvent* wire) {
+  const auto type = static_cast<size_t>(wire->u.u.type & ~kSent);
   if ((wire->u.u.type & kSent) != 0) {
-    const int type = wire->u.u.type & ~kSent;
-    if (type == EnterNotify || type == LeaveNotify || type == CreateNotify) return False;
+    if (everywhere[type]) return False;
     if (wire->u.keyButtonPointer.event == root) return False;
   }
-  return convert(display, event, wire);
+  return converts[type](display, event, wire);
+}
+
+void LetPass(int type) {
+  const Convert former = XESetWireToEvent(dpy, type, ConvertUnlessSent);
+  if (former != ConvertUnlessSent) converts[static_cast<size_t>(type)] = former;
 }
 
 }  // namespace
 
 void ForgetSentInput() {
-  for (const int type :
-       {ButtonPress, ButtonRelease, MotionNotify, EnterNotify, LeaveNotify, CreateNotify}) {
-    const Convert former = XESetWireToEvent(dpy, type, ConvertUnlessSent);
-    // One and the same function for every event of the core protocol.
-    if (former != ConvertUnlessSent) convert = former;
+  for (const int type : {ButtonPress, ButtonRelease, MotionNotify}) LetPass(type);
+  for (const int type : {EnterNotify, LeaveNotify, CreateNotify}) ForgetSentEvents(type, 1);
+}
+
+void ForgetSentEvents(int first, int count) {
+  for (int type = first; type < first + count; type++) {
+    everywhere.set(static_cast<size_t>(type));
+    LetPass(type);
   }
 }
 

@@ -11,4 +11,8 @@ namespace gromlit {
 // for the events of a stroke would walk over all of them. REQUIRES: the display is open.
 void ForgetSentInput();
 
+// The same for all sent events of `count` types from `first` on. An extension's, 64 to 127: its
+// library has to have taken charge of them already. REQUIRES: the display is open.
+void ForgetSentEvents(int first, int count);
+
 }  // namespace gromlit

@@ -53,10 +53,10 @@ Hand hand{};  // NOLINT(cert-err58-cpp): zeros, constants
 
 // --- The pointer after a press that closed the menus ------------------------------------------
 
-// The catcher: it has the pointer until the release (INV-HAND-2).
+// The catcher: it has the pointer until the release (INV-HAND-2). Its window is there for as long
+// as that lasts: one that waited for its next turn could be destroyed by another client meanwhile.
 struct Catcher {
-  WindowObj* wobj;
-  Window window;
+  WindowObj* wobj;  // of a new window each time: entries cannot be given back
 };
 Catcher* catcher = nullptr;
 bool leaving = false;
@@ -65,31 +65,35 @@ void CatchRelease(Catcher*, XEvent*) {
   EndLeaving();
 }
 
-void MakeCatcher() {
-  catcher = new Catcher{};
+Window MakeCatcher() {
   XSetWindowAttributes attributes{};
   attributes.override_redirect = True;
   attributes.event_mask = ButtonReleaseMask;
   // Mapped it can have the pointer, and beyond the edge of the screen nobody meets it.
-  catcher->window = XCreateWindow(dpy, root, -2, -2, 1, 1, 0, 0, InputOnly, CopyFromParent,
-                                  CWOverrideRedirect | CWEventMask, &attributes);
-  catcher->wobj = AllocWindowObj(catcher->window, catcher);
-  On<ButtonRelease, CatchRelease>(catcher);
+  const Window window = XCreateWindow(dpy, root, -2, -2, 1, 1, 0, 0, InputOnly, CopyFromParent,
+                                      CWOverrideRedirect | CWEventMask, &attributes);
+  if (catcher == nullptr) {
+    catcher = new Catcher{};
+    catcher->wobj = AllocWindowObj(window, catcher);
+    On<ButtonRelease, CatchRelease>(catcher);
+  }
+  catcher->wobj->window = window;
+  return window;
 }
 
 // Closes the menus, and keeps the pointer until the button that is down goes up.
 void Leave() {
-  if (catcher == nullptr) MakeCatcher();
-  XMapWindow(dpy, catcher->window);
+  const Window window = MakeCatcher();
+  XMapWindow(dpy, window);
   XMenu* menu = hand.menu;
-  if (XGrabPointer(dpy, catcher->window, False, ButtonReleaseMask, GrabModeAsync, GrabModeAsync,
-                   None, None, CurrentTime) == GrabSuccess) {
+  if (XGrabPointer(dpy, window, False, ButtonReleaseMask, GrabModeAsync, GrabModeAsync, None, None,
+                   CurrentTime) == GrabSuccess) {
     leaving = true;
     AwaitRelease(EndLeaving);
     PassMenuGrab(nullptr);
     EndMenuHand(menu);
   } else {
-    XUnmapWindow(dpy, catcher->window);
+    XDestroyWindow(dpy, window);
   }
   PopDownMenu(menu);
 }
@@ -357,7 +361,7 @@ void EndLeaving() {
   leaving = false;
   ForgetRelease();
   XUngrabPointer(dpy, CurrentTime);
-  XUnmapWindow(dpy, catcher->window);
+  XDestroyWindow(dpy, catcher->wobj->window);
 }
 
 void EndMenuHand(const XMenu* menu) {

@@ -13,41 +13,25 @@
 #include <X11/Xutil.h>
 #include <signal.h>
 
-#include <atomic>
 #include <cstdlib>
 #include <cstring>
-#include <mutex>
-#include <random>
-#include <thread>
 
 #include "core/option_files.h"
 
 namespace gromlit {
 namespace {
 
+using testing::Attack;
+using testing::AttackStep;
 using testing::kClickToRaise;
 using testing::kRight;
 using testing::Point;
 using testing::ProbeClient;
+using testing::Scene;
 using testing::WaitFor;
 using testing::XRequest;
 
 constexpr int kKeyA = 38;  // of the usual keymap
-
-struct Scene {
-  Display* display;  // a client of its own
-  Window top;        // of the application under the gesture
-  Window frame;      // what lies on the root window: the same without a window manager
-  Window other;      // another application
-  pid_t manager;     // the window manager; 0 where there is none
-};
-
-// What happens, and what ends it where it lasts.
-struct Attack {
-  const char* name;
-  void (*begin)(const Scene& scene);
-  void (*end)(const Scene& scene) = nullptr;
-};
 
 void DeleteProperties(Display* display, Window window) {
   int count = 0;
@@ -190,12 +174,6 @@ void PrintTo(const Setting& setting, std::ostream* out) {
   *out << setting.name;
 }
 
-// From one request that is attacked at to the next; 0: one is enough.
-unsigned long Step() {
-  const char* given = std::getenv("GROMLIT_EVERY_REQUEST");
-  return given != nullptr ? std::strtoul(given, nullptr, 10) : 0;
-}
-
 class BetweenRequestsTest : public testing::HostileRun,
                             public ::testing::WithParamInterface<Setting> {
  protected:
@@ -238,33 +216,21 @@ class BetweenRequestsTest : public testing::HostileRun,
     EXPECT_TRUE(Settle());
     const Point at = OriginOf(victim_->window());
     const unsigned long before = proxy_->Counts(0).requests;
-    const unsigned long first = before + number;
-    fired_ = false;
-    proxy_->BeforeRequest(
-        [&](const XRequest&) {
-          fired_ = true;
-          attack.begin(scene_);
-          XSync(intruder_, False);
-          if (attack.end != nullptr) EndLater(attack);
-        },
-        [first](const XRequest& request) {
-          return request.connection == 0 && request.number == first;
-        });
+    Arm(scene_, attack, 0, before + number);
     player->MoveTo(at.x + 80, at.y + 80);
     player->Press(3);
     if (GetParam().gesture == Gesture::kStroke)
       for (int x = 100; x <= 240; x += 20) player->MoveTo(at.x + x, at.y + 80);
     player->Release(3);
     const bool settled = Settle();
-    proxy_->BeforeRequest(nullptr);
-    if (ending_.joinable()) ending_.join();
+    const bool fired = Disarm();
     EXPECT_TRUE(settled) << WhereItStands();
     requests_ = proxy_->Counts(0).requests - before;
     if (attack.name == kAttacks[0].name) ExpectActedOn();
     victim_.reset();
     KeepManager();
     CloseAll();  // the offer of a plug-in for what has lost its name
-    return fired_;
+    return fired;
   }
   // One that was killed is started again, and has found its windows.
   void KeepManager() {
@@ -273,6 +239,9 @@ class BetweenRequestsTest : public testing::HostileRun,
     EXPECT_TRUE(WaitFor([this] {
       return testing::ParentOf(player->display(), other_->window()) != player->root();
     }));
+    // Each one puts its frame where the window was, and the window lower by the title.
+    XMoveWindow(player->display(), other_->window(), 700, 100);
+    EXPECT_TRUE(WaitFor([this] { return OriginOf(other_->window()).y < 150; }));
   }
   // What the gesture does when nobody interferes; else nothing here would be attacked.
   void ExpectActedOn() {
@@ -283,20 +252,9 @@ class BetweenRequestsTest : public testing::HostileRun,
       EXPECT_GE(victim_->Wait(1, "ButtonPress").size(), 1u);
     }
   }
-  // Lasting attacks end by themselves soon: what is frozen must not stay so on their account.
-  void EndLater(const Attack& attack) {
-    ending_ = std::thread([this, &attack] {
-      std::this_thread::sleep_for(std::chrono::milliseconds(30));
-      attack.end(scene_);
-      XSync(intruder_, False);
-    });
-  }
-
   unsigned long requests_ = 0;  // of the last gesture
   std::unique_ptr<ProbeClient> victim_;
   Scene scene_{};
-  std::atomic<bool> fired_{false};
-  std::thread ending_;
 };
 
 TEST_P(BetweenRequestsTest, WhateverOtherClientsDoTheNextGestureWorks) {
@@ -306,7 +264,6 @@ TEST_P(BetweenRequestsTest, WhateverOtherClientsDoTheNextGestureWorks) {
   ExpectAllIsWell();
   EXPECT_EQ(Keyboard(player->display()) != keyboard, lends);
   const unsigned long usual = requests_;
-  const unsigned long step = Step();
   int attacks = 0;
   const char* only = std::getenv("GROMLIT_ATTACK");
   std::vector<Attack> tried(std::begin(kAttacks), std::end(kAttacks));
@@ -315,16 +272,11 @@ TEST_P(BetweenRequestsTest, WhateverOtherClientsDoTheNextGestureWorks) {
   for (const Attack& attack : tried) {
     if (only != nullptr && std::string(attack.name) != only) continue;
     // Those with a window manager take longest.
-    if (step == 0 && manager != nullptr && Pick(2) == 0) continue;
+    if (AttackStep() == 0 && manager != nullptr && Pick(2) == 0) continue;
     // Some gestures take a few requests more.
-    const unsigned long last = step != 0 ? usual + usual / 8 : 1;
-    for (unsigned long n = step > 1 ? random_() % step : 0; n < last; n += std::max(step, 1UL)) {
-      const unsigned long number = 1 + (step != 0 ? n : random_() % usual);
-      attacks += Attacked(attack, number) ? 1 : 0;
-      ExpectAllIsWell(attack.name == std::string("take draw button"));
-      ASSERT_FALSE(HasFailure()) << attack.name << " before request " << number << ", seed "
-                                 << seed_;
-    }
+    attacks += Sweep(attack, usual, usual + usual / 8,
+                     [&](unsigned long number) { return Attacked(attack, number); });
+    if (HasFailure()) return;
   }
   EXPECT_TRUE(WaitFor([&] { return Keyboard(player->display()) == keyboard; }))
       << "keys are not given back";
@@ -399,28 +351,11 @@ class StartBetweenRequestsTest : public testing::HostileRun {
     }
     XSync(user, False);
     const int connection = proxy_->connections();
-    bool fired = false;
-    std::thread ending;
     scene_ = {intruder_, None, None, other_->window(), 0};
-    proxy_->BeforeRequest(
-        [&](const XRequest&) {
-          fired = true;
-          attack.begin(scene_);
-          XSync(intruder_, False);
-          if (attack.end == nullptr) return;
-          ending = std::thread([&] {
-            std::this_thread::sleep_for(std::chrono::milliseconds(30));
-            attack.end(scene_);
-            XSync(intruder_, False);
-          });
-        },
-        [&](const XRequest& request) {
-          return request.connection == connection && request.number == number;
-        });
+    Arm(scene_, attack, connection, number);
     StartGromlit();
     EXPECT_TRUE(Settle()) << GromlitOutput();
-    proxy_->BeforeRequest(nullptr);
-    if (ending.joinable()) ending.join();
+    const bool fired = Disarm();
     requests_ = proxy_->Counts(connection).requests;
     for (const Window window : victims) XDestroyWindow(user, window);
     main_ = MainWindow();
@@ -437,17 +372,11 @@ TEST_F(StartBetweenRequestsTest, WhateverOtherClientsDoTheProgramStarts) {
   StartAll();
   StartAttacked(kStartAttacks[0], 0);
   const unsigned long usual = requests_;
-  const unsigned long step = Step();
   int attacks = 0;
   for (const Attack& attack : kStartAttacks) {
-    const unsigned long last = step != 0 ? usual : 1;
-    for (unsigned long n = step > 1 ? Pick(step) : 0; n < last; n += std::max(step, 1UL)) {
-      const unsigned long number = 1 + (step != 0 ? n : Pick(usual));
-      attacks += StartAttacked(attack, number) ? 1 : 0;
-      ExpectAllIsWell();
-      ASSERT_FALSE(HasFailure()) << attack.name << " before request " << number << ", seed "
-                                 << seed_;
-    }
+    attacks += Sweep(attack, usual, usual,
+                     [&](unsigned long number) { return StartAttacked(attack, number); });
+    if (HasFailure()) return;
   }
   std::printf("%d attacks, a start has %lu requests\n", attacks, usual);
 }
@@ -502,23 +431,7 @@ class WorkBetweenRequestsTest : public testing::HostileRun {
     EXPECT_TRUE(work.picking || Settle());
     const int connection = proxy_->connections() - 1;
     const unsigned long before = proxy_->Counts(connection).requests;
-    bool fired = false;
-    std::thread ending;
-    proxy_->BeforeRequest(
-        [&](const XRequest&) {
-          fired = true;
-          attack.begin(scene_);
-          XSync(intruder_, False);
-          if (attack.end == nullptr) return;
-          ending = std::thread([&] {
-            std::this_thread::sleep_for(std::chrono::milliseconds(30));
-            attack.end(scene_);
-            XSync(intruder_, False);
-          });
-        },
-        [&](const XRequest& request) {
-          return request.connection == connection && request.number == before + number;
-        });
+    Arm(scene_, attack, connection, before + number);
     const Point at = OriginOf(main_);
     for (size_t i = 0; i < work.way.size(); i++) {
       player->MoveTo(at.x + work.way[i].x, at.y + work.way[i].y);
@@ -534,8 +447,7 @@ class WorkBetweenRequestsTest : public testing::HostileRun {
     // An attack may have kept the pick from hearing of it.
     if (work.picking && !WaitFor([this] { return PickLabel() == 0; }, kPickTime)) player->Click(1);
     EXPECT_TRUE(Settle()) << WhereItStands();
-    proxy_->BeforeRequest(nullptr);
-    if (ending.joinable()) ending.join();
+    const bool fired = Disarm();
     requests_ = proxy_->Counts(connection).requests - before;
     // The user gives up whatever is left.
     player->MoveTo(1270, 1000);
@@ -568,20 +480,17 @@ TEST_F(WorkBetweenRequestsTest, WhateverOtherClientsDoTheProgramsWindowsLetGo) {
   WriteChoices(kSentEvents, 0);
   StartAll();
   ShowMain();
-  const unsigned long step = Step();
   for (const Work& work : kWorks) {
     WorkAttacked(work, kAttacks[0], 0);
     const unsigned long usual = requests_;
     int attacks = 0;
     for (const Attack& attack : kAttacks) {
-      if (step == 0 && Pick(3) != 0) continue;
-      const unsigned long last = step != 0 ? usual : 1;
-      for (unsigned long n = step > 1 ? Pick(step) : 0; n < last; n += std::max(step, 1UL)) {
-        const unsigned long number = 1 + (step != 0 ? n : Pick(usual));
-        attacks += WorkAttacked(work, attack, number) ? 1 : 0;
-        ExpectAllIsWell(attack.name == std::string("take draw button"));
-        ASSERT_FALSE(HasFailure()) << work.name << ", " << attack.name << " before request "
-                                   << number << ", seed " << seed_;
+      if (AttackStep() == 0 && Pick(3) != 0) continue;
+      attacks += Sweep(attack, usual, usual,
+                       [&](unsigned long number) { return WorkAttacked(work, attack, number); });
+      if (HasFailure()) {
+        ADD_FAILURE() << "while in " << work.name;
+        return;
       }
     }
     std::printf("%s: %d attacks, %lu requests\n", work.name, attacks, usual);

@@ -14,6 +14,7 @@ constexpr int kOthersKey = 56;
 constexpr const char* kOthersPress = "KeyPress window=main keycode=56 state=0";
 
 constexpr auto kAskAgain = std::chrono::milliseconds(100);
+constexpr auto kAttackLasts = std::chrono::milliseconds(30);
 
 // Windows of one client share the upper bits of their ids.
 bool OfOneClient(Window a, Window b) {
@@ -21,6 +22,11 @@ bool OfOneClient(Window a, Window b) {
 }
 
 }  // namespace
+
+unsigned long AttackStep() {
+  const char* given = std::getenv("GROMLIT_EVERY_REQUEST");
+  return given != nullptr ? std::strtoul(given, nullptr, 10) : 0;
+}
 
 void HostileRun::SetUp() {
   FrontEnd::SetUp();
@@ -55,6 +61,53 @@ void HostileRun::WriteChoices(int delivery, int choices) {
   CopyText(options.urlcmd, "recorder url %s");
   CopyText(options.sndcmd, "recorder sound %s");
   ASSERT_EQ(SaveUserOptions(&options, defaultOptionFile), 1);
+}
+
+void HostileRun::Arm(const Scene& scene, const Attack& attack, int connection,
+                     unsigned long number) {
+  Arm(scene, attack, [connection, number](const XRequest& request) {
+    return request.connection == connection && request.number == number;
+  });
+}
+
+void HostileRun::Arm(const Scene& scene, const Attack& attack, const XProxy::Wanted& wanted) {
+  fired_ = false;
+  proxy_->BeforeRequest(
+      [this, &scene, &attack](const XRequest&) {
+        if (fired_.exchange(true)) return;
+        attack.begin(scene);
+        XSync(scene.display, False);
+        if (attack.end == nullptr) return;
+        ending_ = std::thread([&scene, &attack] {
+          std::this_thread::sleep_for(kAttackLasts);
+          attack.end(scene);
+          XSync(scene.display, False);
+        });
+      },
+      wanted);
+}
+
+bool HostileRun::Disarm() {
+  proxy_->BeforeRequest(nullptr);
+  if (ending_.joinable()) ending_.join();
+  return fired_;
+}
+
+int HostileRun::Sweep(const Attack& attack, unsigned long usual, unsigned long most,
+                      const std::function<bool(unsigned long number)>& attacked) {
+  const unsigned long step = AttackStep();
+  const unsigned long last = step != 0 ? most : 1;
+  int attacks = 0;
+  for (unsigned long n = step > 1 ? Pick(step) : 0; n < last; n += std::max(step, 1UL)) {
+    const unsigned long number = 1 + (step != 0 ? n : Pick(usual));
+    attacks += attacked(number) ? 1 : 0;
+    ExpectAllIsWell(attack.name == std::string("take draw button"));
+    if (HasFailure()) {
+      ADD_FAILURE() << attack.name << " before request " << number << ", seed " << seed_;
+      break;
+    }
+  }
+  return attacks;
 }
 
 void HostileRun::StartAll() {

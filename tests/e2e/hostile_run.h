@@ -5,14 +5,34 @@
 
 #include "tests/e2e/front_end.h"
 
+#include <atomic>
 #include <memory>
 #include <random>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "tests/support/x_proxy.h"
 
 namespace gromlit::testing {
+
+struct Scene {
+  Display* display;  // a client of its own
+  Window top;        // of the application under the gesture
+  Window frame;      // what lies on the root window: the same without a window manager
+  Window other;      // another application
+  pid_t manager;     // the window manager; 0 where there is none
+};
+
+// What another client does, and what ends it where it lasts.
+struct Attack {
+  const char* name;
+  void (*begin)(const Scene& scene);
+  void (*end)(const Scene& scene) = nullptr;
+};
+
+// From one request that is attacked at to the next, by GROMLIT_EVERY_REQUEST; 0: one is enough.
+unsigned long AttackStep();
 
 class HostileRun : public FrontEnd {
  protected:
@@ -27,6 +47,19 @@ class HostileRun : public FrontEnd {
   void StartAgain();
 
   unsigned long Pick(unsigned long n) { return random_() % n; }
+
+  // Before request `number`, from 1, of a connection of the program's, or before those that are
+  // `wanted`, the attack begins; it ends by itself soon, for what is frozen must not stay so on its
+  // account. Both are to live until Disarm.
+  void Arm(const Scene& scene, const Attack& attack, int connection, unsigned long number);
+  void Arm(const Scene& scene, const Attack& attack, const XProxy::Wanted& wanted);
+  // Returns whether it came to that; what has begun has ended then.
+  bool Disarm();
+  // Makes an attack before requests of something that takes `usual` of them, by AttackStep: one
+  // that the seed chooses, or each. `attacked` does it and returns whether it came to the request;
+  // after it all has to be well. Returns how many came.
+  int Sweep(const Attack& attack, unsigned long usual, unsigned long most,
+            const std::function<bool(unsigned long number)>& attacked);
 
   // Waits until the program has done all that it had to do: it answers a question, which it does
   // between two events only.
@@ -54,6 +87,9 @@ class HostileRun : public FrontEnd {
 
  private:
   void ExpectQuiet();
+
+  std::atomic<bool> fired_{false};
+  std::thread ending_;
 };
 
 }  // namespace gromlit::testing

@@ -6,6 +6,24 @@
 
 namespace gromlit::testing {
 
+namespace {
+
+// The numbers of this connection's windows are given anew by the next one, to other windows: an
+// entry that still had one would get their events.
+void ForgetWindows() {
+  constexpr XID kOwnBits = 0x1fffff;      // of a number: those that the client chooses
+  constexpr Window kNobody = ~Window{0};  // no server gives this number
+  lastpressed = None;
+  const XID next = XAllocID(dpy);
+  const auto forget = [](Window window) {
+    while (WindowObj* entry = HasWindowObj(window)) entry->window = kNobody;
+  };
+  forget(root);
+  for (Window window = next & ~kOwnBits; window < next; window++) forget(window);
+}
+
+}  // namespace
+
 int XFixture::errors = 0;
 
 void XFixture::SetUp() {
@@ -38,6 +56,7 @@ void XFixture::TearDown() {
     for (GC gc : {buttongc, logogc, txtgc}) XFreeGC(dpy, gc);
     for (XFontStruct* font : {txtFontinfo, labelFontinfo, logoFontinfo})
       if (font != nullptr) XFreeFont(dpy, font);
+    ForgetWindows();
     // Closed before the server goes: a broken connection would end the test program.
     XCloseDisplay(dpy);
     dpy = nullptr;

@@ -4,6 +4,7 @@
 #include <X11/XKBlib.h>
 #include <X11/Xutil.h>
 #include <X11/extensions/XInput.h>
+#include <X11/extensions/XInput2.h>
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
 
@@ -616,6 +617,95 @@ TEST_F(RealInput, HeldModifiersComeBackWhenTheKeyboardHasThawed) {
   EXPECT_EQ(KeysDown(), held);
   board.Key(XK_Control_L, false);
   board.Key(XK_Shift_L, false);
+}
+
+// Another client has taken away the device that the program's keys come from when the program lets
+// go of a modifier: that is down for the server ever after, and would be taken for the user's.
+TEST_F(RealInput, KeyboardThatWasTakenAwayLeavesNothingDownAfterTheNextAction) {
+  Display* const other = player->display();
+  int count = 0;
+  XIDeviceInfo* const devices = XIQueryDevice(other, XIAllDevices, &count);
+  int tester = 0;
+  for (int i = 0; i < count; i++)
+    if (std::string(devices[i].name).ends_with("XTEST keyboard")) tester = devices[i].deviceid;
+  XIFreeDeviceInfo(devices);
+  ASSERT_NE(tester, 0);
+  HotKey(kKeyA, 0);
+  player->KeyDown(XK_Shift_L);
+  std::array<unsigned char, 4> bits{};
+  XIEventMask mask{tester, static_cast<int>(bits.size()), bits.data()};
+  ASSERT_EQ(XIGrabDevice(other, tester, player->root(), CurrentTime, None, XIGrabModeAsync,
+                         XIGrabModeAsync, False, &mask),
+            GrabSuccess);
+  HotKey(kKeyA, 0);
+  XIUngrabDevice(other, tester, CurrentTime);
+  XSync(other, False);
+  for (int i = 0; i < 2; i++) {
+    HotKey(kKeyA, 0);
+    EXPECT_EQ(KeysDown(), std::vector<int>{});
+  }
+}
+
+// A pointer and a keyboard that another client makes, with the board, and that the program and the
+// user work with from then on. The program's keys come from a device then that was not there
+// before.
+class SecondKeyboard {
+ public:
+  SecondKeyboard(Display* display, Window programs) : display_(display) {
+    char name[] = "second";
+    XIAnyHierarchyChangeInfo change{};
+    change.add = {XIAddMaster, name, True, True};
+    XIChangeHierarchy(display_, &change, 1);
+    change.attach = {XIAttachSlave, Find("Xvfb keyboard"), Find("second keyboard")};
+    XIChangeHierarchy(display_, &change, 1);
+    for (const Window client : {programs, Window{None}})
+      XISetClientPointer(display_, client, Find("second pointer"));
+    XSync(display_, False);
+  }
+  ~SecondKeyboard() {
+    XIAnyHierarchyChangeInfo change{};
+    change.remove = {XIRemoveMaster, Find("second pointer"), XIAttachToMaster,
+                     Find("Virtual core pointer"), Find("Virtual core keyboard")};
+    XIChangeHierarchy(display_, &change, 1);
+    XSync(display_, False);
+  }
+  SecondKeyboard(const SecondKeyboard&) = delete;
+  SecondKeyboard& operator=(const SecondKeyboard&) = delete;
+
+ private:
+  int Find(const std::string& name) {
+    int count = 0;
+    XIDeviceInfo* devices = XIQueryDevice(display_, XIAllDevices, &count);
+    int found = 0;
+    for (int i = 0; i < count; i++)
+      if (devices[i].name == name) found = devices[i].deviceid;
+    XIFreeDeviceInfo(devices);
+    EXPECT_NE(found, 0) << name;
+    return found;
+  }
+
+  Display* display_;
+};
+
+TEST_F(RealInput, HeldModifiersComeBackOnAKeyboardThatCameLater) {
+  Board board(player->display());
+  HotKey(kKeyC, ControlMask);  // the program has looked at what devices there are
+  const Window own = XCreateSimpleWindow(dpy, root, 0, 0, 1, 1, 0, 0, 0);
+  XSync(dpy, False);
+  const SecondKeyboard second(player->display(), own);
+  board.Key(XK_Control_L, true);
+  board.Key(XK_Shift_L, true);
+  const auto held = KeysDown();
+  EXPECT_EQ(held.size(), 2u);
+  for (int i = 0; i < 3; i++) {
+    HotKey(kKeyC, ControlMask | ShiftMask);
+    EXPECT_EQ(KeysDown(), held);
+  }
+  board.Key(XK_Control_L, false);
+  board.Key(XK_Shift_L, false);
+  EXPECT_EQ(KeysDown(), std::vector<int>{});
+  HotKey(kKeyC, ControlMask | ShiftMask);
+  EXPECT_EQ(KeysDown(), std::vector<int>{});
 }
 
 // Modifiers go down and up around the actions and during them, by another connection.

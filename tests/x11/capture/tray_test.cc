@@ -232,6 +232,27 @@ TEST_F(TrayTest, IconThatATrayLetsGoOfIsNotLeftOnTheRoot) {
   StartTray();
 }
 
+// The root window exposes the icon that a dying tray has put there; when that is read the icon has
+// been destroyed for being there.
+TEST_F(TrayTest, ExposureOfAnIconThatHasGoneDrawsNothing) {
+  WatchForTrays();
+  StartTray();
+  static int exposed;
+  static int into_none;
+  exposed = into_none = 0;
+  SetHandler(trayicon->wobj, Expose, [](void*, XEvent* event) {
+    if (trayicon->window == None) exposed++;
+    DrawTrayIcon(trayicon, event);
+  });
+  XSetErrorHandler([](Display*, XErrorEvent* error) {
+    if (error->error_code == BadDrawable && error->resourceid == None) into_none++;
+    return 0;
+  });
+  EndTray();
+  EXPECT_TRUE(PumpUntil([] { return exposed > 0; })) << "nothing was exposed too late";
+  EXPECT_EQ(into_none, 0);
+}
+
 TEST_F(TrayTest, AnotherTrayTakesTheIconOver) {
   WatchForTrays();
   StartTray();

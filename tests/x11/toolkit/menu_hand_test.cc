@@ -252,6 +252,26 @@ TEST_F(MenuHandTest, PressOutsideClosesTheMenuAndReachesNobody) {
   XSync(other, True);
 }
 
+// Whatever windows of the program another client destroys between two menus.
+TEST_F(MenuHandTest, PressOutsideReachesNobodyThoughTheWindowThatCaughtTheLastOneHasGone) {
+  XMenu* menu = Menu({Item("One"), Item("Two")});
+  for (int round = 0; round < 2; round++) {
+    OpenPopup(menu);
+    MoveToPoint(kX - 100, kY);
+    Press();
+    EXPECT_FALSE(Mapped(menu));
+    EXPECT_TRUE(HandIsLeaving()) << "until the release";
+    EXPECT_FALSE(player->CanGrabPointer());
+    Release();
+    EXPECT_FALSE(HandIsLeaving());
+    EXPECT_TRUE(HoldsNothing());
+    for (const Window window : testing::ChildrenOf(player->display(), player->root()))
+      if (PlaceOf(window) == testing::Place{-2, -2, 1, 1})
+        XDestroyWindow(player->display(), window);
+    XSync(player->display(), False);
+  }
+}
+
 TEST_F(MenuHandTest, ReleaseThatIsNeverSeenDoesNotKeepThePointer) {
   XMenu* menu = Menu({Item("One"), Item("Two")});
   // Both are over before the press is read: the menu stands, and the next click counts.
