@@ -7,6 +7,7 @@
 #undef min
 #undef max
 
+#include "display/calls_xlib.h"
 #include "display/display.h"
 
 namespace gromlit {
@@ -20,7 +21,7 @@ constexpr int kTypes = 17;   // of the extension's events
 // What its library does with them.
 Convert convert = nullptr;
 
-Bool ConvertUnlessSent(Display* display, XEvent* event, xEvent* wire) {
+GROMLIT_CALLS_XLIB Bool ConvertUnlessSent(Display* display, XEvent* event, xEvent* wire) {
   return (wire->u.u.type & kSent) == 0 && convert(display, event, wire) ? True : False;
 }
 

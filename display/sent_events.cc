@@ -8,6 +8,7 @@
 
 #include <initializer_list>
 
+#include "display/calls_xlib.h"
 #include "display/display.h"
 
 namespace gromlit {
@@ -21,7 +22,7 @@ constexpr int kSent = 0x80;  // in an event's type, on its way
 Convert convert = nullptr;
 
 // False: the event is dropped.
-Bool ConvertUnlessSent(Display* display, XEvent* event, xEvent* wire) {
+GROMLIT_CALLS_XLIB Bool ConvertUnlessSent(Display* display, XEvent* event, xEvent* wire) {
   if ((wire->u.u.type & kSent) != 0) {
     const int type = wire->u.u.type & ~kSent;
     if (type == EnterNotify || type == LeaveNotify || type == CreateNotify) return False;
