@@ -6,10 +6,12 @@
 #undef min
 #undef max
 
+#include <algorithm>
 #include <array>
 #include <bitset>
 #include <initializer_list>
 
+#include "display/calls_xlib.h"
 #include "display/display.h"
 
 namespace gromlit {
@@ -26,7 +28,7 @@ std::array<Convert, kTypes> converts{};
 std::bitset<kTypes> everywhere;
 
 // False: the event is dropped.
-Bool ConvertUnlessSent(Display* display, XEvent* event, xEvent* wire) {
+GROMLIT_CALLS_XLIB Bool ConvertUnlessSent(Display* display, XEvent* event, xEvent* wire) {
   const auto type = static_cast<size_t>(wire->u.u.type & ~kSent);
   if ((wire->u.u.type & kSent) != 0) {
     if (everywhere[type]) return False;
@@ -48,7 +50,7 @@ void ForgetSentInput() {
 }
 
 void ForgetSentEvents(int first, int count) {
-  for (int type = first; type < first + count; type++) {
+  for (int type = first; type < std::min(first + count, kTypes); type++) {
     everywhere.set(static_cast<size_t>(type));
     LetPass(type);
   }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "display/calls_xlib.h"
 #include "display/display.h"
 #include "display/extension_question.h"
 
@@ -28,7 +29,8 @@ struct Shapes {
 Shapes shapes{};
 
 // Sets a part of a window to a rectangle, or to nothing.
-void Combine(Window window, int kind, int operation, const XRectangle* rectangle) {
+GROMLIT_CALLS_XLIB void Combine(Window window, int kind, int operation,
+                                const XRectangle* rectangle) {
   if (!HasInputShapes()) return;
   LockDisplay(dpy);
   auto* const request =
@@ -48,7 +50,7 @@ void Combine(Window window, int kind, int operation, const XRectangle* rectangle
 }
 
 // Makes a part of a window the whole of it again.
-void Reset(Window window, int kind) {
+GROMLIT_CALLS_XLIB void Reset(Window window, int kind) {
   if (!HasInputShapes()) return;
   LockDisplay(dpy);
   auto* const request =

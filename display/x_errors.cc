@@ -1,5 +1,6 @@
 #include "display/x_errors.h"
 
+#include "display/calls_xlib.h"
 #include "display/display.h"
 
 namespace gromlit {
@@ -10,7 +11,7 @@ int firsterror = Success;
 unsigned long begin = 0;  // number of its first request
 XErrorHandler former = nullptr;
 
-int RememberError(Display* display, XErrorEvent* error) {
+GROMLIT_CALLS_XLIB int RememberError(Display* display, XErrorEvent* error) {
   // Errors of earlier requests belong to the former handler.
   if (error->serial < begin) return former != nullptr ? former(display, error) : 0;
   if (firsterror == Success) firsterror = error->error_code;

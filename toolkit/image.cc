@@ -7,6 +7,7 @@
 #include <system_error>
 #include <vector>
 
+#include "display/calls_xlib.h"
 #include "display/colours.h"
 #include "display/display.h"
 #include "display/scale.h"
@@ -129,7 +130,7 @@ bool ReadColour(std::string_view line, int cpp, std::vector<unsigned long>* pixe
 
 // An image of the format that the root window's own contents would come in. Reading those contents
 // back instead would cost a round trip and fail on a screen smaller than the picture.
-XImage* BlankImage(int width, int height) {
+GROMLIT_CALLS_XLIB XImage* BlankImage(int width, int height) {
   XImage* image = XCreateImage(
       dpy, DefaultVisual(dpy, screen), static_cast<unsigned>(DefaultDepth(dpy, screen)), ZPixmap, 0,
       nullptr, static_cast<unsigned>(width), static_cast<unsigned>(height), BitmapPad(dpy), 0);
@@ -145,7 +146,7 @@ XImage* BlankImage(int width, int height) {
 }
 
 // The image with every pixel doubled both ways; null where there is no memory.
-XImage* Doubled(XImage* image) {
+GROMLIT_CALLS_XLIB XImage* Doubled(XImage* image) {
   XImage* twice = BlankImage(2 * image->width, 2 * image->height);
   if (twice == nullptr) return nullptr;
   for (int y = 0; y < twice->height; y++) {
@@ -164,7 +165,7 @@ std::vector<Sharp>& SharpImages() {
   return *images;
 }
 
-void Drop(XImage* image) {
+GROMLIT_CALLS_XLIB void Drop(XImage* image) {
   if (image == nullptr) return;
   for (const Sharp& sharp : SharpImages()) {
     if (sharp.image == image && sharp.twice != nullptr) XDestroyImage(sharp.twice);
@@ -197,7 +198,7 @@ void MakeImages() {
   Renew(&rightmenuImage, menurightarrow);
 }
 
-XImage* XpmToPixmap(std::span<const char* const> data) {
+GROMLIT_CALLS_XLIB XImage* XpmToPixmap(std::span<const char* const> data) {
   Header header{};
   if (!ReadHeader(data, &header)) return nullptr;
   std::vector<unsigned long> pixels(header.cpp == 2 ? kPixelTableSize : 256U);
@@ -219,7 +220,7 @@ XImage* XpmToPixmap(std::span<const char* const> data) {
   return image;
 }
 
-void PutImage(Window win, GC gc, XImage* image, int x, int y) {
+GROMLIT_CALLS_XLIB void PutImage(Window win, GC gc, XImage* image, int x, int y) {
   if (image == nullptr) return;
   if (Scale() == 1) {
     PutDevice(win, gc, image, x, y);

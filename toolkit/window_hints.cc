@@ -6,6 +6,7 @@
 
 #include <vector>
 
+#include "display/calls_xlib.h"
 #include "display/colours.h"
 #include "display/display.h"
 #include "display/window_manager.h"
@@ -31,7 +32,7 @@ void SetBytes(Window window, Atom property, Atom type, const std::string& bytes)
 
 // The letter that the logo begins with, a square of its height: width, height and the pixels, of
 // which the upper eight bits say how much is seen.
-std::vector<long> IconData() {
+GROMLIT_CALLS_XLIB std::vector<long> IconData() {
   constexpr unsigned long kOpaque = 0xff000000;
   std::vector<long> data = {kIcon, kIcon};
   for (int y = 0; y < kIcon; y++) {

@@ -13,6 +13,7 @@
 #include "app/tray/tray_menu.h"
 #include "app/tray/tray_picture.h"
 #include "core/option_files.h"
+#include "display/calls_xlib.h"
 #include "display/display.h"
 #include "display/modes.h"
 #include "display/pause.h"
@@ -94,7 +95,7 @@ void MakeIconWindow(TrayIcon* icon) {
   DescribeIcon(icon->window);
 }
 
-void ForgetPicture(TrayIcon* icon) {
+GROMLIT_CALLS_XLIB void ForgetPicture(TrayIcon* icon) {
   if (icon->picture != nullptr) XDestroyImage(icon->picture);
   icon->picture = nullptr;
 }

@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstdlib>
 
+#include "display/calls_xlib.h"
 #include "display/display.h"
 #include "toolkit/image.h"
 
@@ -57,7 +58,7 @@ int InLogo(int n, int side) {
 }
 
 // The mean of what the logo has below a pixel of the picture.
-Shade MeanAt(const Channels& channels, int x, int y, int side) {
+GROMLIT_CALLS_XLIB Shade MeanAt(const Channels& channels, int x, int y, int side) {
   Shade sum;
   for (int j = 0; j < kSamples; j++) {
     for (int i = 0; i < kSamples; i++) {
@@ -87,7 +88,7 @@ bool IsOnBar(int x, int y, int side) {
   return std::abs(x + y - (side - 1)) <= std::max(side / 12, 1);
 }
 
-XImage* EmptyPicture(int side) {
+GROMLIT_CALLS_XLIB XImage* EmptyPicture(int side) {
   XImage* picture = XCreateImage(
       dpy, DefaultVisual(dpy, screen), static_cast<unsigned>(DefaultDepth(dpy, screen)), ZPixmap, 0,
       nullptr, static_cast<unsigned>(side), static_cast<unsigned>(side), BitmapPad(dpy), 0);
@@ -104,7 +105,7 @@ XImage* EmptyPicture(int side) {
 
 }  // namespace
 
-XImage* MakeTrayPicture(int side, bool paused) {
+GROMLIT_CALLS_XLIB XImage* MakeTrayPicture(int side, bool paused) {
   constexpr Shade kBar{0xc0, 0x20, 0x20};
   XImage* picture = logoImage != nullptr ? EmptyPicture(side) : nullptr;
   if (picture == nullptr) return nullptr;

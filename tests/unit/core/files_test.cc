@@ -212,6 +212,17 @@ TEST_F(Files, LinkThatLeadsNowhereCreatesItsTarget) {
   EXPECT_EQ(ReadText(install_ / "symbols/later"), "new");
 }
 
+TEST_F(Files, LinkIsFollowedFromADirectoryWithANameOfOneLetter) {
+  const fs::path former = fs::current_path();
+  fs::create_directory(install_ / "d");
+  fs::create_symlink("real", install_ / "d/link");
+  fs::current_path(install_.path());
+  EXPECT_TRUE(Save("d/link", "new"));
+  fs::current_path(former);
+  EXPECT_TRUE(fs::is_symlink(install_ / "d/link"));
+  EXPECT_EQ(ReadText(install_ / "d/real"), "new");
+}
+
 TEST_F(Files, LinkLoopFails) {
   fs::create_symlink("loop", install_ / "symbols/loop");
   EXPECT_FALSE(Save(install_ / "symbols/loop", "new"));

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <cstring>
+#include <new>
 #include <string>
 
 #include "core/strings.h"
@@ -66,6 +68,16 @@ TEST(CopyGromlitSymbol, CopyOntoItselfChangesNothing) {
   EXPECT_STREQ(sym.name, "Self");
   EXPECT_EQ(sym.npoints, 2);
   EXPECT_EQ(sym.x[1], 16);
+}
+
+// Released a second time, as a record is that two lists have held, nothing may be freed again.
+TEST(ReleaseFeatures, LeavesNothingToRelease) {
+  GromlitSymbol sym{};
+  sym.signature = static_cast<char*>(std::calloc(2, 1));
+  sym.shape = static_cast<Shape*>(::operator new(8));
+  ReleaseFeatures(&sym);
+  EXPECT_EQ(sym.signature, nullptr);
+  EXPECT_EQ(sym.shape, nullptr);
 }
 
 TEST(CopyGromlitSymbol, CutsASourceNameWithoutNul) {

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "core/record_codec.h"
+#include "core/retired.h"
 #include "core/strings.h"
 #include "tests/support/temp_install.h"
 #include "tests/unit/core/child.h"
@@ -210,6 +211,12 @@ TEST_F(SymbolFiles, SortedViewOfNothingIsAnArrayToo) {
   const std::unique_ptr<GromlitSymbol*[]> sorted(UpdateSymbols(&n));
   EXPECT_NE(sorted, nullptr);
   EXPECT_EQ(n, 0);
+}
+
+TEST_F(SymbolFiles, SortedViewOfAListThatWasNeverLoadedIsEmpty) {
+  Retire(allSymbols);
+  allSymbols = nullptr;
+  EXPECT_EQ(SortedNames(), V{});
 }
 
 // --- Saving and removing ---
