@@ -1,5 +1,6 @@
 #include "actions/keystrokes.h"
 
+#include <X11/XKBlib.h>
 #include <X11/Xutil.h>
 
 #include <algorithm>
@@ -29,6 +30,22 @@ constexpr unsigned StateAt(int i) {
 static_assert(StateAt(64) == Mod4Mask);
 static_assert(StateAt(65) == Mod5Mask);
 
+constexpr int kKeys = 256;
+
+// The modifiers that can change what XLookupString gives for a key: those that the key looks at in
+// any group (with Control a letter is sought in the others, too), and the two that are applied to
+// what it gives.
+unsigned ModifiersThatMatter(int key) {
+  unsigned matter = ControlMask | LockMask;
+  for (unsigned group = 0; group < XkbNumKbdGroups; group++) {
+    unsigned looked = 0;
+    KeySym unused;
+    XkbLookupKeySym(dpy, static_cast<KeyCode>(key), XkbBuildCoreState(0U, group), &looked, &unused);
+    matter |= looked;
+  }
+  return matter;
+}
+
 }  // namespace
 
 void BuildCharToKeycode() {
@@ -44,9 +61,13 @@ void BuildCharToKeycode() {
   int first;
   int last;
   XDisplayKeycodes(dpy, &first, &last);
+  unsigned matter[kKeys] = {};
+  for (int k = first; k < last; k++) matter[k] = ModifiersThatMatter(k);
   for (int i = 0; i < kStates; i++) {
     event.state = StateAt(i);
     for (int k = first; k < last; k++) {
+      // The state without the others was tried before and gave the same.
+      if ((event.state & ~matter[k]) != 0) continue;
       event.keycode = static_cast<unsigned>(k);
       char text[32];
       if (XLookupString(&event, text, sizeof text, nullptr, nullptr) != 1) continue;

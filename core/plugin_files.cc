@@ -1,20 +1,22 @@
 #include "core/plugin_files.h"
 
-#include <dirent.h>
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <memory>
 #include <new>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
 #include <vector>
 
+#include "core/directory_files.h"
 #include "core/files.h"
 #include "core/plugin_image.h"
 #include "core/plugin_names.h"
@@ -151,6 +153,14 @@ bool MayBeFile(const std::string& path) {
   return errno != ENOENT;
 }
 
+// The plug-in whose file begins with these bytes; null when none does.
+GromlitPlugin* NewPlugin(std::span<const std::byte> file, const char* fname) {
+  auto plugin = std::make_unique<GromlitPlugin>();
+  if (!DecodePluginRecord(file, plugin.get())) return nullptr;
+  KeepFile(plugin.get(), fname);
+  return plugin.release();
+}
+
 GromlitPlugin* SaveFailed() {
   ReportSystemError("Save Plugin");
   return nullptr;
@@ -164,15 +174,14 @@ int LoadPlugins() {
   Retire(allPlugins);
   allPlugins = new GromlitPluginList();
   KeepSparePluginFiles({});
-  const std::string path = std::string(GromlitPath) + "/" + pluginDirectory;
-  const std::unique_ptr<DIR, int (*)(DIR*)> directory(opendir(path.c_str()), closedir);
-  if (directory == nullptr) return 0;
+  DirectoryFiles files(std::string(GromlitPath) + "/" + pluginDirectory);
+  std::array<std::byte, kRecordEnd> file;
   // Of each class the plug-in that counts, in directory order.
   std::vector<GromlitPlugin*> found;
   std::unordered_map<std::string_view, GromlitPlugin*> ofclass;  // keys lie in the plug-ins
   std::vector<SparePluginFile> spareFiles;
-  while (const dirent* entry = readdir(directory.get())) {
-    GromlitPlugin* plugin = LoadPlugin(entry->d_name);
+  while (const char* name = files.Next()) {
+    GromlitPlugin* plugin = NewPlugin(files.Read(file), name);
     if (plugin == nullptr) continue;
     const std::string_view classname = FieldText(plugin->classname);
     const auto [known, fresh] = ofclass.try_emplace(classname, plugin);

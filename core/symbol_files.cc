@@ -1,14 +1,13 @@
 #include "core/symbol_files.h"
 
-#include <dirent.h>
-
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
+#include "core/directory_files.h"
 #include "core/files.h"
 #include "core/record_codec.h"
 #include "core/report.h"
@@ -35,15 +34,20 @@ void EnsureList() {
   if (allSymbols == nullptr) allSymbols = new GromlitSymbolList();
 }
 
+// The symbol in a file's bytes; null when they are none.
+GromlitSymbol* NewSymbol(std::span<const std::byte> file) {
+  if (file.size() < kFileSize || !HasHeader(file, GromlitSymbolFileHeaderString)) return nullptr;
+  auto* sym = new GromlitSymbol();
+  DecodeSymbol(std::span(file).subspan(kHeaderSize), sym);
+  return sym;
+}
+
 }  // namespace
 
 GromlitSymbol* LoadSymbol(const char* fname, const char* ext) {
   std::vector<std::byte> file;
   if (!ReadFile(SymbolPath(fname, ext).c_str(), kFileSize, &file)) return nullptr;
-  if (file.size() < kFileSize || !HasHeader(file, GromlitSymbolFileHeaderString)) return nullptr;
-  auto* sym = new GromlitSymbol();
-  DecodeSymbol(std::span(file).subspan(kHeaderSize), sym);
-  return sym;
+  return NewSymbol(file);
 }
 
 GromlitSymbol* UnLoadSymbol(GromlitSymbol* sym, const char* fname, const char* ext) {
@@ -58,16 +62,15 @@ GromlitSymbol* UnLoadSymbol(GromlitSymbol* sym, const char* fname, const char* e
 int LoadSymbols() {
   Retire(allSymbols);
   allSymbols = new GromlitSymbolList();
-  const std::string path = std::string(GromlitPath) + "/" + symbolDirectory;
-  const std::unique_ptr<DIR, int (*)(DIR*)> directory(opendir(path.c_str()), closedir);
-  if (directory == nullptr) return 0;
+  DirectoryFiles files(std::string(GromlitPath) + "/" + symbolDirectory);
+  std::array<std::byte, kFileSize> file;
   int count = 0;
   GromlitSymbolList* sentinel = allSymbols;
-  while (const dirent* entry = readdir(directory.get())) {
-    GromlitSymbol* sym = LoadSymbol(entry->d_name, "");
+  while (const char* name = files.Next()) {
+    GromlitSymbol* sym = NewSymbol(files.Read(file));
     if (sym == nullptr) continue;
     count++;
-    sentinel->filename = StrDup(entry->d_name);
+    sentinel->filename = StrDup(name);
     sentinel->sym = sym;
     sentinel->next = new GromlitSymbolList();
     sentinel = sentinel->next;

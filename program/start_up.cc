@@ -116,8 +116,14 @@ void MakeEditors() {
   UpdateUserOptions(user);
 }
 
+// On its way to the screen, and into its frame, while the files are read that it shows: nothing
+// that is done to it is looked at before the event loop.
 void ShowMainWindow() {
   MapTopLevel(app->window);
+  XFlush(dpy);
+}
+
+void FillMainWindow() {
   UpdateGromlitApp(app, defaultPluginClassname, nullptr);
   DrawGromlitApp(app);
   if (!HandsOff(DefaultPlugin)) UpdatePulldownButton(app->txt, defaultPluginClassname);
@@ -148,7 +154,6 @@ void StartUp(const CommandLine& line) {
                        ModernManners() ? DpiOfDesktop() : std::string()));
   MakeResources();
   if (user->splash != 0) DoSplash();
-  BuildCharToKeycode();
   keyboardChanged = [](const XMappingEvent& event) {
     KeyboardChanged(event);
     RenewDrawLocks();
@@ -162,13 +167,15 @@ void StartUp(const CommandLine& line) {
   MakeOverlayAndMainWindow();
   MakeConfirmDialog();
   MakeEditNameDialog(SaveNewPluginName);
-  ReadPlugins();
   MakeNewPluginDialogs();
+  ShowMainWindow();
+  ReadPlugins();
+  FillMainWindow();
   MakeEditors();
   CatchEndSignals(GiveBack);
-  ShowMainWindow();
   // From here on windows of other clients are asked about that may be gone already.
   XSetErrorHandler(GromlitXErrorHandler);
+  BuildCharToKeycode();
   // Asked for here, answered while the next step waits.
   AskForWindows();
   AskForTrays();

@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -13,6 +16,7 @@
 #include "core/record_codec.h"
 #include "core/retired.h"
 #include "core/strings.h"
+#include "tests/support/syscalls.h"
 #include "tests/support/temp_install.h"
 #include "tests/unit/core/child.h"
 #include "tests/unit/core/golden.h"
@@ -22,13 +26,17 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::BecomeOrdinaryUser;
+using testing::Ending;
 using testing::Exists;
 using testing::Golden;
 using testing::LimitFileSize;
 using testing::ReadBytes;
 using testing::ReadText;
 using testing::RunInChild;
+using testing::RunTraced;
+using testing::Stop;
 using testing::TempInstall;
+using testing::WhyNotTraced;
 using testing::WriteBytes;
 using testing::WriteText;
 
@@ -178,6 +186,79 @@ TEST_F(SymbolFiles, DirectoryIsReadInItsOrderWithoutAFilterOnNames) {
   EXPECT_EQ(found, expected);
   EXPECT_EQ(node->next, nullptr) << "the sentinel is the last node";
   EXPECT_EQ(node->filename, nullptr);
+}
+
+TEST_F(SymbolFiles, LinksAreFollowedAndPipesLeftUnread) {
+  WriteBytes(install_ / "elsewhere", File("linked").bytes());
+  fs::create_symlink(install_ / "elsewhere", PathOf("link.sls"));
+  fs::create_symlink(install_ / "nowhere", PathOf("broken.sls"));
+  fs::create_symlink(install_.path(), PathOf("folder.sls"));
+  ASSERT_EQ(mkfifo(PathOf("pipe.sls").c_str(), 0666), 0);
+  ASSERT_EQ(mkfifo((install_ / "pipe").c_str(), 0666), 0);
+  fs::create_symlink(install_ / "pipe", PathOf("linkedpipe.sls"));
+  const std::vector<std::byte> symbol = File("piped").bytes();
+  std::vector<int> pipes;
+  for (const std::string& path : {PathOf("pipe.sls"), install_ / "pipe"}) {
+    pipes.push_back(open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC));
+    ASSERT_EQ(write(pipes.back(), symbol.data(), symbol.size()),
+              static_cast<ssize_t>(symbol.size()));
+  }
+  EXPECT_EQ(LoadSymbols(), 1);
+  EXPECT_STREQ(allSymbols->sym->name, "linked");
+  EXPECT_STREQ(allSymbols->filename, "link.sls");
+  for (const int pipe : pipes) {
+    int waiting = 0;
+    EXPECT_EQ(ioctl(pipe, FIONREAD, &waiting), 0);
+    EXPECT_EQ(waiting, static_cast<int>(symbol.size())) << "somebody else's bytes were taken";
+    close(pipe);
+  }
+}
+
+// Between the listing and the opening somebody may put anything in a file's place.
+TEST_F(SymbolFiles, WhatTakesTheFilesPlaceIsNeverWaitedFor) {
+  if (const std::string why = WhyNotTraced(); !why.empty()) GTEST_SKIP() << why;
+  for (const char* put : {"pipe", "folder", "nothing", "socket", "zeros"}) {
+    WriteBytes(PathOf("a.sls"), File("a").bytes());
+    bool swapped = false;
+    const Ending ending = RunTraced([] {}, [] { return std::to_string(LoadSymbols()); },
+                                    [&](Stop& stop) {
+                                      if (swapped || !stop.entering || stop.number != SYS_openat)
+                                        return;
+                                      if (!stop.Text(stop.arguments[1]).ends_with("a.sls")) return;
+                                      swapped = true;
+                                      fs::remove(PathOf("a.sls"));
+                                      const std::string what = put;
+                                      if (what == "pipe") mkfifo(PathOf("a.sls").c_str(), 0666);
+                                      if (what == "folder") fs::create_directory(PathOf("a.sls"));
+                                      if (what == "socket")
+                                        mknod(PathOf("a.sls").c_str(), S_IFSOCK | 0666, 0);
+                                      if (what == "zeros")
+                                        fs::create_symlink("/dev/zero", PathOf("a.sls"));
+                                    });
+    EXPECT_TRUE(swapped) << put;
+    EXPECT_EQ(ending.how, Ending::kReturned) << put;
+    EXPECT_EQ(ending.report, "0") << put;
+    fs::remove_all(PathOf("a.sls"));
+  }
+}
+
+// A start waits for as many files as somebody has.
+TEST_F(SymbolFiles, AFileTakesThreeSystemCalls) {
+  if (const std::string why = WhyNotTraced(); !why.empty()) GTEST_SKIP() << why;
+  const auto calls = [] {
+    int count = 0;
+    const Ending ending =
+        RunTraced([] {}, [] { return std::to_string(LoadSymbols()); },
+                  [&](Stop& stop) {
+                    if (stop.entering && (stop.OnFiles() || stop.number == SYS_close)) count++;
+                  });
+    EXPECT_EQ(ending.how, Ending::kReturned);
+    return count;
+  };
+  const int before = calls();
+  for (int i = 0; i < 20; i++)
+    WriteBytes(PathOf("s" + std::to_string(i) + ".sls"), File("s").bytes());
+  EXPECT_EQ(calls() - before, 3 * 20);
 }
 
 TEST_F(SymbolFiles, SkippingIsSilent) {

@@ -112,15 +112,39 @@ TEST_P(LayoutTest, TablesEqualTheLiteralSearch) {
   EXPECT_EQ(KeyOf('@'), GetParam().at);
 }
 
-INSTANTIATE_TEST_SUITE_P(Layouts, LayoutTest,
-                         ::testing::Values(LayoutCase{"us", "", {11, 1}},
-                                           LayoutCase{"us", "dvorak", {11, 1}},
-                                           LayoutCase{"de", "", {24, 128}},
-                                           LayoutCase{"fr", "", {19, 128}},
-                                           LayoutCase{"gb", "", {48, 1}}),
-                         [](const auto& instance) {
-                           return std::string(instance.param.layout) + instance.param.variant;
-                         });
+INSTANTIATE_TEST_SUITE_P(
+    Layouts, LayoutTest,
+    ::testing::Values(LayoutCase{"us", "", {11, 1}}, LayoutCase{"us", "dvorak", {11, 1}},
+                      LayoutCase{"de", "", {24, 128}}, LayoutCase{"fr", "", {19, 128}},
+                      LayoutCase{"gb", "", {48, 1}}, LayoutCase{"de", "neo", {48, 128}},
+                      LayoutCase{"us,ru", ",", {11, 1}}, LayoutCase{"ru,us", ",", kNoKey}),
+    [](const auto& instance) {
+      std::string name = instance.param.layout;
+      name += instance.param.variant;
+      std::erase(name, ',');
+      return name;
+    });
+
+// Where there is no keyboard extension the library looks keys up in another way.
+TEST_F(KeystrokesTest, TablesEqualTheLiteralSearchWithoutTheKeyboardExtension) {
+  Layout("de");
+  Remap(108, {XK_Mode_switch});
+  Remap(24, {XK_q, XK_Q, XK_at, XK_at});
+  XModifierKeymap* const modifiers =
+      XInsertModifiermapEntry(XGetModifierMapping(player->display()), 108, Mod3MapIndex);
+  XSetModifierMapping(player->display(), modifiers);
+  XFreeModifiermap(modifiers);
+  XSync(player->display(), False);
+  Display* const former = dpy;
+  XkbIgnoreExtension(True);
+  EXPECT_TRUE(OpenDisplay(server->name().c_str()));
+  XkbIgnoreExtension(False);
+  BuildCharToKeycode();
+  EXPECT_EQ(BuiltTables(), LiteralKeyTables(dpy));
+  EXPECT_EQ(KeyOf('@'), (Key{24, Mod3Mask}));
+  XCloseDisplay(dpy);
+  dpy = former;
+}
 
 TEST_F(KeystrokesTest, TablesEqualTheLiteralSearchOnRandomKeyboards) {
   const unsigned seed = std::random_device{}();
@@ -143,6 +167,68 @@ TEST_F(KeystrokesTest, TablesEqualTheLiteralSearchOnRandomKeyboards) {
     XCloseDisplay(dpy);
     dpy = former;
   }
+}
+
+// Which modifiers a key looks at, and which of them it leaves to act on what it gives, is up to its
+// type; each of its groups has one.
+TEST_F(KeystrokesTest, TablesEqualTheLiteralSearchOnRandomTypes) {
+  const unsigned seed = std::random_device{}();
+  SCOPED_TRACE("seed " + std::to_string(seed));
+  std::mt19937 random(seed);
+  const char* const modifiers[] = {"Shift", "Lock", "Control", "Mod1", "Mod2", "Mod3", "Mod5"};
+  const auto one = [&](const auto& of) { return of[random() % std::size(of)]; };
+  for (int round = 0; round < 2; round++) {
+    std::string types;
+    for (int i = 0; i < 6; i++) {
+      const std::string a = one(modifiers);
+      std::string b = one(modifiers);
+      while (b == a) b = one(modifiers);
+      types += "type \"RANDOM" + std::to_string(i) + "\" { modifiers = " + a + "+" + b + "; map[" +
+               a + "] = Level2; map[" + b + "] = Level3; preserve[" + b + "] = " + b + "; map[" +
+               a + "+" + b + "] = Level4; preserve[" + a + "+" + b + "] = " + a +
+               "; level_name[Level1] = \"Base\"; };\n";
+    }
+    std::string keys;
+    for (int row = 0; row < 3; row++) {
+      for (int i = 1; i <= 9; i++) {
+        keys += std::string("key <A") + "DCB"[row] + "0" + std::to_string(i) + "> { ";
+        for (const char* group : {"Group1", "Group2"}) {
+          keys += std::string("type[") + group + "] = \"RANDOM" + std::to_string(random() % 6) +
+                  "\", symbols[" + group + "] = [ ";
+          for (int level = 0; level < 4; level++) {
+            char symbol[20];
+            // Letters that only other groups can make control characters of, and plain ones.
+            std::snprintf(symbol, sizeof symbol, "%sU%04X", level > 0 ? ", " : "",
+                          static_cast<unsigned>(random() % 2 == 0 ? 0x430 + random() % 32
+                                                                  : 0x20 + random() % 95));
+            keys += symbol;
+          }
+          keys += group[5] == '1' ? " ], " : " ] };\n";
+        }
+      }
+    }
+    Keyboard(types, keys);
+    // A fresh connection has read nothing of the keyboard before.
+    Display* const former = dpy;
+    ASSERT_TRUE(OpenDisplay(server->name().c_str()));
+    BuildCharToKeycode();
+    EXPECT_EQ(BuiltTables(), LiteralKeyTables(dpy));
+    XCloseDisplay(dpy);
+    dpy = former;
+  }
+}
+
+// With Control a key that gives no Latin letter is asked for one in its other groups, each with
+// modifiers of its own.
+TEST_F(KeystrokesTest, ControlCharactersAreFoundInOtherGroupsWithTheirModifiers) {
+  Keyboard(
+      "type \"WITHMod2\" { modifiers = Mod2; map[Mod2] = Level2; level_name[Level1] = \"Base\"; "
+      "};\n",
+      "key <AB02> { type[Group1] = \"TWO_LEVEL\", symbols[Group1] = [ Cyrillic_che, Cyrillic_CHE ],"
+      " type[Group2] = \"WITHMod2\", symbols[Group2] = [ Cyrillic_che, x ] };\n");
+  BuildCharToKeycode();
+  EXPECT_EQ(KeyOf('X' - '@'), (Key{53, ControlMask | Mod2Mask}));
+  EXPECT_EQ(BuiltTables(), LiteralKeyTables(dpy));
 }
 
 TEST_F(KeystrokesTest, TablesAreEmptiedBeforeTheyAreFilled) {
