@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <string_view>
+#include <utility>
 
 #include "actions/delivery.h"
 #include "actions/stroke.h"
@@ -46,6 +47,10 @@ constexpr auto kGrabCheck = std::chrono::milliseconds(100);
 // How often the trail is sent to the server while the hand moves on: more often than any screen
 // shows it.
 constexpr auto kShowTrail = std::chrono::milliseconds(4);
+
+// So many motions in that time are a hand on its way, with a mouse that tells of it every
+// millisecond. Waking for each would cost more than all that is done with it.
+constexpr int kQuickMotions = 3;
 
 int16_t Coordinate(int position) {
   return static_cast<int16_t>(position);
@@ -108,10 +113,11 @@ class Capture {
   std::array<int16_t, kMaxStrokePoints> xbuffer_{};
   std::array<int16_t, kMaxStrokePoints> ybuffer_{};
   int npoints_ = 0;
-  int frompress_ = 0;     // farthest the pointer got from the press along either axis, pixels
-  int others_ = 0;        // events in the queue that were somebody else's when it was looked at
-  bool come_ = true;      // something has come since then
-  bool unshown_ = false;  // parts of the trail wait to be sent
+  int frompress_ = 0;   // farthest the pointer got from the press along either axis, pixels
+  int others_ = 0;      // events in the queue that were somebody else's when it was looked at
+  bool come_ = true;    // something has come since then
+  int unshown_ = 0;     // parts of the trail that wait to be sent
+  bool quick_ = false;  // many were sent just now
   Clock::time_point shown_{};  // when such were sent last
   Position lastroot_;          // where the pointer was when the server last told us
 };
@@ -186,17 +192,25 @@ bool Capture::NextEvent(XEvent* event) {
       check = Clock::now() + kGrabCheck;
       continue;
     }
-    if (unshown_ && now >= shown_ + kShowTrail) {
+    if (unshown_ > 0 && now >= shown_ + kShowTrail) {
       XFlush(dpy);
-      unshown_ = false;
+      quick_ = unshown_ >= kQuickMotions;
+      unshown_ = 0;
       shown_ = now;
       continue;  // with what came meanwhile
     }
-    const auto until = unshown_ ? std::min(check, shown_ + kShowTrail) : check;
+    // A quick hand's motions are gathered until the trail is due again. Nothing is lost by it, and
+    // a release that comes meanwhile is late by that much at most: less than the hand noticed, and
+    // only at full speed, for one that slows down is not quick any more.
+    const auto due = shown_ + kShowTrail;
+    const bool gather = std::exchange(quick_, false) && now < due;
+    const auto until = gather || unshown_ > 0 ? std::min(check, due) : check;
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - now);
     pollfd connection{ConnectionNumber(dpy), POLLIN, 0};
-    // What has come is read by the search, which sends nothing when it finds something.
-    if (poll(&connection, 1, static_cast<int>(left.count())) > 0) come_ = true;
+    // What has come is read by the search, which sends nothing when it finds something. A signal
+    // ends either wait.
+    const int ready = poll(&connection, gather ? 0 : 1, static_cast<int>(left.count()));
+    come_ = come_ || gather || ready > 0;
   }
 }
 
@@ -212,7 +226,7 @@ bool Capture::TakeQueued(XEvent* event) {
     return true;
   }
   others_ = XEventsQueued(dpy, QueuedAlready);
-  unshown_ = false;  // the search has sent it
+  unshown_ = 0;  // the search has sent it
   return false;
 }
 
@@ -252,7 +266,7 @@ void Capture::Motion(const XMotionEvent& motion) {
   if (!trail_.drawmapped) BeginDrawing(motion);
   AddPoint(motion.x_root, motion.y_root);
   MoveTrail(&trail_, motion.x_root, motion.y_root);
-  unshown_ = true;
+  unshown_++;
   frompress_ = std::max({frompress_, std::abs(motion.x_root - press_.x_root),
                          std::abs(motion.y_root - press_.y_root)});
   if (!Chosen(user, kNameWhileDrawing) || !IsStroke()) return;
