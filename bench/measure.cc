@@ -17,6 +17,8 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include "tests/support/built.h"
@@ -152,10 +154,21 @@ double RoundTrip(Display* idle) {
   return Microseconds(Clock::now() - start);
 }
 
-enum class Hand { kRests, kMoves };
+enum class Hand { kRests, kSlows, kMoves };
+
+// A stroke like BenchRun::Trace's, of a hand that comes to rest at its end.
+void TraceToRest(BenchRun* run, int motions, milliseconds period) {
+  auto next = Clock::now();
+  for (int i = 1; i <= motions; i++) {
+    const double left = 1.0 - static_cast<double>(i) / motions;
+    run->MoveTo(kStrokeX + static_cast<int>(2 * motions * (1 - left * left)), kStrokeY);
+    next += period;
+    std::this_thread::sleep_until(next);
+  }
+}
 
 // Times from the release of a stroke at the server to the first key at the application, after a
-// rest or out of full motion.
+// rest, behind the last motion of a hand that slows down, or out of full motion.
 std::vector<double> ReleaseToKey(BenchRun* run, Application* application, int times,
                                  microseconds settle, const std::function<void()>& before_release,
                                  Hand hand = Hand::kRests) {
@@ -163,7 +176,11 @@ std::vector<double> ReleaseToKey(BenchRun* run, Application* application, int ti
   for (int i = 0; i <= times; i++) {
     run->PressAndThaw();
     Pause(settle);  // until the application is known
-    run->Trace(50, milliseconds(1));
+    if (hand == Hand::kSlows) {
+      TraceToRest(run, 50, milliseconds(1));
+    } else {
+      run->Trace(50, milliseconds(1));
+    }
     if (hand == Hand::kRests) {
       XSync(run->player.display(), False);
       // Until all of it is drawn, and before the program asks whether the grab is still there, as
@@ -205,9 +222,13 @@ void MeasureGesture() {
     Put("idle_trip_least", *std::ranges::min_element(trips));
     Put("busy_trip", Median(more));
     XCloseDisplay(idle);
-    const auto moving = ReleaseToKey(
-        &run, &application, Times(30, 300), milliseconds(10), [] {}, Hand::kMoves);
-    Put("key_time_moving", Median(moving));
+    for (const auto& [name, hand] : {std::pair{"key_time_slowing", Hand::kSlows},
+                                     std::pair{"key_time_moving", Hand::kMoves}}) {
+      const auto released = ReleaseToKey(
+          &run, &application, Times(30, 300), milliseconds(10), [] {}, hand);
+      Put(name, Median(released));
+      Put(std::string(name) + "_most", *std::ranges::max_element(released));
+    }
     run.Stop();
   }
   XProxy proxy(run.server.name());

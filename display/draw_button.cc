@@ -140,7 +140,7 @@ DrawButtonLifted::DrawButtonLifted() : button_(grabbed) {
     XAllowEvents(dpy, ReplayPointer, event.xbutton.time);
     focus_.reset();
   }
-  XFlush(dpy);
+  if (!focus_) XFlush(dpy);
 }
 
 DrawButtonLifted::~DrawButtonLifted() {
