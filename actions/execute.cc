@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstring>
 #include <iterator>
+#include <optional>
 #include <string>
 
 #include "actions/activate.h"
@@ -23,6 +24,7 @@
 #include "display/display.h"
 #include "display/draw_button.h"
 #include "display/end_signals.h"
+#include "display/input_focus.h"
 #include "display/modes.h"
 
 namespace gromlit {
@@ -70,13 +72,14 @@ struct Running {
   const GromlitPlugin* pin;
   const GromlitCmd* cmd;
   const char* text;  // the command's, empty where it has none
+  Window focus;      // where the input focus is; None where the keys take another way
   Window kwin;       // for keys where no window has the input focus
   int winx, winy;    // pointer in that window and on the root, pixels
   int rootx, rooty;
 };
 
 InputPlace KeyPlace(const Running& r) {
-  return {ChosenKeyWay().to_focus ? KeyTarget(r.kwin) : r.kwin, r.winx, r.winy, r.rootx, r.rooty};
+  return {KeyTarget(r.focus, r.kwin), r.winx, r.winy, r.rootx, r.rooty};
 }
 
 void SendKeys(const Running& r) {
@@ -122,30 +125,63 @@ void Browse(const Running& r) {
   LaunchBrowserURL(url.c_str());
 }
 
-// What running a command of each type does; the types: core/command_types.h.
+// What running a command of each type does, and whether that is pressing keys; the types:
+// core/command_types.h.
 constexpr struct {
   CommandType type;
   void (*run)(const Running&);
+  bool keys = false;
 } kRuns[] = {
-    {kHotKey, SendKeys}, {kMenu, SendKeys}, {kText, Type},
-    {kSound, Play},      {kRun, Run},       {kInternet, Browse},
+    {kHotKey, SendKeys, true},
+    {kMenu, SendKeys, true},
+    {kText, Type, true},
+    {kSound, Play},
+    {kRun, Run},
+    {kInternet, Browse},
 };
 static_assert(std::size(kRuns) == kCommandTypeCount);
 
+const char* TextOf(const GromlitCmd* cmd) {
+  return cmd->text != nullptr ? cmd->text : "";
+}
+
+// `focus` is where the input focus is, if that is known already and nothing has happened since.
+void RunCommand(Running r, std::optional<Window> focus) {
+  const auto* const row =
+      std::ranges::find_if(kRuns, [&](const auto& a) { return a.type == r.cmd->type; });
+  const bool found = row != std::end(kRuns);
+  // The keys of the command before must have reached the server: programs started here and the
+  // focus asked for see what they caused. One question does for both.
+  if (!found || !row->keys || !ChosenKeyWay().to_focus) {
+    FinishRequests();
+  } else {
+    r.focus = focus ? *focus : FinishAndFindFocus();
+  }
+  EndIfSignalled();
+  if (found) row->run(r);
+}
+
 }  // namespace
 
-int ExecuteAction(GromlitPlugin* pin, GromlitAction* sa, Window mwin, Window kwin, int winx,
+int ExecuteAction(GromlitPlugin* pin, GromlitAction* sa, Window /*mwin*/, Window kwin, int winx,
                   int winy, int rootx, int rooty) {
   // An action may take seconds; a press of the draw button in that time must not freeze the pointer
   // until it is over.
   const DrawButtonLifted lifted;
+  // Whoever waits for the first key need not wait for the same answer twice.
+  std::optional<Window> focus = lifted.focus();
   ExecutingPlugin = pin;
   // The program's own windows are not for keys, and hear of their focus themselves.
-  if (Chosen(user, kActivateFirst) && !currentStroke.own) Activate(currentStroke.client);
+  if (Chosen(user, kActivateFirst) && !currentStroke.own) {
+    Activate(currentStroke.client);
+    focus.reset();
+  }
   const uint32_t n = std::min<uint32_t>(sa->ncmds, kMaxCommands);
   for (uint32_t i = 0; i < n; i++) {
     if (sa->cmds[i] == nullptr) continue;
-    ExecuteCommand(pin, sa->cmds[i], mwin, kwin, winx, winy, rootx, rooty);
+    const GromlitCmd* const cmd = sa->cmds[i];
+    RunCommand({pin, cmd, TextOf(cmd), None, kwin, winx, winy, rootx, rooty}, focus);
+    focus.reset();
   }
   ExecutingPlugin = nullptr;
   FinishInput();
@@ -154,14 +190,7 @@ int ExecuteAction(GromlitPlugin* pin, GromlitAction* sa, Window mwin, Window kwi
 
 void ExecuteCommand(GromlitPlugin* pin, const GromlitCmd* cmd, Window /*mwin*/, Window kwin,
                     int winx, int winy, int rootx, int rooty) {
-  // The keys of the command before must have reached the server: programs started here and the
-  // focus asked for below see what they caused.
-  FinishRequests();
-  EndIfSignalled();
-
-  const char* text = cmd->text != nullptr ? cmd->text : "";
-  for (const auto& row : kRuns)
-    if (row.type == cmd->type) row.run({pin, cmd, text, kwin, winx, winy, rootx, rooty});
+  RunCommand({pin, cmd, TextOf(cmd), None, kwin, winx, winy, rootx, rooty}, {});
 }
 
 }  // namespace gromlit

@@ -126,10 +126,7 @@ void SendHotKey(Window win, int winx, int winy, int keycode, int keystate, int r
   SendPressAndRelease(&event, KeyPress, KeyRelease);
 }
 
-Window KeyTarget(Window kwin) {
-  Window focus = None;
-  int revert;
-  XGetInputFocus(dpy, &focus, &revert);
+Window KeyTarget(Window focus, Window kwin) {
   return focus != None && focus != PointerRoot ? focus : kwin;
 }
 

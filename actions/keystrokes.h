@@ -42,7 +42,7 @@ char* KeyStrokeToString(char* buf, int keycode, int keystate);
 void SendHotKey(Window win, int winx, int winy, int keycode, int keystate, int rootx, int rooty);
 
 // The window that gets the keys of a command: the input focus when it is a real window, else kwin.
-Window KeyTarget(Window kwin);
+Window KeyTarget(Window focus, Window kwin);
 
 // The way of keys that are sent as events (delivery.h).
 void SendStroke(const InputPlace& place, int keycode, int keystate);

@@ -17,6 +17,8 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include "tests/support/built.h"
@@ -142,6 +144,9 @@ void MeasureStartOverLink() {
 // --- A stroke and its key
 // -------------------------------------------------------------------------
 
+// Before what is timed. What rests has to be woken, and finds less in the processor's caches.
+constexpr milliseconds kRest(20);
+
 // A round trip of a client that does nothing else.
 double RoundTrip(Display* idle) {
   const auto start = Clock::now();
@@ -149,20 +154,41 @@ double RoundTrip(Display* idle) {
   return Microseconds(Clock::now() - start);
 }
 
-// Times from the release of a stroke at the server to the first key at the application.
+enum class Hand { kRests, kSlows, kMoves };
+
+// A stroke like BenchRun::Trace's, of a hand that comes to rest at its end.
+void TraceToRest(BenchRun* run, int motions, milliseconds period) {
+  auto next = Clock::now();
+  for (int i = 1; i <= motions; i++) {
+    const double left = 1.0 - static_cast<double>(i) / motions;
+    run->MoveTo(kStrokeX + static_cast<int>(2 * motions * (1 - left * left)), kStrokeY);
+    next += period;
+    std::this_thread::sleep_until(next);
+  }
+}
+
+// Times from the release of a stroke at the server to the first key at the application, after a
+// rest, behind the last motion of a hand that slows down, or out of full motion.
 std::vector<double> ReleaseToKey(BenchRun* run, Application* application, int times,
-                                 microseconds settle, const std::function<void()>& before_release) {
+                                 microseconds settle, const std::function<void()>& before_release,
+                                 Hand hand = Hand::kRests) {
   std::vector<double> all;
   for (int i = 0; i <= times; i++) {
     run->PressAndThaw();
     Pause(settle);  // until the application is known
-    run->Trace(50, milliseconds(1));
-    XSync(run->player.display(), False);
-    // Until all of it is drawn, and before the program asks whether the grab is still there, as it
-    // does where a hand rests for a tenth of a second.
-    Pause(milliseconds(20));
-    before_release();
-    Pause(milliseconds(20));
+    if (hand == Hand::kSlows) {
+      TraceToRest(run, 50, milliseconds(1));
+    } else {
+      run->Trace(50, milliseconds(1));
+    }
+    if (hand == Hand::kRests) {
+      XSync(run->player.display(), False);
+      // Until all of it is drawn, and before the program asks whether the grab is still there, as
+      // it does where a hand rests for a tenth of a second.
+      Pause(kRest);
+      before_release();
+      Pause(kRest);
+    }
     const auto start = Clock::now();
     XTestFakeButtonEvent(run->player.display(), 3, False, CurrentTime);
     XFlush(run->player.display());
@@ -185,12 +211,24 @@ void MeasureGesture() {
     run.Start(run.server.name());
     Display* const idle = XOpenDisplay(run.server.name().c_str());
     std::vector<double> trips;
+    std::vector<double> more;
     const auto times = ReleaseToKey(&run, &application, Times(30, 300), milliseconds(10), [&] {
-      for (int i = 0; i < 5; i++) trips.push_back(RoundTrip(idle));
+      trips.push_back(RoundTrip(idle));
+      for (int i = 0; i < 4; i++) more.push_back(RoundTrip(idle));
     });
     Put("key_time", Median(times));
+    Put("key_time_least", *std::ranges::min_element(times));
     Put("idle_trip", Median(trips));
+    Put("idle_trip_least", *std::ranges::min_element(trips));
+    Put("busy_trip", Median(more));
     XCloseDisplay(idle);
+    for (const auto& [name, hand] : {std::pair{"key_time_slowing", Hand::kSlows},
+                                     std::pair{"key_time_moving", Hand::kMoves}}) {
+      const auto released = ReleaseToKey(
+          &run, &application, Times(30, 300), milliseconds(10), [] {}, hand);
+      Put(name, Median(released));
+      Put(std::string(name) + "_most", *std::ranges::max_element(released));
+    }
     run.Stop();
   }
   XProxy proxy(run.server.name());

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <string_view>
+#include <utility>
 
 #include "actions/delivery.h"
 #include "actions/stroke.h"
@@ -46,6 +47,12 @@ constexpr auto kGrabCheck = std::chrono::milliseconds(100);
 // How often the trail is sent to the server while the hand moves on: more often than any screen
 // shows it.
 constexpr auto kShowTrail = std::chrono::milliseconds(4);
+constexpr auto kShowQuickTrail = std::chrono::milliseconds(8);
+
+// How long the motions of a quick hand are gathered, and how many there must be in that time.
+// Waking for each would cost more than all that is done with it.
+constexpr auto kGather = std::chrono::milliseconds(4);
+constexpr int kQuickMotions = 3;
 
 int16_t Coordinate(int position) {
   return static_cast<int16_t>(position);
@@ -60,7 +67,9 @@ class Capture {
         mask_(ButtonToMotionMask(static_cast<int>(press.button)) | ButtonPressMask |
               ButtonReleaseMask),
         trail_(StartTrail(&draw->trail)),
-        lastroot_{press.x_root, press.y_root} {
+        lastroot_{press.x_root, press.y_root},
+        looked_(Clock::now()),
+        lookedat_(lastroot_) {
     AddPoint(press.x_root, press.y_root);
   }
   ~Capture() {
@@ -85,6 +94,7 @@ class Capture {
 
   bool NextEvent(XEvent* event);
   bool TakeQueued(XEvent* event);
+  bool LookAtSpeed(Clock::time_point now);
   bool GrabIsGone();
   void AddPoint(int x, int y);
   void BeginDrawing(const XMotionEvent& motion);
@@ -114,6 +124,13 @@ class Capture {
   bool unshown_ = false;  // parts of the trail wait to be sent
   Clock::time_point shown_{};  // when such were sent last
   Position lastroot_;          // where the pointer was when the server last told us
+  // Since the hand's speed was last looked at: when that was, where the pointer was then, and the
+  // motions that came; and the greatest speed, pixels a millisecond.
+  Clock::time_point looked_{};
+  Position lookedat_;
+  int motions_ = 0;
+  bool quick_ = false;  // when it was looked at last
+  double fastest_ = 0;
 };
 
 void Capture::AddPoint(int x, int y) {
@@ -136,7 +153,7 @@ void Capture::Search(const Target* application) {
 // the pointer is frozen arrives as a single motion.
 void Capture::Thaw() {
   // The passive grab reports motion and release of the draw button only. Widened, it reports other
-  // buttons too, which end the stroke. No cursor: the trail windows carry the hand.
+  // buttons too, which end the stroke. No cursor yet: nothing is drawn.
   XChangeActivePointerGrab(dpy, static_cast<unsigned>(mask_), None, press_.time);
   // Lets events through up to the next press or release, with which the pointer freezes again.
   // Never for a motion: a press may be frozen already behind the motions that are still to be read,
@@ -186,18 +203,42 @@ bool Capture::NextEvent(XEvent* event) {
       check = Clock::now() + kGrabCheck;
       continue;
     }
-    if (unshown_ && now >= shown_ + kShowTrail) {
+    const auto due = shown_ + (quick_ ? kShowQuickTrail : kShowTrail);
+    if (unshown_ && now >= due) {
       XFlush(dpy);
       unshown_ = false;
       shown_ = now;
       continue;  // with what came meanwhile
     }
-    const auto until = unshown_ ? std::min(check, shown_ + kShowTrail) : check;
+    const bool gather = LookAtSpeed(now) && quick_;
+    const auto until = gather ? now + kGather : unshown_ ? std::min(check, due) : check;
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - now);
     pollfd connection{ConnectionNumber(dpy), POLLIN, 0};
-    // What has come is read by the search, which sends nothing when it finds something.
-    if (poll(&connection, 1, static_cast<int>(left.count())) > 0) come_ = true;
+    // What has come is read by the search, which sends nothing when it finds something. A signal
+    // ends either wait.
+    const int ready = poll(&connection, gather ? 0 : 1, static_cast<int>(left.count()));
+    come_ = come_ || gather || ready > 0;
   }
+}
+
+// Whether the hand is on its way, so that its motions may be gathered for a while instead of waking
+// the program one by one. None is lost by it, but a release would be late by as much; so this is
+// left to mice that tell of a motion every millisecond, and ends when the hand slows down to half
+// of its speed, as it does before it lets go.
+//
+// Returns whether that was looked at just now.
+bool Capture::LookAtSpeed(Clock::time_point now) {
+  const auto took = now - looked_;
+  if (took < kGather) return false;
+  const double way =
+      std::max(std::abs(lastroot_.x - lookedat_.x), std::abs(lastroot_.y - lookedat_.y));
+  const double speed = way / std::chrono::duration<double, std::milli>(took).count();
+  fastest_ = std::max(fastest_, speed);
+  quick_ = motions_ * kGather >= kQuickMotions * took && speed >= fastest_ / 2;
+  looked_ = now;
+  lookedat_ = lastroot_;
+  motions_ = 0;
+  return true;
 }
 
 // The next event of the grab. What waits for others in the queue is looked at once, until something
@@ -208,7 +249,10 @@ bool Capture::TakeQueued(XEvent* event) {
   while (XCheckWindowEvent(dpy, root, mask_, event)) {
     // Anybody may send events to the root window; only the server's count.
     if (event->xany.send_event) continue;
-    if (event->type == MotionNotify) lastroot_ = {event->xmotion.x_root, event->xmotion.y_root};
+    if (event->type == MotionNotify) {
+      lastroot_ = {event->xmotion.x_root, event->xmotion.y_root};
+      motions_++;
+    }
     return true;
   }
   others_ = XEventsQueued(dpy, QueuedAlready);
@@ -243,6 +287,8 @@ void Capture::BeginDrawing(const XMotionEvent& motion) {
     headplugin_ = UpdateGromlitApp(draw_->app, target_.cname.data(), nullptr);
     if (headplugin_ != nullptr && user->showactions != 0) DrawGromlitApp(draw_->app);
   }
+  // The hand goes with the grab: the pointer goes through the trail.
+  XChangeActivePointerGrab(dpy, static_cast<unsigned>(mask_), handCursor, press_.time);
   ShowTrail(&trail_, motion.x_root, motion.y_root);
   PrepareKeys();
 }
@@ -320,7 +366,7 @@ void Capture::Click() {
 
 // False when the server cannot.
 bool Capture::MakeClick() {
-  // The hand may have shaken; then the trail is over the application and would take the click.
+  // The hand may have shaken; then the trail is over the application and may take the click.
   HideTrail(&trail_);
   return ClickAt(press_.x_root, press_.y_root, static_cast<int>(press_.button));
 }
@@ -337,8 +383,7 @@ bool Capture::SendClick(Window window, int x, int y) {
 
 void Capture::Recognise(GromlitPlugin* plugin) {
   if (plugin == nullptr) return;
-  // The trail stays until the action is over, which may take seconds.
-  LetPointerThrough(trail_);
+  // The trail stays until the action is over, which may take seconds; clicks go through it.
   currentStroke = {target_.client, own_};
   PluginMatch(plugin, npoints_, xbuffer_.data(), ybuffer_.data(), target_.click, target_.key,
               target_.winx, target_.winy, press_.x_root, press_.y_root);

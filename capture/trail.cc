@@ -27,7 +27,7 @@ Window MakeTrailWindow(int width, int height, long mask) {
   const Window window = XCreateWindow(dpy, root, 0, 0, Extent(width), Extent(height), 0,
                                       DefaultDepth(dpy, screen), InputOutput, CopyFromParent,
                                       CWOverrideRedirect | CWSaveUnder | CWEventMask, &attributes);
-  // The grab has no cursor of its own: the windows under the pointer carry it.
+  // Where the pointer cannot go through them, they are what is under it while a stroke is drawn.
   XDefineCursor(dpy, window, handCursor);
   ClaimWindow(window);
   return window;
@@ -40,8 +40,6 @@ void SwitchToFull(Trail* trail, int x, int y) {
   trail->lastx = x;
   trail->lasty = y;
   trail->w = trail->windows->fullwindow;
-  // With the cursor that it carries.
-  TakePointer(trail->w);
   // It may have been made for another size of the screen.
   XResizeWindow(dpy, trail->w, Extent(trail->width), Extent(trail->height));
   XMapRaised(dpy, trail->w);
@@ -64,6 +62,9 @@ TrailWindows MakeTrailWindows(long mask) {
   windows.gc = XCreateGC(dpy, windows.window,
                          GCFunction | GCForeground | GCBackground | GCLineWidth, &values);
   windows.shaped = HasInputShapes();
+  // Once for all: at the end of a stroke the server would look anew for what is under the pointer,
+  // while somebody waits for a key.
+  for (const Window window : {windows.window, windows.fullwindow}) LetPointerThrough(window);
   return windows;
 }
 
@@ -87,7 +88,6 @@ Trail StartTrail(const TrailWindows* windows) {
 void ShowTrail(Trail* trail, int x, int y) {
   trail->originx = x - trail->mid;
   trail->originy = y - trail->mid;
-  TakePointer(trail->w);
   XResizeWindow(dpy, trail->w, Extent(trail->width), Extent(trail->height));
   XMoveWindow(dpy, trail->w, trail->originx, trail->originy);
   XMapRaised(dpy, trail->w);
@@ -124,13 +124,6 @@ void MoveTrail(Trail* trail, int x, int y) {
   // On the full window the screen position is still compared with the start in the small one.
   trail->drawmoved =
       std::max({trail->drawmoved, std::abs(xsym - trail->mid), std::abs(ysym - trail->mid)});
-}
-
-void LetPointerThrough(const Trail& trail) {
-  if (!trail.drawmapped || !trail.windows->shaped) return;
-  for (const Window window : {trail.windows->window, trail.windows->fullwindow}) {
-    LetPointerThrough(window);
-  }
 }
 
 void KeepTrailOff(Trail* trail, const XRectangle& area) {

@@ -3,10 +3,9 @@
 // Two override-redirect windows without a background are mapped over everything; because they have
 // no background they show what lies under them, and a line drawn with an inverting function on
 // them is all that is needed. Unmapping them brings the screen back. They stay until the action has
-// run, but once the button is up the pointer goes through them: a click in that time belongs to the
-// application below. The small one is placed around
-// the pointer and grows to the right and downwards; near its left or top edge the one that covers
-// the screen takes over.
+// run; the pointer goes through them, so that a click in that time belongs to the application
+// below. The small one is placed around the pointer and grows to the right and downwards; near its
+// left or top edge the one that covers the screen takes over.
 //
 // A motion step makes no round trip: the windows are where they were put, so positions in them are
 // computed, not asked for.
@@ -62,9 +61,6 @@ void ShowTrail(Trail* trail, int x, int y);
 // Draws on to the position (x, y), growing or switching the window as needed, and updates
 // drawmoved. REQUIRES: ShowTrail was called.
 void MoveTrail(Trail* trail, int x, int y);
-
-// Lets the pointer through to the windows below; the trail stays in sight.
-void LetPointerThrough(const Trail& trail);
 
 // Keeps the trail off a part of the screen until it is hidden, so that what lies there by itself
 // can go while the trail stays: with no background the trail's windows would go on showing it.

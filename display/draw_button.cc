@@ -8,6 +8,7 @@
 
 #include "core/option_files.h"
 #include "display/display.h"
+#include "display/input_focus.h"
 #include "display/lock_modifiers.h"
 #include "display/x_errors.h"
 
@@ -138,12 +139,14 @@ DrawButtonLifted::DrawButtonLifted() : button_(grabbed) {
   grabbed = 0;
   // What the grab caught before it was lifted is frozen and would stay so as long as the object
   // lives: those presses go where they would have gone without the grab.
-  XSync(dpy, False);
+  focus_ = FinishAndFindFocus();
   XEvent event;
   while (XCheckTypedWindowEvent(dpy, root, ButtonPress, &event)) {
-    if (!event.xbutton.send_event) XAllowEvents(dpy, ReplayPointer, event.xbutton.time);
+    if (event.xbutton.send_event) continue;
+    XAllowEvents(dpy, ReplayPointer, event.xbutton.time);
+    focus_.reset();
   }
-  XFlush(dpy);
+  if (!focus_) XFlush(dpy);
 }
 
 DrawButtonLifted::~DrawButtonLifted() {

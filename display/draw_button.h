@@ -11,6 +11,10 @@
 // or until another button is grabbed in its place.
 #pragma once
 
+#include <X11/Xlib.h>
+
+#include <optional>
+
 namespace gromlit {
 
 // What is told, as a line of its own, when another client holds the draw button.
@@ -49,8 +53,9 @@ void LeaveDrawButton();
 
 // Lifts the passive grab for the lifetime of the object and puts it back after it: a press while an
 // action runs must reach the application instead of freezing the pointer until the action is over.
-// Does nothing while no button is grabbed. When another client has taken the button meanwhile, the
-// message is printed, and AskForDrawButton gets the button back when that client gives it up.
+// Takes one round trip; does nothing while no button is grabbed. When another client has taken the
+// button meanwhile, the message is printed, and AskForDrawButton gets the button back when that
+// client gives it up.
 class DrawButtonLifted {
  public:
   DrawButtonLifted();
@@ -58,8 +63,13 @@ class DrawButtonLifted {
   DrawButtonLifted(const DrawButtonLifted&) = delete;
   DrawButtonLifted& operator=(const DrawButtonLifted&) = delete;
 
+  // The window that had the input focus when the grab was gone, None or PointerRoot. Nothing where
+  // that was not asked, or where a press has gone its way since, which may have moved it.
+  std::optional<Window> focus() const { return focus_; }
+
  private:
   int button_;
+  std::optional<Window> focus_;
 };
 
 }  // namespace gromlit

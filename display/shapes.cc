@@ -49,15 +49,15 @@ GROMLIT_CALLS_XLIB void Combine(Window window, int kind, int operation,
   SyncHandle();
 }
 
-// Makes a part of a window the whole of it again.
-GROMLIT_CALLS_XLIB void Reset(Window window, int kind) {
+// Makes the seen part of a window the whole of it again.
+GROMLIT_CALLS_XLIB void Reset(Window window) {
   if (!HasInputShapes()) return;
   LockDisplay(dpy);
   auto* const request =
       static_cast<xShapeMaskReq*>(_XGetRequest(dpy, shapes.opcode, sz_xShapeMaskReq));
   request->shapeReqType = X_ShapeMask;
   request->op = ShapeSet;
-  request->destKind = static_cast<CARD8>(kind);
+  request->destKind = ShapeBounding;
   request->dest = static_cast<CARD32>(window);
   request->xOff = request->yOff = 0;
   request->src = None;
@@ -102,10 +102,6 @@ void LetPointerThrough(Window window) {
   Combine(window, ShapeInput, ShapeSet, nullptr);
 }
 
-void TakePointer(Window window) {
-  Reset(window, ShapeInput);
-}
-
 void ShowPart(Window window, const XRectangle& part) {
   Combine(window, ShapeBounding, ShapeSet, &part);
 }
@@ -115,7 +111,7 @@ void CutOut(Window window, const XRectangle& hole) {
 }
 
 void ShowWhole(Window window) {
-  Reset(window, ShapeBounding);
+  Reset(window);
 }
 
 }  // namespace gromlit

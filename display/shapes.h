@@ -17,9 +17,8 @@ void AskForShapesVersion();
 // functions below do nothing where it cannot.
 bool HasInputShapes();
 
-// Lets the pointer through a window, and has the window take it again.
+// Lets the pointer through a window, for good.
 void LetPointerThrough(Window window);
-void TakePointer(Window window);
 
 // The seen part of a window becomes a rectangle of it, loses one, or is the whole window again.
 void ShowPart(Window window, const XRectangle& part);

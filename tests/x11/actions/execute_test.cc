@@ -21,6 +21,8 @@
 #include "actions/keystrokes.h"
 #include "core/option_files.h"
 #include "core/strings.h"
+#include "display/draw_button.h"
+#include "display/input_focus.h"
 #include "display/modes.h"
 #include "tests/support/captured.h"
 #include "tests/support/recording.h"
@@ -144,6 +146,20 @@ class ExecuteTest : public testing::XFixture {
     const unsigned long before = NextRequest(dpy);
     Run(cmd);
     return NextRequest(dpy) - before;
+  }
+
+  // System calls that write, of this process.
+  static unsigned long Writes() {
+    const std::string text = ProcText("/proc/self/io");
+    const size_t at = text.find("syscw: ");
+    EXPECT_NE(at, std::string::npos);
+    return at == std::string::npos ? 0 : std::stoul(text.substr(at + 7));
+  }
+
+  // Ends a grab, whose record outlives the connection, as the program does.
+  static void LeaveDrawButton() {
+    static auto* const left = new std::vector<DrawButtonLifted*>;
+    left->push_back(new DrawButtonLifted);
   }
 
   // Nothing but the X server was started.
@@ -277,13 +293,45 @@ TEST_F(ExecuteTest, LongTextArrivesWhole) {
 }
 
 TEST_F(ExecuteTest, FocusIsAskedOncePerCommand) {
-  // One request each for the wait before the command and for the focus, then two events per key.
-  EXPECT_EQ(RequestsOf(Command(kText, "hello world")), 2u + 2 * 11);
-  EXPECT_EQ(RequestsOf(Keys(kHotKey, {{38, 0}, {39, 0}, {40, 0}})), 2u + 2 * 3);
-  EXPECT_EQ(RequestsOf(Keys(kMenu, {})), 2u);
+  // One request for both the wait before the command and the focus, then two events per key.
+  EXPECT_EQ(RequestsOf(Command(kText, "hello world")), 1u + 2 * 11);
+  EXPECT_EQ(RequestsOf(Keys(kHotKey, {{38, 0}, {39, 0}, {40, 0}})), 1u + 2 * 3);
+  EXPECT_EQ(RequestsOf(Keys(kMenu, {})), 1u);
   testing::WriteText(*install / "text", std::string(1000, 'a'));
-  EXPECT_EQ(RequestsOf(Command(kText, (*install / "text").c_str(), 1)), 2u + 2 * 1000);
+  EXPECT_EQ(RequestsOf(Command(kText, (*install / "text").c_str(), 1)), 1u + 2 * 1000);
   EXPECT_EQ(RequestsOf(Command(kRun, "system:sync")), 2u);
+}
+
+TEST_F(ExecuteTest, FirstKeysGoWhereTheFocusWasWhenTheGrabWasLifted) {
+  ASSERT_TRUE(GrabDrawButton(3));
+  KeyProbe other(server->name(), 600, 600);
+  other.Focus();
+  XSync(dpy, False);
+  unsigned long before = NextRequest(dpy);
+  RunAction({Keys(kHotKey, {{38, 0}})});
+  // The grab lifted, the question for the focus, two keys, the grab put back and waited for.
+  EXPECT_EQ(NextRequest(dpy) - before, 6u);
+  EXPECT_EQ(Seen(other), Sent({{38, 0}}));
+  // What comes behind a command that is none of keys asks again.
+  before = NextRequest(dpy);
+  RunAction({Command(200, ""), Keys(kHotKey, {{39, 0}})});
+  EXPECT_EQ(NextRequest(dpy) - before, 7u);
+  EXPECT_EQ(Seen(other), Sent({{39, 0}}));
+  LeaveDrawButton();
+}
+
+TEST_F(ExecuteTest, ATextIsOneWrite) {
+  ASSERT_TRUE(GrabDrawButton(3));
+  const auto writes = [&](int texts) {
+    const unsigned long before = Writes();
+    RunAction(std::vector<GromlitCmd*>(static_cast<size_t>(texts), Command(kText, "0123456789")));
+    return Writes() - before;
+  };
+  const unsigned long one = writes(1);
+  EXPECT_GT(one, 0u);
+  EXPECT_LE(writes(11), one + 10);
+  EXPECT_EQ(Seen().size(), 2u * 12 * 10);
+  LeaveDrawButton();
 }
 
 TEST_F(ExecuteTest, CommandDoesNotWaitForWhatIsDone) {
@@ -303,20 +351,20 @@ TEST_F(ExecuteTest, FocusOnPointerRootSendsKeysToTheGesturesWindow) {
   probe->FocusOn(PointerRoot);
   Run(Keys(kHotKey, {{38, 0}}));
   EXPECT_EQ(Seen(), Sent({{38, 0}}));
-  EXPECT_EQ(KeyTarget(1234), 1234u);
+  EXPECT_EQ(KeyTarget(FinishAndFindFocus(), 1234), 1234u);
 }
 
 TEST_F(ExecuteTest, FocusOnNoneSendsKeysToTheGesturesWindow) {
   probe->FocusOn(None);
   Run(Keys(kMenu, {{38, 0}}));
   EXPECT_EQ(Seen(), Sent({{38, 0}}));
-  EXPECT_EQ(KeyTarget(1234), 1234u);
+  EXPECT_EQ(KeyTarget(FinishAndFindFocus(), 1234), 1234u);
 }
 
 TEST_F(ExecuteTest, FocusOnARealWindowOfAnotherClientGetsTheKeys) {
   KeyProbe other(server->name(), 600, 600);
   other.Focus();
-  EXPECT_EQ(KeyTarget(1234), other.window());
+  EXPECT_EQ(KeyTarget(FinishAndFindFocus(), 1234), other.window());
   testing::WriteText(*install / "text", "d");
   Run(Keys(kHotKey, {{38, 0}}));
   Run(Keys(kMenu, {{39, 8}}));

@@ -2,6 +2,7 @@
 #include "tests/x11/app/main_window_fixture.h"
 
 #include <X11/Xutil.h>
+#include <X11/extensions/Xfixes.h>
 
 #include <atomic>
 #include <thread>
@@ -354,6 +355,51 @@ TEST_F(GromlitDrawTest, PressThatAnotherClientSentIsIgnored) {
   press.xbutton.state = 0;  // which would be captured, for ever
   DispatchEvent(&press);
   EXPECT_EQ(NextRequest(dpy), before) << "something was asked of the server";
+}
+
+TEST_F(GromlitDrawTest, WhileAStrokeIsDrawnThePointerIsAHandAndGoesThroughTheTrail) {
+  Showing("Edit.edit");
+  const Window window = Make("Edit", "edit");
+  const auto cursor = [&] {
+    XFixesCursorImage* const image = XFixesGetCursorImage(player->display());
+    const unsigned long serial = image->cursor_serial;
+    XFree(image);
+    return serial;
+  };
+  int event;
+  int error;
+  ASSERT_TRUE(XFixesQueryExtension(player->display(), &event, &error));
+  player->MoveTo(750, 150);
+  Pump();
+  const unsigned long plain = cursor();
+  XDefineCursor(player->display(), window, handCursor);
+  const unsigned long hand = cursor();
+  XUndefineCursor(player->display(), window);
+  ASSERT_NE(hand, plain);
+  unsigned long pressed = 0;
+  bool ishand = false;
+  bool through = false;
+  std::atomic<bool> drawn = false;
+  std::thread user_draws([&] {
+    player->Press(3);
+    pressed = cursor();
+    player->MoveTo(760, 150);
+    ishand = testing::WaitFor([&] { return cursor() == hand; });
+    player->MoveTo(850, 150);
+    through = testing::WaitFor([&] {
+      const auto at = player->Where();
+      return at.x == 850 && at.child == window;
+    });
+    player->Release(3);
+    drawn = true;
+  });
+  EXPECT_TRUE(PumpUntil([&] { return drawn.load(); }));
+  user_draws.join();
+  Pump();
+  EXPECT_EQ(pressed, plain) << "nothing was drawn yet";
+  EXPECT_TRUE(ishand);
+  EXPECT_TRUE(through);
+  EXPECT_EQ(cursor(), plain);
 }
 
 TEST_F(GromlitDrawTest, SentEventsDoNotEndAStroke) {

@@ -128,9 +128,20 @@ TEST_F(DrawButtonTest, PressCaughtJustBeforeTheGrabWasLiftedIsHandedOn) {
     EXPECT_TRUE(XCheckTypedWindowEvent(player->display(), window_, ButtonPress, &event));
     player->MoveTo(150, 150);
     EXPECT_EQ(player->Where().x, 150) << "frozen";
+    EXPECT_FALSE(lifted.focus()) << "the press may have moved it since";
   }
   player->Release(3);
   EXPECT_TRUE(player->CanGrabPointer());
+}
+
+TEST_F(DrawButtonTest, WhoeverLiftsTheGrabIsToldOfTheFocusInTheSameRoundTrip) {
+  ASSERT_TRUE(GrabDrawButton(3));
+  XSetInputFocus(player->display(), window_, RevertToNone, CurrentTime);
+  XSync(player->display(), False);
+  const unsigned long before = NextRequest(dpy);
+  const DrawButtonLifted lifted;
+  EXPECT_EQ(NextRequest(dpy) - before, 2u) << "one lifts it, the other is answered";
+  EXPECT_EQ(lifted.focus(), window_);
 }
 
 TEST_F(DrawButtonTest, ButtonThatWasTakenWhileLiftedIsReported) {
