@@ -141,10 +141,26 @@ class SoakTest : public testing::RandomUser {
           if (!manager->Running()) RestartWindowManager();
           return testing::ParentOf(display, window) != player->root() && Viewable(window);
         },
-        kPatience);
+        std::chrono::seconds(20));
     XDestroyWindow(display, window);
     XSync(display, False);
     return works;
+  }
+  // One that stands still while nothing is held is at fault itself, and is started again.
+  bool ManagerIsBack() {
+    for (int i = 0; i < 3; i++) {
+      if (ManagerWorks()) return true;
+      const std::string file = *install / "manager.where";
+      Process({"gdb", "-q", "-batch", "-p", std::to_string(manager->pid()), "-ex", "bt"}, file)
+          .Wait(kPatience);
+      std::printf("the window manager stands still:\n%s", ReadText(file).c_str());
+      if (!player->CanGrabPointer()) return false;
+      lost_managers_++;
+      manager->Kill(SIGKILL);
+      manager->Wait();
+      RestartWindowManager();
+    }
+    return false;
   }
   void ChangeTray() {
     if (tray_ != nullptr) {
@@ -334,7 +350,7 @@ class SoakTest : public testing::RandomUser {
     SetPointer(false);
     // What is to be closed may lie where no screen is any more.
     SetScreen(false);
-    ASSERT_TRUE(ManagerWorks());
+    ASSERT_TRUE(ManagerIsBack());
     Note("after the round");
     ASSERT_TRUE(LetsThePointerGo()) << "the pointer does not come back\n" << WhereItStands();
     // What the program has yet to work off may open another menu, which wants another click; an
@@ -609,9 +625,10 @@ class SoakTest : public testing::RandomUser {
   int button_ = 3;
   int scale_ = 1;
   int starts_ = 0;
-  int exits_ = 0;        // that the hands asked for
-  int lost_proofs_ = 0;  // the hands had changed what the proof needs
-  int life_ = 0;         // rounds since the start
+  int exits_ = 0;          // that the hands asked for
+  int lost_proofs_ = 0;    // the hands had changed what the proof needs
+  int lost_managers_ = 0;  // window managers that stood still
+  int life_ = 0;           // rounds since the start
   Usage settled_;
   std::string proof_plugin_;
   std::unique_ptr<ProbeClient> probe_;
@@ -636,8 +653,10 @@ TEST_F(SoakTest, NothingIsLostDamagedHeldOrPiledUp) {
     Round(first + done);
     if (HasFailure()) return;
   }
-  std::printf("%d rounds, %d starts, %d exits by hand, %d times the proof was changed by hand\n",
-              done, starts_, exits_, lost_proofs_);
+  std::printf(
+      "%d rounds, %d starts, %d exits by hand, %d times the proof was changed by hand, %d window "
+      "managers that stood still\n",
+      done, starts_, exits_, lost_proofs_, lost_managers_);
 }
 
 }  // namespace
