@@ -26,7 +26,7 @@ inline constexpr int kKeyStrokeText = 128;
 // Fills both tables, at start-up and when the keyboard has changed: for each character the first
 // state in the order 0..64, 64, 128 and within it the lowest key code (the server's highest key
 // code is never tried) whose XLookupString gives exactly that one byte. One pass over states and
-// key codes.
+// key codes, without the states that cannot differ from a lower one for the key.
 void BuildCharToKeycode();
 
 // Looks a character up, taken as a signed byte; bytes of 128 and above have no key. Stores key code

@@ -161,7 +161,6 @@ void StartUp(const CommandLine& line) {
   GrabDrawButtonOrExit();
   // Not before the grab: an instance that runs may be saving, or typing.
   RemoveStaleTemporaries();
-  AskForLoans();
   Defer({SpareKeysWait, ReturnKeys});
   MakeAboutDialog();
   MakeOverlayAndMainWindow();
@@ -177,6 +176,7 @@ void StartUp(const CommandLine& line) {
   XSetErrorHandler(GromlitXErrorHandler);
   BuildCharToKeycode();
   // Asked for here, answered while the next step waits.
+  AskForLoans();
   AskForWindows();
   AskForTrays();
   ServeRemote();

@@ -403,6 +403,40 @@ TEST_F(StartUpTest, NothingWakesItWhileThePointerRestsOrMovesInsideOneWindow) {
   EXPECT_TRUE(WaitFor([&] { return sleeps() > before; }));
 }
 
+// Nobody waits for what is read or made for windows that only come when they are asked for.
+TEST_F(StartUpTest, MainWindowComesBeforeThePluginsMenuAndTheEditors) {
+  // A client that is told of the root's windows in the order of the requests, and at the end that
+  // the program can be called.
+  Display* const watcher = XOpenDisplay(server->name().c_str());
+  XSelectInput(watcher, DefaultRootWindow(watcher), SubstructureNotifyMask | StructureNotifyMask);
+  XSync(watcher, True);
+  gromlit = Start({"-path", install->path()});
+  bool mapped = false;
+  bool done = false;
+  int menus = 0;
+  std::vector<std::string> later;
+  const auto look = [&] {
+    while (!done && XPending(watcher) > 0) {
+      XEvent event;
+      XNextEvent(watcher, &event);
+      if (event.type == MapNotify) mapped = true;
+      if (event.type == ClientMessage) done = true;
+      if (event.type != CreateNotify || !mapped) continue;
+      char* name = nullptr;
+      if (event.xcreatewindow.override_redirect != 0)
+        menus++;
+      else if (XFetchName(watcher, event.xcreatewindow.window, &name) != 0)
+        later.emplace_back(name);
+      XFree(name);
+    }
+    return done;
+  };
+  EXPECT_TRUE(WaitFor(look, std::chrono::seconds(60))) << Err();
+  XCloseDisplay(watcher);
+  EXPECT_GE(menus, 1);
+  EXPECT_THAT(later, ::testing::Contains("Gromlit: Symbol Editor"));
+}
+
 TEST_F(StartUpTest, SecondInstanceEndsAndTheFirstGoesOn) {
   DesktopTouches("acted");
   LaunchInstalled();
