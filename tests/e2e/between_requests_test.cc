@@ -6,7 +6,7 @@
 //
 // GROMLIT_EVERY_REQUEST=1 attacks in each way at each request that a gesture takes, 3 at every
 // third; else, for the suite, at one that the seed chooses (GROMLIT_TEST_SEED). GROMLIT_ATTACK
-// names the only one that is tried.
+// names the only one that is tried, GROMLIT_MANAGER another window manager than openbox.
 #include "tests/e2e/hostile_run.h"
 
 #include <X11/Xatom.h>
@@ -179,7 +179,12 @@ class BetweenRequestsTest : public testing::HostileRun,
  protected:
   void SetUp() override {
     HostileRun::SetUp();
-    if (*GetParam().manager != '\0') StartWindowManager(GetParam().manager, kClickToRaise);
+    if (*GetParam().manager != '\0') {
+      const char* const chosen = std::getenv("GROMLIT_MANAGER");
+      const std::string name = chosen != nullptr ? chosen : GetParam().manager;
+      setenv("HOME", install->path().c_str(), 1);  // its configuration is the default one
+      StartWindowManager(name, name == "openbox" ? kClickToRaise : "");
+    }
     WriteChoices(GetParam().delivery, GetParam().choices);
     WritePlugin("Victim.victim", {{"all",
                                    kRight,

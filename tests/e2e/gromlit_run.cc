@@ -176,6 +176,33 @@ bool GromlitRun::GromlitIsReady() {
   return (attributes.all_event_masks & SubstructureNotifyMask) != 0;
 }
 
+bool GromlitRun::Settle() {
+  constexpr auto kAskAgain = std::chrono::milliseconds(100);
+  Display* asker = player->display();
+  if (question_ == None)
+    question_ = XCreateSimpleWindow(asker, player->root(), -5, -5, 1, 1, 0, 0, 0);
+  // By the property the answer to this question is told from those to earlier ones.
+  const Atom answer = XInternAtom(asker, ("ANSWER_" + std::to_string(questions_++)).c_str(), False);
+  const auto ask = [&] {
+    XConvertSelection(asker, XInternAtom(asker, "_GROMLIT_S0", False),
+                      XInternAtom(asker, "TIMESTAMP", False), answer, question_, CurrentTime);
+    XFlush(asker);
+  };
+  ask();
+  auto again = std::chrono::steady_clock::now() + kAskAgain;
+  return WaitFor([&] {
+    XEvent event;
+    while (XCheckTypedWindowEvent(asker, question_, SelectionNotify, &event))
+      if (event.xselection.property == answer) return true;
+    // Nobody was there, or another client, which is silent.
+    if (std::chrono::steady_clock::now() > again) {
+      ask();
+      again += kAskAgain;
+    }
+    return false;
+  });
+}
+
 long GromlitRun::Resident() const {
   const std::string statm = ReadText("/proc/" + std::to_string(gromlit->pid()) + "/statm");
   long size = 0;

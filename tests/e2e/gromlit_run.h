@@ -108,6 +108,9 @@ class GromlitRun : public ::testing::Test {
   // Starts the program; waits until it follows the pointer unless it is not expected to.
   void StartGromlit(bool ready = true, std::vector<std::string> arguments = {});
   bool GromlitIsReady();
+  // Waits until the program has done all that it had to do: it answers a question, which it does
+  // between two events only, never during a stroke.
+  bool Settle();
   long Resident() const;  // memory of the program, kilobytes
   // Where the program stands, for the message of a test that found it in the wrong place: what it
   // waits for in the kernel, its calls where a debugger is installed, and the pointer.
@@ -150,6 +153,10 @@ class GromlitRun : public ::testing::Test {
   std::string manager_configuration;
   std::unique_ptr<Process> gromlit;
   std::string display_name;  // the program's, where it is not the server itself
+
+ private:
+  Window question_ = 0;  // gets the program's answers
+  int questions_ = 0;
 };
 
 }  // namespace gromlit::testing

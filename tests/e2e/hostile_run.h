@@ -61,9 +61,6 @@ class HostileRun : public FrontEnd {
   int Sweep(const Attack& attack, unsigned long usual, unsigned long most,
             const std::function<bool(unsigned long number)>& attacked);
 
-  // Waits until the program has done all that it had to do: it answers a question, which it does
-  // between two events only.
-  bool Settle();
   // The program's windows that are on the screen, but for the trail; and all that it has.
   std::vector<Window> ShownBelow(Window window, int depth);
   std::vector<Window> OwnWindows();
@@ -81,8 +78,6 @@ class HostileRun : public FrontEnd {
   Display* intruder_ = nullptr;  // for use in the proxy's thread
   std::unique_ptr<ProbeClient> other_;
   Window main_ = 0;
-  Window question_ = 0;  // gets the program's answers
-  int questions_ = 0;
   size_t quiet_ = 0;  // length of what the program has said at its start
 
  private:

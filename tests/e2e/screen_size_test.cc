@@ -10,6 +10,7 @@ using testing::Point;
 using testing::Process;
 using testing::Title;
 using testing::WaitFor;
+using testing::XServer;
 
 struct Size {
   int width;
@@ -131,6 +132,80 @@ TEST_F(ScreenSizeTest, AScreenThatIsLargerThanAtTheStartIsUsedToItsEnd) {
   PlaceMain({300, 880});
   ExpectDialogAtTheEdge(kLarge);
   ExpectWholeTrail(kLarge);
+}
+
+// A tablet, or a monitor on its foot, that is turned: width and height change places, and each
+// point of the screen is elsewhere.
+class TurnedScreenTest : public ScreenSizeTest {
+ protected:
+  void SetUp() override {
+    host_ = std::make_unique<XServer>("1400x1400x24");
+    server = std::make_unique<XServer>(*host_, "1280x1024");
+    ScreenSizeTest::SetUp();
+    // Else a stroke would be followed by the offer of a plug-in.
+    DesktopTouches("acted");
+    WritePlugin("Default", {});
+  }
+  void TearDown() override {
+    ScreenSizeTest::TearDown();
+    host_.reset();
+  }
+  Size Turn(const std::string& to) {
+    EXPECT_EQ(Randr({"-o", to}), 0);
+    const Size size = to == "left" || to == "right" ? Size{kLarge.height, kLarge.width} : kLarge;
+    EXPECT_TRUE(WaitFor([&] { return Screen() == size; }));
+    return size;
+  }
+
+  std::unique_ptr<XServer> host_;
+};
+
+TEST_F(TurnedScreenTest, ItIsUsedToItsEndsWhateverIsUp) {
+  LaunchInstalled();
+  for (const char* to : {"left", "inverted"}) {
+    SCOPED_TRACE(to);
+    const Size size = Turn(to);
+    PlaceMain({300, size.height - 145});
+    ExpectDialogAtTheEdge(size);
+    ExpectWholeTrail(size);
+  }
+  EXPECT_EQ(Err(), "");
+}
+
+TEST_F(TurnedScreenTest, ItIsTurnedDuringAStrokeAMenuAndADialog) {
+  LaunchInstalled();
+  for (const char* to : {"left", "inverted", "right", "normal"}) {
+    SCOPED_TRACE(to);
+    // The main window's menus open at the far edge of what was and is the screen.
+    PlaceMain({Screen().width - 200, 300});
+    PressTitle(Title::kPlugIn);
+    Turn(to);
+    player->Release(1);
+    player->Click(1);
+    EXPECT_TRUE(WaitFor([this] { return Menu() == 0; }));
+    EXPECT_TRUE(PointerBecomesFree());
+    for (int open = 1; open <= 3 && Dialog() != 0; open++) DialogRight();
+    PlaceMain({300, 300});
+    // A stroke that had the whole screen before it.
+    Go({900, 900});
+    player->Press(3);
+    Trace({{900, 900}, {1000, 900}});
+    Turn(std::string(to) == "normal" ? "left" : "normal");
+    player->Release(3);
+    EXPECT_TRUE(TrailIsGone());
+    EXPECT_TRUE(PointerBecomesFree());
+    ASSERT_NE(AskToExit(), 0u);
+    Turn(to);
+    DialogRight();
+    EXPECT_TRUE(WaitNoDialog());
+    // The next stroke is acted on.
+    std::filesystem::remove(MarkFile("acted"));
+    const Size size = Screen();
+    Draw({{size.width - 300, size.height - 100}, {size.width - 20, size.height - 100}});
+    EXPECT_TRUE(Appears("acted"));
+    EXPECT_TRUE(TrailIsGone());
+  }
+  EXPECT_EQ(Err(), "");
 }
 
 }  // namespace

@@ -35,17 +35,24 @@ std::string ReadLine(int fd, std::chrono::milliseconds deadline) {
 }  // namespace
 
 XServer::XServer(const std::string& screen, std::vector<std::string> more) {
+  std::vector<std::string> argv = {"Xvfb", "-screen", "0", screen, "-nolisten", "tcp", "-noreset"};
+  argv.insert(argv.end(), more.begin(), more.end());
+  Start(argv);
+}
+
+XServer::XServer(const XServer& host, const std::string& size) {
+  Start({"Xephyr", "-screen", size, "-nolisten", "tcp", "-noreset"}, {"DISPLAY=" + host.name()});
+}
+
+void XServer::Start(std::vector<std::string> argv, const std::vector<std::string>& environment) {
   int ends[2];
   if (pipe(ends) != 0) throw std::runtime_error("no pipe");
-  std::vector<std::string> argv = {"Xvfb",      "-displayfd", std::to_string(ends[1]),
-                                   "-screen",   "0",          screen,
-                                   "-nolisten", "tcp",        "-noreset"};
-  argv.insert(argv.end(), more.begin(), more.end());
-  process_ = std::make_unique<Process>(argv, "/dev/null");
+  argv.insert(argv.begin() + 1, {"-displayfd", std::to_string(ends[1])});
+  process_ = std::make_unique<Process>(argv, "/dev/null", environment);
   close(ends[1]);
   const std::string number = ReadLine(ends[0], std::chrono::seconds(30));
   close(ends[0]);
-  if (number.empty()) throw std::runtime_error("Xvfb did not start");
+  if (number.empty()) throw std::runtime_error(argv[0] + " did not start");
   name_ = ":" + number;
   setenv("DISPLAY", name_.c_str(), 1);
 }

@@ -20,6 +20,9 @@ namespace gromlit::testing {
 class XServer {
  public:
   explicit XServer(const std::string& screen = "1280x1024x24", std::vector<std::string> more = {});
+  // A Xephyr on the screen of another one, which lives as long: its screen, of a size such as
+  // "1280x1024", can be turned.
+  XServer(const XServer& host, const std::string& size);
   ~XServer();
   XServer(const XServer&) = delete;
   XServer& operator=(const XServer&) = delete;
@@ -30,6 +33,9 @@ class XServer {
   void Kill(int signal) { process_->Kill(signal); }
 
  private:
+  // The words that tell the server of its -displayfd come behind its name.
+  void Start(std::vector<std::string> argv, const std::vector<std::string>& environment = {});
+
   std::unique_ptr<Process> process_;
   std::string name_;
 };
