@@ -45,10 +45,10 @@ int DrawButtonWait();
 // it was asked for just before. Three round trips, nothing while no grab is refused.
 void AskForDrawButton();
 
-// Gives the button up for good, before the program ends. A server that clears up behind a client may
-// let out presses that waited while that client's windows go but its passive grabs are still there,
-// and the pointer would stay frozen for one that nobody takes any more. No round trip; an active grab
-// is to be given up after it.
+// Gives the button up for good, before the program ends. A server that clears up behind a client
+// may let out presses that waited while that client's windows go but its passive grabs are still
+// there, and the pointer would stay frozen for one that nobody takes any more. No round trip; an
+// active grab is to be given up after it.
 void LeaveDrawButton();
 
 // Lifts the passive grab for the lifetime of the object and puts it back after it: a press while an
