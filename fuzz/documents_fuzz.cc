@@ -85,8 +85,7 @@ void Run(FuzzedDataProvider* data) {
     ImportFiles("document", home, Existing::kKeep, false);
     Require(FilesBelow(home) == after);
   }
-  for (const auto& [name, bytes] : FilesBelow(home))
-    Require(name.find(".gromlit-save-") == name.npos);
+  for (const auto& [name, bytes] : FilesBelow(home)) Require(!name.starts_with(".gromlit-save-"));
   CheckInstallation(home, {.on = true});
   if (imported == kSuccess) {
     Require(ExportFiles({home}, "exported") == kSuccess);

@@ -114,7 +114,7 @@ void CheckOthers(const Files& before, const Files& after, const std::string& cla
   }
   for (const auto& [name, bytes] : after) {
     if (before.contains(name)) continue;
-    Require(name.find(".gromlit-save-") == name.npos);
+    Require(!name.starts_with(".gromlit-save-"));
     Require(name.starts_with("damaged/") ||
             (name.starts_with("plugins/") && ClassOf(bytes) == classname));
   }
