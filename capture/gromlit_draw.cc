@@ -183,6 +183,9 @@ void Capture::Run() {
     // The release of another button is that of one above the fifth, which may have been down all
     // the time; anything else ends the stroke.
     over = event.type == ButtonPress || event.xbutton.button == press_.button;
+    // The grab lasts until all buttons are up, and nothing is drawn any more.
+    if (event.type == ButtonPress && trail_.drawmapped)
+      XChangeActivePointerGrab(dpy, static_cast<unsigned>(mask_), None, press_.time);
     XAllowEvents(dpy, over ? AsyncPointer : SyncPointer, press_.time);
     if (!over) XFlush(dpy);
   }

@@ -167,20 +167,22 @@ void StartUp(const CommandLine& line) {
   MakeConfirmDialog();
   MakeEditNameDialog(SaveNewPluginName);
   MakeNewPluginDialogs();
+  CatchEndSignals(GiveBack);
+  // From here on windows are asked about that another client may have destroyed already, the shown
+  // one among them.
+  XSetErrorHandler(GromlitXErrorHandler);
   ShowMainWindow();
   ReadPlugins();
   FillMainWindow();
   MakeEditors();
-  CatchEndSignals(GiveBack);
-  // From here on windows of other clients are asked about that may be gone already.
-  XSetErrorHandler(GromlitXErrorHandler);
-  BuildCharToKeycode();
   // Asked for here, answered while the next step waits.
   AskForLoans();
   AskForWindows();
   AskForTrays();
   ServeRemote();
   ReturnKeysOfTheDead();
+  // With what the keys mean from now on.
+  BuildCharToKeycode();
   CreateAppTrack();
   WatchForTrays();
   MakeCursors();

@@ -134,13 +134,18 @@ class WindowActionsTest : public testing::ShellRun {
     const unsigned long last = Desktops() - 1;
     auto probe = StartProbe();
     const Window window = probe->window();
-    for (const auto& [text, states] : std::vector<std::pair<std::string, std::vector<const char*>>>{
+    struct Way {
+      std::string text;
+      std::vector<const char*> states;
+    };
+    for (const Way& way : std::vector<Way>{
              {"system:maximize", {"_NET_WM_STATE_MAXIMIZED_VERT", "_NET_WM_STATE_MAXIMIZED_HORZ"}},
              {"system:fullscreen", {"_NET_WM_STATE_FULLSCREEN"}},
              {"system:above", {"_NET_WM_STATE_ABOVE"}}}) {
-      SCOPED_TRACE(text);
+      const auto& states = way.states;
+      SCOPED_TRACE(way.text);
       for (const char* state : states) EXPECT_FALSE(HasState(window, state)) << state;
-      Do(text);
+      Do(way.text);
       EXPECT_TRUE(WaitFor([&] {
         return std::all_of(states.begin(), states.end(),
                            [&](const char* state) { return HasState(window, state); });

@@ -357,18 +357,21 @@ TEST_F(GromlitDrawTest, PressThatAnotherClientSentIsIgnored) {
   EXPECT_EQ(NextRequest(dpy), before) << "something was asked of the server";
 }
 
+// The number that the server gives the cursor on the screen.
+unsigned long CursorShown(Display* display) {
+  int event;
+  int error;
+  EXPECT_TRUE(XFixesQueryExtension(display, &event, &error));
+  XFixesCursorImage* const image = XFixesGetCursorImage(display);
+  const unsigned long serial = image->cursor_serial;
+  XFree(image);
+  return serial;
+}
+
 TEST_F(GromlitDrawTest, WhileAStrokeIsDrawnThePointerIsAHandAndGoesThroughTheTrail) {
   Showing("Edit.edit");
   const Window window = Make("Edit", "edit");
-  const auto cursor = [&] {
-    XFixesCursorImage* const image = XFixesGetCursorImage(player->display());
-    const unsigned long serial = image->cursor_serial;
-    XFree(image);
-    return serial;
-  };
-  int event;
-  int error;
-  ASSERT_TRUE(XFixesQueryExtension(player->display(), &event, &error));
+  const auto cursor = [&] { return CursorShown(player->display()); };
   player->MoveTo(750, 150);
   Pump();
   const unsigned long plain = cursor();
@@ -400,6 +403,31 @@ TEST_F(GromlitDrawTest, WhileAStrokeIsDrawnThePointerIsAHandAndGoesThroughTheTra
   EXPECT_TRUE(ishand);
   EXPECT_TRUE(through);
   EXPECT_EQ(cursor(), plain);
+}
+
+TEST_F(GromlitDrawTest, HandGoesWhenAnotherButtonEndsTheStroke) {
+  Showing("Edit.edit");
+  Make("Edit", "edit");
+  player->MoveTo(750, 150);
+  Pump();
+  const unsigned long plain = CursorShown(player->display());
+  bool washand = false;
+  bool isplain = false;
+  std::atomic<bool> drawn = false;
+  std::thread user_draws([&] {
+    player->Press(3);
+    player->MoveTo(760, 150);
+    washand = testing::WaitFor([&] { return CursorShown(player->display()) != plain; });
+    player->Press(1);
+    isplain = testing::WaitFor([&] { return CursorShown(player->display()) == plain; });
+    player->Release(3);
+    player->Release(1);
+    drawn = true;
+  });
+  EXPECT_TRUE(PumpUntil([&] { return drawn.load(); }));
+  user_draws.join();
+  EXPECT_TRUE(washand);
+  EXPECT_TRUE(isplain) << "while the buttons are still down";
 }
 
 TEST_F(GromlitDrawTest, SentEventsDoNotEndAStroke) {
