@@ -34,6 +34,8 @@ class SymbolEditorRun : public testing::SymbolRun {
     ASSERT_TRUE(Over(Area(), kMoved[0].x, kMoved[0].y));
     EXPECT_TRUE(WaitSquare(kMoved[0]));
     player->Release(1);
+    // Until the drag's grab is given back it has every press.
+    EXPECT_TRUE(PointerBecomesFree());
   }
   // The notice of a save that failed, closed.
   void ExpectFailure(const std::string& reason) {
