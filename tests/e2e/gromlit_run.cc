@@ -55,7 +55,7 @@ ProbeClient::ProbeClient(const std::string& directory, std::vector<std::string> 
   argv.insert(argv.end(), options.begin(), options.end());
   process_ = std::make_unique<Process>(argv, output_);
   const auto ready = [this] { return LinesOf(output_, "ready ").size() == 1; };
-  if (!WaitFor(ready)) {
+  if (!WaitFor(ready, std::chrono::seconds(60))) {
     ADD_FAILURE() << "the probe did not come up: " << ReadText(output_);
     return;
   }
