@@ -61,6 +61,13 @@ int XLookupString(XKeyEvent* event, char* buffer, int size, KeySym* symbol, XCom
   return 1;
 }
 
+// No modifier changes what a key gives.
+Bool XkbLookupKeySym(Display*, KeyCode code, unsigned, unsigned* looked, KeySym* symbol) {
+  *looked = 0;
+  *symbol = XkbKeycodeToKeysym(nullptr, code, 0, 0);
+  return *symbol != NoSymbol ? True : False;
+}
+
 KeySym* XGetKeyboardMapping(Display*, KeyCode first, int count, int* width) {
   Require(first >= kFirst && count >= 0 && first + count <= kLast + 1);
   *width = kWidth;
