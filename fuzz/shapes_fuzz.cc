@@ -45,8 +45,8 @@ float LossOfTurns(const Shape& shape) {
   return 0.125F * static_cast<float>(turns) / kShapeSegments;
 }
 
-// The best of all by score alone, in double precision nothing is gained: the score is the judge's
-// word, the order among equals the plug-in's.
+// The best of all by score alone. Not which of several with the same score: costs that differ may
+// round to one score, and the cost decides.
 void CheckRanking(GromlitPlugin* plugin, const Stroke& stroke) {
   const Shape drawn = ShapeOfPoints(stroke.count, stroke.x, stroke.y);
   CheckShape(drawn);
@@ -72,11 +72,10 @@ void CheckRanking(GromlitPlugin* plugin, const Stroke& stroke) {
   }
   // Up to so many nothing is left out before the warping.
   if (drawable > 0 && drawable <= kShapeCandidates) {
-    const auto best = std::max_element(scores.begin(), scores.end());
-    Require(ranking.best == best - scores.begin());
+    Require(ranking.score == *std::max_element(scores.begin(), scores.end()));
     if (drawable > 1) {
-      *best = -2;
-      Require(ranking.next == std::max_element(scores.begin(), scores.end()) - scores.begin());
+      scores[static_cast<size_t>(ranking.best)] = -2;
+      Require(ranking.nextscore == *std::max_element(scores.begin(), scores.end()));
     }
   }
   for (int32_t tolerance = -1; tolerance <= 6; tolerance++) {
