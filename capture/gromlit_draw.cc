@@ -47,12 +47,12 @@ constexpr auto kGrabCheck = std::chrono::milliseconds(100);
 // How often the trail is sent to the server while the hand moves on: more often than any screen
 // shows it.
 constexpr auto kShowTrail = std::chrono::milliseconds(4);
-constexpr auto kShowQuickTrail = std::chrono::milliseconds(8);
 
-// How long the motions of a quick hand are gathered, and how many there must be in that time.
-// Waking for each would cost more than all that is done with it.
-constexpr auto kGather = std::chrono::milliseconds(4);
-constexpr int kQuickMotions = 3;
+// How long the motions of a quick hand are gathered, less than a screen takes from one picture to
+// the next, and how many there must be in that time. Waking for each would cost more than all that
+// is done with it.
+constexpr auto kGather = std::chrono::milliseconds(12);
+constexpr int kQuickMotions = 5;
 
 int16_t Coordinate(int position) {
   return static_cast<int16_t>(position);
@@ -195,18 +195,18 @@ void Capture::Run() {
 // The next event of the grab. False when the grab is gone and none will come: a handler that ran
 // before may have released it, and the button may be up already.
 bool Capture::NextEvent(XEvent* event) {
-  auto now = Clock::now();
-  auto check = now + kGrabCheck;
-  for (;; now = Clock::now()) {
+  for (auto check = Clock::time_point{};;) {
     EndIfSignalled();
     if (TakeQueued(event)) return true;
+    const auto now = Clock::now();
+    if (check == Clock::time_point{}) check = now + kGrabCheck;
     if (now >= check) {
       if (GrabIsGone()) return false;
       come_ = true;
       check = Clock::now() + kGrabCheck;
       continue;
     }
-    const auto due = shown_ + (quick_ ? kShowQuickTrail : kShowTrail);
+    const auto due = shown_ + kShowTrail;
     if (unshown_ && now >= due) {
       XFlush(dpy);
       unshown_ = false;
@@ -226,8 +226,8 @@ bool Capture::NextEvent(XEvent* event) {
 
 // Whether the hand is on its way, so that its motions may be gathered for a while instead of waking
 // the program one by one. None is lost by it, but a release would be late by as much; so this is
-// left to mice that tell of a motion every millisecond, and ends when the hand slows down to half
-// of its speed, as it does before it lets go.
+// left to mice that tell of several hundred motions a second, and ends when the hand slows down to
+// half of its speed, as it does before it lets go.
 //
 // Returns whether that was looked at just now.
 bool Capture::LookAtSpeed(Clock::time_point now) {
