@@ -1,10 +1,7 @@
 #include "capture/gromlit_draw.h"
 
-#include <poll.h>
-
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstdint>
 #include <cstdlib>
 #include <string_view>
@@ -17,6 +14,7 @@
 #include "app/symbols/drawn_symbol.h"
 #include "app/tray/tray_icon.h"
 #include "capture/app_track.h"
+#include "capture/grab_events.h"
 #include "capture/plugin_match.h"
 #include "capture/stroke_log.h"
 #include "core/offer_memory.h"
@@ -24,7 +22,6 @@
 #include "core/plugin_files.h"
 #include "display/display.h"
 #include "display/draw_button.h"
-#include "display/end_signals.h"
 #include "display/modes.h"
 #include "display/pointer_click.h"
 #include "display/sent_input.h"
@@ -39,21 +36,6 @@ namespace {
 // program's other windows never ask for a plug-in.
 constexpr std::string_view kOwnClass = "Gromlit.Application";
 
-using Clock = std::chrono::steady_clock;
-
-// How long to wait for the next event before asking whether the grab is still there.
-constexpr auto kGrabCheck = std::chrono::milliseconds(100);
-
-// How often the trail is sent to the server while the hand moves on: more often than any screen
-// shows it.
-constexpr auto kShowTrail = std::chrono::milliseconds(4);
-
-// How long the motions of a quick hand are gathered, less than a screen takes from one picture to
-// the next, and how many there must be in that time. Waking for each would cost more than all that
-// is done with it.
-constexpr auto kGather = std::chrono::milliseconds(12);
-constexpr int kQuickMotions = 5;
-
 int16_t Coordinate(int position) {
   return static_cast<int16_t>(position);
 }
@@ -67,9 +49,7 @@ class Capture {
         mask_(ButtonToMotionMask(static_cast<int>(press.button)) | ButtonPressMask |
               ButtonReleaseMask),
         trail_(StartTrail(&draw->trail)),
-        lastroot_{press.x_root, press.y_root},
-        looked_(Clock::now()),
-        lookedat_(lastroot_) {
+        events_(press, mask_) {
     AddPoint(press.x_root, press.y_root);
   }
   ~Capture() {
@@ -86,16 +66,6 @@ class Capture {
   void Run();
 
  private:
-  struct Position {
-    int x;
-    int y;
-    bool operator==(const Position&) const = default;
-  };
-
-  bool NextEvent(XEvent* event);
-  bool TakeQueued(XEvent* event);
-  bool LookAtSpeed(Clock::time_point now);
-  bool GrabIsGone();
   void AddPoint(int x, int y);
   void BeginDrawing(const XMotionEvent& motion);
   void Motion(const XMotionEvent& motion);
@@ -115,22 +85,11 @@ class Capture {
   Target target_;             // the application below the press
   GromlitPluginList* headplugin_ = nullptr;  // looked up on the first motion
   Trail trail_;
+  GrabEvents events_;
   std::array<int16_t, kMaxStrokePoints> xbuffer_{};
   std::array<int16_t, kMaxStrokePoints> ybuffer_{};
   int npoints_ = 0;
-  int frompress_ = 0;     // farthest the pointer got from the press along either axis, pixels
-  int others_ = 0;        // events in the queue that were somebody else's when it was looked at
-  bool come_ = true;      // something has come since then
-  bool unshown_ = false;  // parts of the trail wait to be sent
-  Clock::time_point shown_{};  // when such were sent last
-  Position lastroot_;          // where the pointer was when the server last told us
-  // Since the hand's speed was last looked at: when that was, where the pointer was then, and the
-  // motions that came; and the greatest speed, pixels a millisecond.
-  Clock::time_point looked_{};
-  Position lookedat_;
-  int motions_ = 0;
-  bool quick_ = false;  // when it was looked at last
-  double fastest_ = 0;
+  int frompress_ = 0;  // farthest the pointer got from the press along either axis, pixels
 };
 
 void Capture::AddPoint(int x, int y) {
@@ -165,7 +124,7 @@ void Capture::Thaw() {
 void Capture::Run() {
   XEvent event;
   for (bool over = false; !over;) {
-    if (!NextEvent(&event)) {
+    if (!events_.Next(&event)) {
       // Nothing is frozen yet, and what is not frozen cannot be thawed in advance.
       XUngrabPointer(dpy, press_.time);
       return;
@@ -192,95 +151,6 @@ void Capture::Run() {
   if (event.type == ButtonRelease) Release(event.xbutton);
 }
 
-// The next event of the grab. False when the grab is gone and none will come: a handler that ran
-// before may have released it, and the button may be up already.
-bool Capture::NextEvent(XEvent* event) {
-  for (auto check = Clock::time_point{};;) {
-    EndIfSignalled();
-    if (TakeQueued(event)) return true;
-    const auto now = Clock::now();
-    if (check == Clock::time_point{}) check = now + kGrabCheck;
-    if (now >= check) {
-      if (GrabIsGone()) return false;
-      come_ = true;
-      check = Clock::now() + kGrabCheck;
-      continue;
-    }
-    const auto due = shown_ + kShowTrail;
-    if (unshown_ && now >= due) {
-      XFlush(dpy);
-      unshown_ = false;
-      shown_ = now;
-      continue;  // with what came meanwhile
-    }
-    const bool gather = LookAtSpeed(now) && quick_;
-    const auto until = gather ? now + kGather : unshown_ ? std::min(check, due) : check;
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - now);
-    pollfd connection{ConnectionNumber(dpy), POLLIN, 0};
-    // What has come is read by the search, which sends nothing when it finds something. A signal
-    // ends either wait.
-    const int ready = poll(&connection, gather ? 0 : 1, static_cast<int>(left.count()));
-    come_ = come_ || gather || ready > 0;
-  }
-}
-
-// Whether the hand is on its way, so that its motions may be gathered for a while instead of waking
-// the program one by one. None is lost by it, but a release would be late by as much; so this is
-// left to mice that tell of several hundred motions a second, and ends when the hand slows down to
-// half of its speed, as it does before it lets go.
-//
-// Returns whether that was looked at just now.
-bool Capture::LookAtSpeed(Clock::time_point now) {
-  const auto took = now - looked_;
-  if (took < kGather) return false;
-  const double way =
-      std::max(std::abs(lastroot_.x - lookedat_.x), std::abs(lastroot_.y - lookedat_.y));
-  const double speed = way / std::chrono::duration<double, std::milli>(took).count();
-  fastest_ = std::max(fastest_, speed);
-  quick_ = motions_ * kGather >= kQuickMotions * took && speed >= fastest_ / 2;
-  looked_ = now;
-  lookedat_ = lastroot_;
-  motions_ = 0;
-  return true;
-}
-
-// The next event of the grab. What waits for others in the queue is looked at once, until something
-// comes: a search that finds nothing costs several calls of the kernel.
-bool Capture::TakeQueued(XEvent* event) {
-  if (!come_ && XEventsQueued(dpy, QueuedAlready) == others_) return false;
-  come_ = false;
-  while (XCheckWindowEvent(dpy, root, mask_, event)) {
-    // Anybody may send events to the root window; only the server's count.
-    if (event->xany.send_event) continue;
-    if (event->type == MotionNotify) {
-      lastroot_ = {event->xmotion.x_root, event->xmotion.y_root};
-      motions_++;
-    }
-    return true;
-  }
-  others_ = XEventsQueued(dpy, QueuedAlready);
-  unshown_ = false;  // the search has sent it
-  return false;
-}
-
-bool Capture::GrabIsGone() {
-  Window rootwin;
-  Window child;
-  Position at{};
-  int winx;
-  int winy;
-  unsigned state;
-  if (!XQueryPointer(dpy, root, &rootwin, &child, &at.x, &at.y, &winx, &winy, &state)) return true;
-  // With the answer everything has arrived that the server reported before it.
-  XEvent event;
-  if (XCheckWindowEvent(dpy, root, mask_, &event)) {
-    XPutBackEvent(dpy, &event);
-    return false;
-  }
-  const bool up = (state & (static_cast<unsigned>(Button1Mask) << (press_.button - 1))) == 0;
-  return up || at != lastroot_;
-}
-
 void Capture::BeginDrawing(const XMotionEvent& motion) {
   if (own_) {
     // A click with an unsteady hand begins like this, too: the main window must keep what its
@@ -301,7 +171,7 @@ void Capture::Motion(const XMotionEvent& motion) {
   if (!trail_.drawmapped) BeginDrawing(motion);
   AddPoint(motion.x_root, motion.y_root);
   MoveTrail(&trail_, motion.x_root, motion.y_root);
-  unshown_ = true;
+  events_.NoteDrawn();
   frompress_ = std::max({frompress_, std::abs(motion.x_root - press_.x_root),
                          std::abs(motion.y_root - press_.y_root)});
   if (!Chosen(user, kNameWhileDrawing) || !IsStroke()) return;
