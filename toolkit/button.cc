@@ -12,6 +12,7 @@
 #include "toolkit/key_lookup.h"
 #include "toolkit/manners.h"
 #include "toolkit/menu.h"
+#include "toolkit/pointer_hold.h"
 #include "toolkit/release_watch.h"
 #include "toolkit/tab_order.h"
 #include "toolkit/text.h"
@@ -33,7 +34,7 @@ void LoseRelease() {
   XButton* button = holder;
   if (button == nullptr) return;
   holder = nullptr;
-  if (!MenuHoldsPointer()) XUngrabPointer(dpy, CurrentTime);
+  if (!MenuHoldsPointer()) GivePointerBack();
   if (button->state != kButtonPressed) return;
   button->state = kButtonActive;
   DrawButton(button, nullptr);
@@ -126,11 +127,8 @@ void ButtonDown(XButton* button, XEvent*) {
   if (button->state != kButtonActive) return;
   // Taken away from a menu, the pointer would leave it open on the screen.
   if (MenuHoldsPointer()) return;
-  if (XGrabPointer(dpy, button->window, False, ButtonReleaseMask | ButtonMotionMask, GrabModeAsync,
-                   GrabModeAsync, None, None, CurrentTime) != GrabSuccess) {
-    // Without the grab the release might never come back here.
-    return;
-  }
+  // Without the grab the release might never come back here.
+  if (!HoldPointer(button->window, ButtonReleaseMask | ButtonMotionMask)) return;
   holder = button;
   AwaitRelease(LoseRelease);
   button->state = kButtonPressed;
@@ -142,7 +140,7 @@ void ButtonUp(XButton* button, XEvent* event) {
     holder = nullptr;
     ForgetRelease();
     // A press that was read late may have opened a menu meanwhile, which has the pointer now.
-    if (!MenuHoldsPointer()) XUngrabPointer(dpy, CurrentTime);
+    if (!MenuHoldsPointer()) GivePointerBack();
   }
   if (button->state != kButtonPressed) return;
   const int x = event->xbutton.x;

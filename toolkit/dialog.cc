@@ -14,6 +14,7 @@
 #include "toolkit/image.h"
 #include "toolkit/manners.h"
 #include "toolkit/menu.h"
+#include "toolkit/pointer_hold.h"
 #include "toolkit/tab_order.h"
 #include "toolkit/text.h"
 
@@ -205,7 +206,7 @@ void DrawDialog(XDialog* dlog, XEvent*) {
 
 void DialogButtonUp(XDialog*, XEvent*) {
   CloseGrabbedMenu();
-  XUngrabPointer(dpy, CurrentTime);
+  GivePointerBack();
 }
 
 }  // namespace gromlit

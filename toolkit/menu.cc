@@ -9,6 +9,7 @@
 #include "toolkit/image.h"
 #include "toolkit/manners.h"
 #include "toolkit/menu_parts.h"
+#include "toolkit/pointer_hold.h"
 #include "toolkit/release_watch.h"
 #include "toolkit/text.h"
 #include "toolkit/title_row.h"
@@ -78,11 +79,8 @@ XMenu* MenuWithPointer() {
   return grabbed;
 }
 
-bool GrabPointerFor(XMenu* menu, long events) {
-  if (XGrabPointer(dpy, menu->window, False, static_cast<unsigned>(events), GrabModeAsync,
-                   GrabModeAsync, None, None, CurrentTime) != GrabSuccess) {
-    return false;
-  }
+bool GrabPointerFor(XMenu* menu, long events, bool inherited) {
+  if (!(inherited ? InheritPointer : HoldPointer)(menu->window, events)) return false;
   grabbed = menu;
   ReleaseGoesElsewhere();
   return true;
@@ -91,8 +89,7 @@ bool GrabPointerFor(XMenu* menu, long events) {
 void EndMenuGrab(const XMenu* menu) {
   if (grabbed != menu) return;
   grabbed = nullptr;
-  // Not with the release's time: a release that another client sent could carry any.
-  XUngrabPointer(dpy, CurrentTime);
+  GivePointerBack();
   EndMenuHand(menu);
 }
 
@@ -204,8 +201,8 @@ bool PopUpMenuGrabbed(int x, int y, XMenu* menu, const XButtonEvent* press) {
   // It may itself be open with today's manners, of which nothing must be left.
   if (grabbed != nullptr && (grabbed != menu || MenuInHand() != nullptr)) PopDownMenu(grabbed);
   PopUpMenu(x, y, menu);
-  // Presses are left out: only a release ends the interaction. When the menu opens after all
-  // buttons went up, which is so for a click that was handed on, that is the next click's.
+  // Only a release ends the interaction. When the menu opens after all buttons went up, which is so
+  // for a click that was handed on, that is the next click's.
   if (GrabPointerFor(menu, ButtonReleaseMask | PointerMotionMask)) return true;
   PopDownMenu(menu);
   return false;
@@ -259,7 +256,7 @@ void MenuButtonPress(XMenu* menu, XEvent* event) {
   if (menu->open == 0) return;
   if (MenuInHand() != nullptr) {
     HandPress(event->xbutton);
-  } else {
+  } else if (grabbed != menu) {
     MenuTrackMouse(menu, event);
   }
 }

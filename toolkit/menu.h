@@ -30,7 +30,8 @@
 //
 // INV-MENU-1: the pointer is grabbed for a menu only while that menu is open. All closing goes
 //   through one function that gives the pointer back, whichever button was released.
-// INV-MENU-2: events that reach a closed menu change nothing. Motion that was on its way when a
+// INV-MENU-2: events that reach a closed menu change nothing, unless they are those of what has the
+//   pointer now, or lies there (toolkit/pointer_hold.h). Motion that was on its way when a
 //   choice was made would open submenus that nobody closes; the release of a second button would
 //   run the item again.
 // INV-MENU-3: an action may rebuild the menu that it was chosen from, and the menus that led there.

@@ -13,6 +13,7 @@
 #include "display/scale.h"
 #include "toolkit/bevel.h"
 #include "toolkit/menu_parts.h"
+#include "toolkit/pointer_hold.h"
 #include "toolkit/press_time.h"
 #include "toolkit/release_watch.h"
 #include "toolkit/text_editor.h"
@@ -26,7 +27,7 @@ using Clock = std::chrono::steady_clock;
 constexpr uint32_t kQuick = 300;  // milliseconds within which a press and its release are a click
 constexpr int kTremble = 4;       // pixels that a hand has moved that means to move
 constexpr auto kRowPause = std::chrono::milliseconds(60);  // between two rows of a rested menu
-constexpr long kPointerEvents = ButtonPressMask | ButtonReleaseMask | PointerMotionMask;
+constexpr long kPointerEvents = ButtonReleaseMask | PointerMotionMask;
 constexpr unsigned kButtons = Button1Mask | Button2Mask | Button3Mask;
 
 struct Hand {
@@ -86,8 +87,7 @@ void Leave() {
   const Window window = MakeCatcher();
   XMapWindow(dpy, window);
   XMenu* menu = hand.menu;
-  if (XGrabPointer(dpy, window, False, ButtonReleaseMask, GrabModeAsync, GrabModeAsync, None, None,
-                   CurrentTime) == GrabSuccess) {
+  if (HoldPointer(window, ButtonReleaseMask)) {
     leaving = true;
     AwaitRelease(EndLeaving);
     PassMenuGrab(nullptr);
@@ -311,7 +311,7 @@ bool OpenMenuByHand(XMenu* menu, const MenuAnchor& anchor, const XButtonEvent* p
                         Device(press != nullptr ? press->x_root : anchor.x + anchor.width / 2),
                         Device(press != nullptr ? press->y_root : anchor.y + anchor.height / 2)));
   Open(menu, [&] { Place(menu, anchor); });
-  if (!GrabPointerFor(menu, kPointerEvents)) {
+  if (!GrabPointerFor(menu, kPointerEvents, follows)) {
     // The former menu has the pointer no more, or will not know what became of it.
     if (follows) PopDownMenu(former);
     PopDownMenu(menu);
@@ -360,7 +360,7 @@ void EndLeaving() {
   if (!leaving) return;
   leaving = false;
   ForgetRelease();
-  XUngrabPointer(dpy, CurrentTime);
+  GivePointerBack();
   XDestroyWindow(dpy, catcher->wobj->window);
 }
 

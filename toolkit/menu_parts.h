@@ -11,10 +11,11 @@ struct XMenu;
 
 // --- toolkit/menu.cc ---
 
-// The menu that has the pointer, or null (INV-MENU-1), and how it gets and loses it. EndMenuGrab
-// does nothing for a menu that has it not.
+// The menu that has the pointer, or null (INV-MENU-1), and how it gets and loses it. `inherited`
+// from the menu that has it: what was reported to that and is read later is the new one's.
+// EndMenuGrab does nothing for a menu that has it not.
 XMenu* MenuWithPointer();
-bool GrabPointerFor(XMenu* menu, long events);
+bool GrabPointerFor(XMenu* menu, long events, bool inherited = false);
 void EndMenuGrab(const XMenu* menu);
 
 // Hands the record of who has the pointer over without giving it back; for whoever has grabbed it

@@ -7,6 +7,7 @@
 #include "display/display.h"
 #include "display/scale.h"
 #include "toolkit/manners.h"
+#include "toolkit/pointer_hold.h"
 
 namespace gromlit {
 
@@ -47,6 +48,13 @@ void TurnWheel(const XButtonEvent& notch) {
   const WindowObj* entry = FindWindowObj(notch.window);
   if (entry == nullptr || entry->wheel == nullptr) return;
   entry->wheel(entry->obj, notch.button == Button5 ? 1 : -1);
+}
+
+bool TakesPressOf(Window window, unsigned button) {
+  const WindowObj* entry = FindWindowObj(window);
+  if (entry == nullptr || entry == defaultWindowObj) return false;
+  if (button > kLastPressingButton) return entry->wheel != nullptr;
+  return entry->eh[ButtonPress] != NoHandler;
 }
 
 int TableSize() {
@@ -119,6 +127,7 @@ void DispatchEvent(XEvent* event) {
   if (event->type < kFirstEvent || event->type > kLastEvent) {
     std::printf("Unknown event type %d\n", event->type);
   } else {
+    if (!ReaddressLatePress(event, TakesPressOf)) return;
     if (IsNotch(*event)) {
       TurnWheel(event->xbutton);
       return;

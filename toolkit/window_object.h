@@ -75,7 +75,8 @@ WindowObj* FindWindowObj(Window window);
 // owner of the event before it. Presses and releases of buttons above kLastPressingButton go no
 // further, for every window but the root: the owners need not ask, and no release of one ends what
 // another button began. With ModernManners() a press of Button4 or Button5 goes to the wheel
-// handler of its window.
+// handler of its window. A press that was reported to a window because that held the pointer still
+// goes to what it is on (toolkit/pointer_hold.h).
 void DispatchEvent(XEvent* event);
 
 // The handler of every slot that was not set: nothing.

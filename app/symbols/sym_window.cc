@@ -13,6 +13,7 @@
 #include "toolkit/bevel.h"
 #include "toolkit/child_window.h"
 #include "toolkit/menu.h"
+#include "toolkit/pointer_hold.h"
 #include "toolkit/release_watch.h"
 
 namespace gromlit {
@@ -173,7 +174,7 @@ void EndDragging(SymWindow* sw) {
   if (sw->holding == 0) return;
   sw->holding = 0;
   ForgetRelease();
-  if (!MenuHoldsPointer()) XUngrabPointer(dpy, CurrentTime);
+  if (!MenuHoldsPointer()) GivePointerBack();
   if (sw->owner->state == kSymDragging) sw->owner->state = kSymComplete;
 }
 
@@ -187,14 +188,8 @@ void LoseRelease() {
 void GrabPoint(SymWindow* sw) {
   // A press that is read late must not take the pointer from a menu that was opened meanwhile.
   if (MenuHoldsPointer()) return;
-  // Presses too: a quick hand takes hold of the next point before the release of this one is read
-  // and the pointer given back.
-  constexpr unsigned kEvents = ButtonPressMask | ButtonReleaseMask | PointerMotionMask;
-  if (XGrabPointer(dpy, sw->window, False, kEvents, GrabModeAsync, GrabModeAsync, None, None,
-                   CurrentTime) != GrabSuccess) {
-    // Without the grab the release might never come here.
-    return;
-  }
+  // Without the grab the release might never come here.
+  if (!HoldPointer(sw->window, ButtonReleaseMask | PointerMotionMask)) return;
   sw->holding = 1;
   dragging = sw;
   AwaitRelease(LoseRelease);

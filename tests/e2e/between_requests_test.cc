@@ -1,8 +1,8 @@
 // Other clients that act between any two requests of the program: the application under a gesture
 // goes, moves, changes or loses what it is called, grabs what it can, while the gesture is captured
-// and while its action is carried out, or while the program starts. Whatever happens to that
-// gesture, the pointer and the keyboard are free after it, nothing is held down, and the next
-// gesture works.
+// and while its action is carried out, or while the user works in the program's own windows.
+// Whatever happens to that gesture, the pointer and the keyboard are free after it, nothing is held
+// down, and the next gesture works.
 //
 // GROMLIT_EVERY_REQUEST=1 attacks in each way at each request that a gesture takes, 3 at every
 // third; else, for the suite, at one that the seed chooses (GROMLIT_TEST_SEED). GROMLIT_ATTACK
@@ -290,124 +290,6 @@ TEST_P(BetweenRequestsTest, WhateverOtherClientsDoTheNextGestureWorks) {
 
 INSTANTIATE_TEST_SUITE_P(In, BetweenRequestsTest, ::testing::ValuesIn(kSettings),
                          [](const auto& setting) { return std::string(setting.param.name); });
-
-// --- While the program starts ------------------------------------------------------------------
-
-Window victims[20];
-Window claimant = None;
-
-constexpr Attack kStartAttacks[] = {
-    {"nothing", [](const Scene&) {}},
-    {"destroy",
-     [](const Scene& s) {
-       for (const Window window : victims) XDestroyWindow(s.display, window);
-     }},
-    {"create",
-     [](const Scene& s) {
-       for (int i = 0; i < 20; i++) {
-         const Window window =
-             XCreateSimpleWindow(s.display, DefaultRootWindow(s.display), 0, 0, 10, 10, 0, 0, 0);
-         XMapWindow(s.display, window);
-         if (i % 2 == 0) XDestroyWindow(s.display, window);
-       }
-     }},
-    {"claim the program's selection",
-     [](const Scene& s) {
-       claimant =
-           XCreateSimpleWindow(s.display, DefaultRootWindow(s.display), 0, 0, 10, 10, 0, 0, 0);
-       XSetSelectionOwner(s.display, XInternAtom(s.display, "_GROMLIT_S0", False), claimant,
-                          CurrentTime);
-     },
-     [](const Scene& s) { XDestroyWindow(s.display, claimant); }},
-    {"claim the tray's selection",
-     [](const Scene& s) {
-       claimant =
-           XCreateSimpleWindow(s.display, DefaultRootWindow(s.display), 0, 0, 10, 10, 0, 0, 0);
-       XSetSelectionOwner(s.display, XInternAtom(s.display, "_NET_SYSTEM_TRAY_S0", False), claimant,
-                          CurrentTime);
-     },
-     [](const Scene& s) { XDestroyWindow(s.display, claimant); }},
-    {"grab everything",
-     [](const Scene& s) {
-       const Window root = DefaultRootWindow(s.display);
-       XGrabPointer(s.display, root, False, ButtonPressMask, GrabModeSync, GrabModeAsync, None,
-                    None, CurrentTime);
-       XGrabKeyboard(s.display, root, False, GrabModeSync, GrabModeSync, CurrentTime);
-       XGrabServer(s.display);
-     },
-     [](const Scene& s) {
-       XUngrabPointer(s.display, CurrentTime);
-       XUngrabKeyboard(s.display, CurrentTime);
-       XUngrabServer(s.display);
-     }},
-    {"focus", [](const Scene& s) { XSetInputFocus(s.display, None, RevertToNone, CurrentTime); }},
-};
-
-class StartBetweenRequestsTest : public testing::HostileRun {
- protected:
-  // Ends the program and starts it anew, with something happening before request `number` of that.
-  bool StartAttacked(const Attack& attack, unsigned long number) {
-    gromlit->Kill(SIGTERM);
-    gromlit->Wait();
-    Display* user = player->display();
-    for (Window& window : victims) {
-      window = XCreateSimpleWindow(user, player->root(), 0, 0, 10, 10, 0, 0, 0);
-      XMapWindow(user, window);
-    }
-    XSync(user, False);
-    const int connection = proxy_->connections();
-    scene_ = {intruder_, None, None, other_->window(), 0};
-    Arm(scene_, attack, connection, number);
-    StartGromlit();
-    EXPECT_TRUE(Settle()) << GromlitOutput();
-    const bool fired = Disarm();
-    requests_ = proxy_->Counts(connection).requests;
-    for (const Window window : victims) XDestroyWindow(user, window);
-    main_ = MainWindow();
-    CloseAll();
-    return fired;
-  }
-
-  Scene scene_{};
-  unsigned long requests_ = 0;
-};
-
-TEST_F(StartBetweenRequestsTest, WhateverOtherClientsDoTheProgramStarts) {
-  WriteChoices(kSentEvents, 0);
-  StartAll();
-  StartAttacked(kStartAttacks[0], 0);
-  const unsigned long usual = requests_;
-  int attacks = 0;
-  for (const Attack& attack : kStartAttacks) {
-    attacks += Sweep(attack, usual, usual,
-                     [&](unsigned long number) { return StartAttacked(attack, number); });
-    if (HasFailure()) return;
-  }
-  std::printf("%d attacks, a start has %lu requests\n", attacks, usual);
-}
-
-// The program learns the time from the news of a change to a small window of its own.
-TEST_F(StartBetweenRequestsTest, NewsThatNeverComesIsNotWaitedFor) {
-  WriteChoices(kSentEvents, 0);
-  int destroyed = 0;
-  proxy_->BeforeRequest(
-      [&](const XRequest& request) {
-        uint32_t window;
-        std::memcpy(&window, request.bytes->data() + 4, sizeof window);
-        XDestroyWindow(intruder_, window);
-        XSync(intruder_, False);
-        destroyed++;
-      },
-      [&](const XRequest& request) {
-        constexpr int kChangeProperty = 18;
-        return destroyed == 0 && request.major == kChangeProperty &&
-               request.minor == PropModeAppend;
-      });
-  StartAll();
-  ASSERT_FALSE(HasFailure()) << WhereItStands();
-  EXPECT_EQ(destroyed, 1);
-  ExpectAllIsWell();
-}
 
 // --- While the user works in the program's own windows -----------------------------------------
 

@@ -563,6 +563,33 @@ TEST_F(ServersTest, KeyboardThatChangesWhileKeysAreSentLosesNothingElse) {
   }
 }
 
+// Before the first action as well as between two.
+TEST_F(ServersTest, KeyboardThatChangedBeforeAnActionIsTheOneThatCounts) {
+  for (const Delivery how : {kSentEvents, kRealInput}) {
+    SCOPED_TRACE(how);
+    Deliver(how);
+    WritePlugin("Probe.probe", {{"right", kRight, {{kText, "y"}, Touch("acted")}}});
+    ProbeClient probe(install->path(),
+                      {"--class", "Probe", "probe", "--geometry", "400x200+800+700", "--focus"});
+    LaunchInstalled();
+    ASSERT_TRUE(Settle());
+    size_t round = 0;
+    const std::pair<const char*, int> layouts[] = {{"de", 52}, {"us", 29}};
+    for (const auto& [layout, y] : layouts) {
+      Process change({"setxkbmap", "-model", "pc105", "-layout", layout}, "/dev/null");
+      EXPECT_EQ(change.Wait(), 0);
+      ASSERT_TRUE(Settle());
+      DrawOnly({{850, 800}, {1150, 800}});
+      EXPECT_TRUE(Appears("acted"));
+      fs::remove(MarkFile("acted"));
+      const auto lines = probe.Wait(++round, "KeyPress");
+      EXPECT_TRUE(lines.back().starts_with("KeyPress window=main keycode=" + std::to_string(y)))
+          << layout << ": " << lines.back();
+    }
+    EndBySignal();
+  }
+}
+
 TEST_F(ServersTest, KeyboardOfFewKeysIsEnough) {
   // All that has a letter, but one key, is taken away.
   int first;

@@ -1,6 +1,7 @@
 // The log of strokes that the environment asks for, as the built program writes it.
 #include "tests/e2e/gromlit_run.h"
 
+#include <X11/extensions/XTest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -101,6 +102,73 @@ TEST_F(StrokeLogTest, WithPointsTheStrokeCanBeDrawnAgain) {
   EXPECT_EQ(points[1], "300");
   EXPECT_EQ(points[points.size() - 2], "600");
   EXPECT_EQ(points.back(), "300");
+}
+
+// A hand whose mouse tells of a motion every millisecond, from a press that has been answered on.
+// The server makes the way by its own clock, however busy the machine is.
+class QuickHandTest : public StrokeLogTest {
+ protected:
+  void PressAndBegin() {
+    setenv("GROMLIT_LOG_POINTS", "1", 1);
+    Start();
+    player->Press(3);
+    way_ = "400 300";
+    MoveOn(410, 0);
+    EXPECT_TRUE(WaitFor([this] { return player->Where().x == 410; }));
+  }
+  void MoveOn(int x, unsigned long delay) {
+    const int y = 300 + x % 3;
+    XTestFakeMotionEvent(player->display(), -1, x, y, delay);
+    XFlush(player->display());
+    way_ += " " + std::to_string(x) + " " + std::to_string(y);
+  }
+  void Button(int button, bool down) {
+    XTestFakeButtonEvent(player->display(), static_cast<unsigned>(button), down ? True : False, 0);
+  }
+  std::vector<std::string> Ways(size_t n) {
+    WaitFor([&] { return Logged().size() >= n; });
+    std::vector<std::string> ways;
+    for (const auto& columns : Logged()) ways.push_back(columns[kLogPoints]);
+    return ways;
+  }
+
+  std::string way_;  // as a log has it
+};
+
+TEST_F(QuickHandTest, EveryMotionUpToTheReleaseIsInTheStroke) {
+  PressAndBegin();
+  for (int x = 411; x <= 640; x++) MoveOn(x, 1);
+  Button(3, false);
+  XSync(player->display(), False);
+  EXPECT_EQ(Ways(1), std::vector<std::string>{way_});
+  EXPECT_TRUE(Appears("mark"));
+}
+
+TEST_F(QuickHandTest, AHandThatIsSlowAndQuickByTurnsLosesNothingEither) {
+  PressAndBegin();
+  for (int x = 411; x <= 640; x++) MoveOn(x, x % 40 == 0 ? 15 : x % 40 < 25 ? 1 : 0);
+  Button(3, false);
+  XSync(player->display(), False);
+  EXPECT_EQ(Ways(1), std::vector<std::string>{way_});
+}
+
+TEST_F(QuickHandTest, AnotherButtonAmongTheMotionsEndsTheStroke) {
+  PressAndBegin();
+  for (int x = 411; x <= 500; x++) MoveOn(x, 1);
+  Button(1, true);
+  for (int x = 501; x <= 600; x++) MoveOn(x, 1);
+  Button(1, false);
+  Button(3, false);
+  XSync(player->display(), False);
+  EXPECT_TRUE(PointerBecomesFree());
+  // The next one has nothing of it.
+  Go({400, 300});
+  Draw({{400, 300}, {600, 300}});
+  ASSERT_TRUE(Appears("mark"));
+  const auto ways = Ways(1);
+  ASSERT_EQ(ways.size(), 1u);
+  EXPECT_EQ(ways[0].find(way_.substr(0, 24)), std::string::npos);
+  EXPECT_EQ(ways[0].substr(0, 8), "400 300 ");
 }
 
 TEST_F(StrokeLogTest, ALogIsContinued) {

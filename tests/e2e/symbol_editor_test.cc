@@ -2,16 +2,19 @@
 #include "tests/e2e/symbol_run.h"
 
 #include <X11/keysym.h>
+#include <signal.h>
 #include <unistd.h>
 
 namespace gromlit {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::Box;
 using testing::Exists;
 using testing::Icon;
 using testing::kDown;
 using testing::kEll;
+using testing::kNext;
 using testing::kRight;
 using testing::Point;
 using testing::ReadText;
@@ -112,6 +115,29 @@ TEST_F(SymbolEditorRun, PointsAreDraggedOnTheGridAndInsideTheSquare) {
   const std::vector<Point> points = {{104, 72}, {248, 16}, {264, 264}};
   FinishAs("dragged");
   ExpectSaved("dragged", points, Drawn(points));
+}
+
+// The drag's grab has every press until the program has read the release.
+TEST_F(SymbolEditorRun, AQuickClickOnNextBehindADragIsNotLost) {
+  Open();
+  OpenNew();
+  DrawVector(kEll);
+  const Box next = BoxOf(Button(kNext));
+  const Point corner = OriginOf(editor_);
+  ASSERT_TRUE(Over(Area(), kEll[0].x, kEll[0].y));
+  player->Press(1);
+  ASSERT_TRUE(Over(Area(), kMoved[0].x, kMoved[0].y));
+  EXPECT_TRUE(WaitSquare(kMoved[0]));
+  gromlit->Kill(SIGSTOP);
+  player->Release(1);
+  player->MoveTo(corner.x + next.x + 10, corner.y + next.y + 10);
+  player->Click(1);
+  gromlit->Kill(SIGCONT);
+  EXPECT_TRUE(ShowsStep(2));
+  EXPECT_TRUE(PointerBecomesFree());
+  FinishStep();
+  SaveAs("quick");
+  ExpectSaved("quick", kMoved, Drawn(kMoved));
 }
 
 TEST_F(SymbolEditorRun, TheRubberBandFollowsThePointerAndGoesWithTheEnd) {

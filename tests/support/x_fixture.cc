@@ -2,6 +2,7 @@
 
 #include <X11/Xutil.h>
 
+#include "toolkit/pointer_hold.h"
 #include "toolkit/resources.h"
 
 namespace gromlit::testing {
@@ -14,6 +15,7 @@ void ForgetWindows() {
   constexpr XID kOwnBits = 0x1fffff;      // of a number: those that the client chooses
   constexpr Window kNobody = ~Window{0};  // no server gives this number
   lastpressed = None;
+  ForgetHeldPointers();
   const XID next = XAllocID(dpy);
   const auto forget = [](Window window) {
     while (WindowObj* entry = HasWindowObj(window)) entry->window = kNobody;

@@ -20,6 +20,7 @@
 #include <utility>
 #include <vector>
 
+#include "actions/character_keys.h"
 #include "actions/delivery.h"
 #include "actions/execute.h"
 #include "actions/keyboard_change.h"
@@ -135,7 +136,12 @@ class RealInput : public testing::XFixture {
     DefaultUserOptions(&options_);
     options_.temp1 = kRealInput;
     user = &options_;
+    // Another server than that of the test before has another keyboard.
+    ForgetCharacterKeys();
+    ForgetSpareKeys();
     BuildCharToKeycode();
+    // With this Xlib asks to be told of changes, which is to reach the server before one.
+    XSync(dpy, False);
     keyboardChanged = KeyboardChanged;
     probe = std::make_unique<KeyProbe>(server->name(), 300, 200);
     probe->Focus();
@@ -482,8 +488,17 @@ class NoXtest : public testing::XFixture {
   void SetUp() override {
     server = std::make_unique<testing::XServer>("640x480x24",
                                                 std::vector<std::string>{"-extension", "XTEST"});
+    // Where the connection of the test before lay, which was asked for the extension already.
+    former_ = XOpenDisplay(server->name().c_str());
     XFixture::SetUp();
   }
+  void TearDown() override {
+    if (former_ != nullptr) XCloseDisplay(former_);
+    XFixture::TearDown();
+  }
+
+ private:
+  Display* former_ = nullptr;
 };
 
 TEST_F(NoXtest, KeysAreSentAndOneLineSaysSo) {

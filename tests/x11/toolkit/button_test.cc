@@ -402,6 +402,127 @@ TEST_F(ButtonTest, AReleaseThatNeverComesLeavesThePointerToOthers) {
   EXPECT_EQ(ReleaseWait(), -1) << "an idle program would be woken";
 }
 
+// A hand that is quicker than the program reads.
+TEST_F(ButtonTest, AClickBehindAReleaseThatIsReadLateIsNotLost) {
+  XButton* next = MakeButton(this, top, "Next", Count, kX + 100, kY + 50);
+  PointAt(10, 10);
+  PressIt();
+  player->Release(1);
+  PointAt(110, 60);
+  player->Click(1);
+  Pump();
+  EXPECT_EQ(calls, 2);
+  EXPECT_EQ(lastarg, next);
+  EXPECT_EQ(next->state, kButtonActive);
+  EXPECT_TRUE(player->CanGrabPointer());
+  EXPECT_EQ(ReleaseWait(), -1);
+}
+
+TEST_F(ButtonTest, APressBehindAReleaseThatIsReadLateIsHeldUntilItsRelease) {
+  XButton* next = MakeButton(this, top, "Next", Count, kX + 100, kY + 50);
+  PointAt(10, 10);
+  PressIt();
+  player->Release(1);
+  PointAt(110, 60);
+  player->Press(1);
+  Pump();
+  EXPECT_EQ(calls, 1);
+  EXPECT_EQ(next->state, kButtonPressed);
+  MoveTo(400, 300);
+  player->Release(1);
+  Pump();
+  EXPECT_EQ(calls, 1) << "the release was not on the button";
+  EXPECT_EQ(next->state, kButtonActive);
+  EXPECT_TRUE(player->CanGrabPointer());
+}
+
+TEST_F(ButtonTest, EachOfManyClicksBehindALateReleaseCounts) {
+  XButton* next = MakeButton(this, top, "Next", Count, kX + 100, kY + 50);
+  PointAt(10, 10);
+  PressIt();
+  player->Release(1);
+  for (int i = 0; i < 10; i++) {
+    PointAt(i % 2 == 0 ? 110 : 10, i % 2 == 0 ? 60 : 10);
+    player->Click(1);
+  }
+  Pump();
+  EXPECT_EQ(calls, 11);
+  EXPECT_EQ(button->state, kButtonActive);
+  EXPECT_EQ(next->state, kButtonActive);
+  EXPECT_TRUE(player->CanGrabPointer());
+}
+
+// What a hand clicks on is what it saw, not what the button that it has clicked before puts there.
+TEST_F(ButtonTest, AClickBehindALateReleaseIsForWhatLayThere) {
+  static XButton* shown = nullptr;
+  MakeButton(this, top, "Save", Count, kX + 100, kY + 50);
+  shown = MakeButton(this, top, "Erase", Count, kX + 100, kY + 50);
+  XUnmapWindow(dpy, shown->window);
+  const auto show = [](void*) { XMapRaised(dpy, shown->window); };
+  button->action = show;
+  PointAt(10, 10);
+  Pump();
+  PressIt();
+  player->Release(1);
+  PointAt(110, 60);
+  player->Click(1);
+  Pump();
+  EXPECT_EQ(calls, 1);
+  EXPECT_NE(lastarg, shown);
+  EXPECT_TRUE(player->CanGrabPointer());
+}
+
+TEST_F(ButtonTest, AClickBehindALateReleaseOnAnotherClientIsForNobodyHere) {
+  PointAt(10, 10);
+  PressIt();
+  player->Release(1);
+  player->MoveTo(1200, 900);
+  player->Click(1);
+  Pump();
+  EXPECT_EQ(calls, 1);
+  EXPECT_EQ(button->state, kButtonActive);
+  EXPECT_TRUE(player->CanGrabPointer());
+  ClickAt(kX + 10, kY + 10);
+  EXPECT_EQ(calls, 2);
+}
+
+// The press is read so late that the button takes the pointer when the next one is already down.
+TEST_F(ButtonTest, AReleaseThatGoesToALateGrabIsThatOfItsPress) {
+  XButton* next = MakeButton(this, top, "Next", Count, kX + 100, kY + 50);
+  Pump();
+  PointAt(10, 10);
+  player->Click(1);
+  PointAt(110, 60);
+  player->Press(1);
+  XEvent event;
+  while (button->state != kButtonPressed) {
+    XNextEvent(dpy, &event);
+    DispatchEvent(&event);
+  }
+  player->Release(1);
+  Pump();
+  EXPECT_EQ(calls, 2);
+  EXPECT_EQ(lastarg, next);
+  EXPECT_EQ(next->state, kButtonActive);
+  EXPECT_TRUE(player->CanGrabPointer());
+}
+
+TEST_F(ButtonTest, AnotherButtonOfTheMouseWhileItIsHeldDoesNothing) {
+  XButton* next = MakeButton(this, top, "Next", Count, kX + 100, kY + 50);
+  PointAt(10, 10);
+  PressIt();
+  PointAt(110, 60);
+  player->Click(3);
+  Pump();
+  EXPECT_EQ(next->state, kButtonActive);
+  PointAt(10, 10);
+  player->Release(1);
+  Pump();
+  EXPECT_LE(calls, 1);
+  EXPECT_EQ(button->state, kButtonActive);
+  EXPECT_TRUE(player->CanGrabPointer());
+}
+
 TEST_F(ButtonTest, AButtonThatIsHeldStaysDown) {
   PointAt(10, 10);
   PressIt();

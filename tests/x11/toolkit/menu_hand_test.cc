@@ -272,6 +272,62 @@ TEST_F(MenuHandTest, PressOutsideReachesNobodyThoughTheWindowThatCaughtTheLastOn
   }
 }
 
+// A hand that is quicker than the program reads: what it clicks on behind a menu is not lost.
+TEST_F(MenuHandTest, ClickBehindTheOneThatChoosesActsOnWhatLiesThere) {
+  for (const int manners : {kModernManners, kPlainManners}) {
+    user->temp4 = manners;
+    XMenu* menu = Menu({Item("One"), Item("Two")});
+    host.menu = menu;
+    MoveToPoint(kX, kY);
+    Press();
+    ASSERT_TRUE(Mapped(menu));
+    MoveToItem(menu, 1);
+    host.menu = nullptr;
+    host.presses = 0;
+    player->Release(1);
+    player->MoveTo(kX - 100, kY);
+    player->Click(1);
+    Pump();
+    EXPECT_EQ(calls, Names({"Two"}));
+    EXPECT_EQ(host.presses, 1);
+    EXPECT_TRUE(HoldsNothing());
+    calls.clear();
+  }
+}
+
+TEST_F(MenuHandTest, ClickBehindTheOneThatClosesActsOnWhatLiesThere) {
+  XMenu* menu = Menu({Item("One"), Item("Two")});
+  OpenPopup(menu);
+  host.menu = nullptr;
+  host.presses = 0;
+  MoveToPoint(kX - 100, kY);
+  Press();
+  EXPECT_TRUE(HandIsLeaving());
+  player->Release(1);
+  player->Click(1);
+  Pump();
+  EXPECT_EQ(host.presses, 1) << "the first one closes the menu";
+  EXPECT_TRUE(HoldsNothing());
+}
+
+TEST_F(MenuHandTest, DragThroughABarThatIsReadLateChooses) {
+  XMenu* file = Menu({Item("New"), Item("Open")});
+  XMenu* edit = Menu({Item("Cut"), Item("Copy")});
+  XMenuBar* bar = Bar(100, 100, {MakePulldown("File", file), MakePulldown("Edit", edit)});
+  const auto title = [&](int i) { return 100 + bar->itemx[i] + bar->itemwidth[i] / 2; };
+  MoveToPoint(title(0), 110);
+  Press();
+  ASSERT_TRUE(Mapped(file));
+  player->MoveTo(title(1), 110);
+  // The second row, as it lay in the menu before.
+  player->MoveTo(title(1), file->y + 4 + ih + ih / 2);
+  player->Release(1);
+  Pump();
+  EXPECT_EQ(calls, Names({"Copy"}));
+  EXPECT_FALSE(Mapped(edit));
+  EXPECT_TRUE(HoldsNothing());
+}
+
 TEST_F(MenuHandTest, ReleaseThatIsNeverSeenDoesNotKeepThePointer) {
   XMenu* menu = Menu({Item("One"), Item("Two")});
   // Both are over before the press is read: the menu stands, and the next click counts.

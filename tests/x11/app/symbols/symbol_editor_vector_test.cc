@@ -227,6 +227,28 @@ TEST_F(SymbolEditorVectorTest, APointIsDraggedAndTheReleaseGivesThePointerBack) 
   EXPECT_EQ(sed->sym.x[2], 264);
 }
 
+TEST_F(SymbolEditorVectorTest, TheNextPointIsTakenThoughTheReleaseIsReadLate) {
+  Open();
+  Draw({{40, 40}, {120, 40}, {200, 40}, {200, 200}});
+  MoveIn(area->window, 121, 42);
+  player->Press(1);
+  Pump();
+  MoveIn(area->window, 120, 128);
+  const std::vector<std::pair<int, int>> moved = Points();
+  player->Release(1);
+  const auto at = player->Where();
+  player->MoveTo(at.x + 80, at.y + 72);
+  player->Press(1);
+  Pump();
+  EXPECT_EQ(sed->state, kSymDragging);
+  EXPECT_EQ(area->onpt, 4);
+  EXPECT_EQ(Points(), moved);
+  player->Release(1);
+  Pump();
+  EXPECT_EQ(sed->state, kSymComplete);
+  EXPECT_TRUE(player->CanGrabPointer());
+}
+
 TEST_F(SymbolEditorVectorTest, TheFirstTheLastAndTheOnlyPointCanBeDragged) {
   for (const int count : {1, 2}) {
     for (int k = 1; k <= count; k++) {
