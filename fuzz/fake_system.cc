@@ -28,6 +28,16 @@ int __wrap_clock_nanosleep(clockid_t, int, const timespec*, timespec*) {
   return 0;
 }
 
+// The clock that the program waits by. libFuzzer looks at the time of day, which stays what it is.
+int __real_clock_gettime(clockid_t clock, timespec* now);
+int __wrap_clock_gettime(clockid_t clock, timespec* now) {
+  if (clock != CLOCK_MONOTONIC) return __real_clock_gettime(clock, now);
+  const int64_t nanoseconds = Server().now.count();
+  *now = {static_cast<time_t>(nanoseconds / 1'000'000'000),
+          static_cast<long>(nanoseconds % 1'000'000'000)};
+  return 0;
+}
+
 // std::chrono::steady_clock::now(), whose result is a number of nanoseconds.
 int64_t __wrap__ZNSt6chrono3_V212steady_clock3nowEv() {
   // A clock that stands still would keep a program waiting that looks at it again and again.

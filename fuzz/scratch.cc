@@ -19,10 +19,14 @@ constexpr std::string_view kOutside = "nobody writes here";
 // The home of this process: the installation and what lies beside it.
 const std::string& Home() {
   static const auto* const home = [] {
-    // Whoever starts the targets may clear away what one that was ended has left.
+    // Whoever starts the targets may clear away what one that was ended has left, and may want the
+    // same path every time: it is compared and kept like anything else.
+    const char* wanted = std::getenv("GROMLIT_FUZZ_HOME");
     const char* given = std::getenv("GROMLIT_FUZZ_MEMORY");
     const char* memory = given != nullptr ? given : fs::exists("/dev/shm") ? "/dev/shm" : "/tmp";
-    auto* made = new std::string(std::string(memory) + "/gromlit-fuzz-" + std::to_string(getpid()));
+    auto* made = new std::string(wanted != nullptr ? wanted
+                                                   : std::string(memory) + "/gromlit-fuzz-" +
+                                                         std::to_string(getpid()));
     fs::remove_all(*made);
     fs::create_directory(*made);
     PutFile(*made + "/outside", kOutside);
