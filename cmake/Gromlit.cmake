@@ -139,7 +139,8 @@ function(gromlit_tests_sources result name)
       list(APPEND objects
            "${GROMLIT_TESTS_FROM}/${folder}/CMakeFiles/${name}.dir/${source}${CMAKE_CXX_OUTPUT_EXTENSION}")
     endforeach()
-    set_source_files_properties(${objects} PROPERTIES EXTERNAL_OBJECT ON)
+    # Generated: of a build that holds a part of the tests, that part can be linked.
+    set_source_files_properties(${objects} PROPERTIES EXTERNAL_OBJECT ON GENERATED ON)
     set(sources ${objects})
   endif()
   set(${result} ${sources} PARENT_SCOPE)

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
 #include "core/strings.h"
 
 namespace gromlit {
@@ -75,6 +79,17 @@ TEST(Letters, LettersAreNotCutInTwo) {
   const std::string bytes = "a\x82\xac";
   for (size_t at = 0; at <= bytes.size(); at++) EXPECT_EQ(LetterStart(bytes, at), at);
   for (size_t at = 0; at < bytes.size(); at++) EXPECT_EQ(LetterEnd(bytes, at), at + 1);
+}
+
+// A part of a longer text: what follows it is none of its letters.
+TEST(Letters, TheEndOfAPartIsTheEnd) {
+  const std::string text = "a\xe2\x82\xac";
+  const std::string_view invalid(text.data(), 3);
+  EXPECT_EQ(LetterStart(invalid, 3), 3u);
+  const std::string more = "\xc3\xbc\xbc";
+  const std::string_view whole(more.data(), 2);
+  EXPECT_EQ(LetterStart(whole, 2), 2u);
+  EXPECT_EQ(LetterEnd(whole, 0), 2u);
 }
 
 TEST(Letters, AShortenedTextEndsWithAWholeLetter) {

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "core/command_types.h"
 #include "core/plugin_image.h"
 #include "core/strings.h"
 #include "tests/support/captured.h"
@@ -456,6 +457,21 @@ TEST_F(PluginFiles, PluginThatCouldNotBeReadBackIsNotWritten) {
   EXPECT_EQ(UnLoadPlugin(plugin.get(), "XTerm"), nullptr);
   EXPECT_EQ(GetCapturedStderr(), "Save Plugin: File too large\n");
   EXPECT_FALSE(Exists(PathOf("XTerm.sla")));
+}
+
+// The limit falls between two records: what comes behind it must not be forgotten when the size is
+// counted, nor the whole be refused that just fits.
+TEST_F(PluginFiles, FileThatReachesTheLimitBetweenTwoRecords) {
+  const OwnedPlugin plugin = NewPlugin("App", "Class");
+  GromlitAction* action = AddAction(plugin.get(), "action");
+  GromlitCmd* cmd = AddCommand(action, kText, nullptr);
+  const size_t size = kMaxPluginFile - EncodePluginRecords(*plugin).size();
+  cmd->text = static_cast<char*>(std::calloc(size + 1, 1));
+  ASSERT_NE(cmd->text, nullptr);
+  cmd->ntext = static_cast<uint32_t>(size);
+  EXPECT_EQ(EncodePluginRecords(*plugin).size(), kMaxPluginFile);
+  AddCommand(action, kText, "x");
+  EXPECT_EQ(EncodePluginRecords(*plugin).size(), 0u);
 }
 
 }  // namespace

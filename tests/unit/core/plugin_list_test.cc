@@ -99,6 +99,29 @@ TEST_F(PluginList, MissingDirectoryGivesAnEmptyListSilently) {
   EXPECT_EQ(FindPlugin("XTerm"), nullptr);
 }
 
+TEST_F(PluginList, AListThatWasNeverLoadedIsAskedAsAnEmptyOne) {
+  const auto forget = [] {
+    Retire(allPlugins);
+    allPlugins = nullptr;
+  };
+  DefaultPlugin = nullptr;
+  const OwnedPlugin other = NewPlugin("App", "Class");
+  CopyText(other->storedfile, "Class.sla");
+  forget();
+  EXPECT_EQ(FindPlugin("XTerm"), nullptr);
+  forget();
+  EXPECT_FALSE(IsHandsOffClass("XTerm"));
+  forget();
+  EXPECT_FALSE(AnyHandsOff());
+  forget();
+  EXPECT_FALSE(IsListed(other.get()));
+  forget();
+  EXPECT_EQ(UnLoadPlugin(other.get(), "Class"), other.get());
+  forget();
+  EXPECT_EQ(DropPlugin(other.get(), "Class"), 1);
+  EXPECT_EQ(Classes(), V{});
+}
+
 TEST_F(PluginList, PluginLookedUpTwiceReadsItsFileOnce) {
   WritePlugin("XTerm.sla", "XTerm");
   LoadPlugins();
