@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <optional>
 
 #include "core/plugin_files.h"
@@ -30,6 +31,11 @@ int ReleasePixels(XImage* pixels) {
 }
 
 }  // namespace
+
+bool TriesAll() {
+  const char* wanted = std::getenv("GROMLIT_SWEEP");
+  return wanted != nullptr && std::string(wanted) == "all";
+}
 
 void FrontEnd::SetUp() {
   ShellRun::SetUp();

@@ -40,6 +40,9 @@ enum PopupRow {
   kPopupEditSymbol
 };
 
+// Whether GROMLIT_SWEEP=all asks for every case of a table instead of those that tell the most.
+bool TriesAll();
+
 class FrontEnd : public ShellRun {
  protected:
   void SetUp() override;
