@@ -1,15 +1,37 @@
 // What would start a program, or wait: recorded, and no time passes.
+#include "fuzz/fake_system.h"
+
 #include <poll.h>
+#include <stdlib.h>
 #include <sys/types.h>
 #include <time.h>
 
+#include <cerrno>
 #include <chrono>
 #include <cstdint>
 #include <string>
 
 #include "fuzz/fake_server.h"
 
+namespace gromlit::fuzz {
+namespace {
+
+bool temporariesrefused = false;
+
+}  // namespace
+
+TemporariesRefused::TemporariesRefused(bool refused) {
+  temporariesrefused = refused;
+}
+
+TemporariesRefused::~TemporariesRefused() {
+  temporariesrefused = false;
+}
+
+}  // namespace gromlit::fuzz
+
 using gromlit::fuzz::Server;
+using gromlit::fuzz::temporariesrefused;
 
 extern "C" {
 
@@ -26,6 +48,13 @@ int __wrap_poll(pollfd* fds, nfds_t n, int milliseconds) {
 
 int __wrap_clock_nanosleep(clockid_t, int, const timespec*, timespec*) {
   return 0;
+}
+
+int __real_mkostemp(char* name, int flags);
+int __wrap_mkostemp(char* name, int flags) {
+  if (!temporariesrefused) return __real_mkostemp(name, flags);
+  errno = EACCES;
+  return -1;
 }
 
 // The clock that the program waits by. libFuzzer looks at the time of day, which stays what it is.
