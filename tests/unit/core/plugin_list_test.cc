@@ -556,6 +556,20 @@ TEST_F(PluginList, HandsOffThatCannotBeSavedIsNotSet) {
   EXPECT_EQ(Classes(), V{"XTerm"}) << "what has no file is not listed";
 }
 
+TEST_F(PluginList, MakingAPluginTellsWhetherItsFileWasWritten) {
+  LoadPlugins();
+  bool saved = false;
+  GromlitPlugin* plugin = CreatePlugin("First", "First", &saved);
+  EXPECT_TRUE(saved);
+  fs::remove_all(install_ / "plugins");
+  CaptureStderr();
+  EXPECT_NE(CreatePlugin("Second", "Second", &saved), nullptr);
+  EXPECT_EQ(GetCapturedStderr(), "Save Plugin: No such file or directory\n");
+  EXPECT_FALSE(saved);
+  EXPECT_EQ(CreatePlugin("First", "First", &saved), plugin);
+  EXPECT_TRUE(saved) << "nothing had to be written";
+}
+
 TEST_F(PluginList, HandsOffMakesAPluginForNothingElse) {
   WritePlugin("XTerm.sla", "XTerm");
   LoadPlugins();
