@@ -166,6 +166,21 @@ def plugins_seeds(skeleton, symbols):
         for step in (1, 0, 3):
             out.yes(False).number(step, 0, 6)
         yield out.bytes()
+    # Several files of one class; its plug-in is deleted, made anew and saved.
+    out = Input()
+    options(out)
+    out.number(4, 0, 4)
+    for name in ("XTerm.xterm.sla", "XTerm.xterm_2.sla", "C.sla", "B.sla"):
+        out.text(name, 255).number(5, 0, 9).number(2, 0, 3)
+        plugin(out, "Terminal", "XTerm.xterm", some_actions(symbols, 1))
+        out.yes(False)
+    stroke(out, symbols[0][2])
+    out.number(4, 0, 8)
+    for step in (3, 4, 0, 6):
+        out.yes(False).number(step, 0, 6)
+        if step == 4:
+            out.text("XTerm.xterm", 200).text("XTerm.xterm", 80)
+    yield out.bytes()
 
 
 def library_seeds(_, symbols):

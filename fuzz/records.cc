@@ -10,6 +10,7 @@
 
 #include "actions/execute.h"
 #include "actions/keystrokes.h"
+#include "core/action_copy.h"
 #include "core/plugin_files.h"
 #include "core/retired.h"
 #include "core/strings.h"
@@ -268,9 +269,20 @@ void UsePlugin(GromlitPlugin* plugin, const Stroke& stroke) {
       }
     }
   }
+  for (int i = 0; i < std::min<int>(plugin->nactions, 8); i++) {
+    const GromlitAction& action = *plugin->actions[i];
+    GromlitAction copy{};
+    CopyAction(&copy, &action);
+    Require(copy.ncmds == action.ncmds);
+    ReleaseActionContents(&copy);
+  }
   for (const int32_t way : {kBySignature, kByShape}) {
     const int found = FindAction(plugin, stroke, {way, 5});
     Require(found >= -1 && found < plugin->nactions);
+    const int last = plugin->nactions - 1;
+    if (last < 1) continue;
+    const int taker = FindTaker(plugin, last, &plugin->actions[last]->sym, {way, 5});
+    Require(taker >= -1 && taker < last);
   }
   if (user == nullptr) return;
   const size_t most = std::min<size_t>(plugin->nactions, 8);
