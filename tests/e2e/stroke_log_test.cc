@@ -175,6 +175,8 @@ TEST_F(StrokeLogTest, ALogIsContinued) {
   Start();
   Draw({{400, 300}, {600, 300}});
   gromlit.reset();
+  // Until the server has seen its end, the one that was would be taken for the next.
+  ASSERT_TRUE(WaitFor([this] { return !GromlitIsReady(); }));
   StartGromlit();
   Go({400, 300});
   Draw({{400, 300}, {400, 500}});
