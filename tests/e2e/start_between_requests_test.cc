@@ -45,6 +45,11 @@ bool IsTopLevel(Display* display, Window window) {
 Window victims[20];
 Window claimant = None;
 
+void Claim(Display* display, const char* selection) {
+  claimant = XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, 10, 10, 0, 0, 0);
+  XSetSelectionOwner(display, XInternAtom(display, selection, False), claimant, CurrentTime);
+}
+
 constexpr Attack kStartAttacks[] = {
     {"nothing", [](const Scene&) {}},
     {"destroy",
@@ -60,21 +65,9 @@ constexpr Attack kStartAttacks[] = {
          if (i % 2 == 0) XDestroyWindow(s.display, window);
        }
      }},
-    {"claim the program's selection",
-     [](const Scene& s) {
-       claimant =
-           XCreateSimpleWindow(s.display, DefaultRootWindow(s.display), 0, 0, 10, 10, 0, 0, 0);
-       XSetSelectionOwner(s.display, XInternAtom(s.display, "_GROMLIT_S0", False), claimant,
-                          CurrentTime);
-     },
+    {"claim the program's selection", [](const Scene& s) { Claim(s.display, "_GROMLIT_S0"); },
      [](const Scene& s) { XDestroyWindow(s.display, claimant); }},
-    {"claim the tray's selection",
-     [](const Scene& s) {
-       claimant =
-           XCreateSimpleWindow(s.display, DefaultRootWindow(s.display), 0, 0, 10, 10, 0, 0, 0);
-       XSetSelectionOwner(s.display, XInternAtom(s.display, "_NET_SYSTEM_TRAY_S0", False), claimant,
-                          CurrentTime);
-     },
+    {"claim the tray's selection", [](const Scene& s) { Claim(s.display, "_NET_SYSTEM_TRAY_S0"); },
      [](const Scene& s) { XDestroyWindow(s.display, claimant); }},
     {"grab everything",
      [](const Scene& s) {
