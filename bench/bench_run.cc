@@ -259,12 +259,13 @@ void BenchRun::PressAndThaw() {
   player.MoveTo(kStrokeX + 1, kStrokeY);
   if (!WaitFor([this] { return player.Where().x == kStrokeX + 1; }))
     Fail("the pointer stays frozen");
+  traced_ = 0;
 }
 
 void BenchRun::Trace(int motions, microseconds period) {
   auto next = Clock::now();
-  for (int i = 1; i <= motions; i++) {
-    MoveTo(kStrokeX + 2 * i, kStrokeY);
+  for (int i = 0; i < motions; i++) {
+    MoveTo(kStrokeX + 2 * ++traced_, kStrokeY);
     next += period;
     std::this_thread::sleep_until(next);
   }

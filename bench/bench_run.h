@@ -79,7 +79,7 @@ class BenchRun {
   void MoveTo(int x, int y);
   // Presses the draw button over the application and returns when the pointer moves again.
   void PressAndThaw();
-  // Goes to the right with so many motions, one each `period`.
+  // Goes on to the right with so many motions, one each `period`.
   void Trace(int motions, std::chrono::microseconds period);
   // Waits until the trail has gone, with which a stroke is over.
   void WaitOver();
@@ -91,6 +91,8 @@ class BenchRun {
 
  private:
   bool TrailIsShown();
+
+  int traced_ = 0;  // motions since the press
 };
 
 inline constexpr int kStrokeX = 200;  // where strokes begin

@@ -26,7 +26,7 @@ GrabEvents::GrabEvents(const XButtonEvent& press, long mask)
     : button_(press.button),
       mask_(mask),
       lastroot_{press.x_root, press.y_root},
-      hand_(Clock::now(), press.x_root, press.y_root) {}
+      hand_(Clock::now(), static_cast<uint32_t>(press.time), press.x_root, press.y_root) {}
 
 bool GrabEvents::Next(XEvent* event) {
   for (std::optional<Clock::time_point> check;;) {
@@ -68,7 +68,7 @@ bool GrabEvents::TakeQueued(XEvent* event) {
     if (event->xany.send_event) continue;
     if (event->type == MotionNotify) {
       lastroot_ = {event->xmotion.x_root, event->xmotion.y_root};
-      hand_.MoveTo(lastroot_.x, lastroot_.y);
+      hand_.MoveTo(static_cast<uint32_t>(event->xmotion.time), lastroot_.x, lastroot_.y);
     }
     return true;
   }

@@ -5,21 +5,23 @@
 
 namespace gromlit {
 
-void QuickHand::MoveTo(int x, int y) {
-  at_ = {x, y};
+void QuickHand::MoveTo(uint32_t time, int x, int y) {
+  last_ = {time, x, y};
   motions_++;
 }
 
 bool QuickHand::MayGather(Clock::time_point now) {
   const auto took = now - looked_;
   if (took < kGather) return false;
-  const double way = std::max(std::abs(at_.x - lookedat_.x), std::abs(at_.y - lookedat_.y));
-  const double speed = way / std::chrono::duration<double, std::milli>(took).count();
+  const uint32_t moved = last_.time - lookedat_.time;  // which begins anew after seven weeks
+  const double way = std::max(std::abs(last_.x - lookedat_.x), std::abs(last_.y - lookedat_.y));
+  const double speed =
+      way / std::max(static_cast<double>(moved), static_cast<double>(kGather.count()));
   fastest_ = std::max(fastest_, speed);
   const bool quick =
       motions_ * kGather >= kQuickMotions * took && speed > 0 && speed >= fastest_ / 2;
   looked_ = now;
-  lookedat_ = at_;
+  lookedat_ = last_;
   motions_ = 0;
   return quick;
 }
