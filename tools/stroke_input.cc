@@ -27,9 +27,8 @@ bool ParseCoordinate(std::string_view word, int16_t* out, std::string* error) {
   int value = 0;
   const auto [end, status] = std::from_chars(word.data(), word.data() + word.size(), value);
   const bool number = status != std::errc::invalid_argument && end == word.data() + word.size();
-  if (word.empty() || !number) {
-    *error = word.empty() ? "two numbers are expected, there is only one"
-                          : Quote(word) + " is no whole number";
+  if (!number) {
+    *error = Quote(word) + " is no whole number";
     return false;
   }
   constexpr int low = std::numeric_limits<int16_t>::min();
@@ -51,7 +50,13 @@ Line NextLine(std::string_view* text, size_t number, int16_t* x, int16_t* y, std
   text->remove_prefix(std::min(line.size() + 1, text->size()));
   const std::string_view first = NextWord(&line);
   if (first.empty()) return Line::kEmpty;
-  bool good = ParseCoordinate(first, x, error) && ParseCoordinate(NextWord(&line), y, error);
+  const std::string_view second = NextWord(&line);
+  bool good = ParseCoordinate(first, x, error);
+  if (good && second.empty()) {
+    *error = "two numbers are expected, there is only " + Quote(first);
+    good = false;
+  }
+  good = good && ParseCoordinate(second, y, error);
   if (good) {
     const std::string_view rest = NextWord(&line);
     good = rest.empty();

@@ -312,6 +312,7 @@ void SymWindowButtonPress(SymWindow* sw, XEvent* event) {
       PressWhileCapturing(sw, x, y);
       break;
     case kSymComplete:
+      Hover(sw, x, y);  // the pointer may not have moved since the points came up
       if (sw->onpt != 0) GrabPoint(sw);
       break;
     case kSymBitmap:

@@ -36,10 +36,14 @@ std::string_view StoredPart(std::string_view name) {
   return name.substr(0, kNameSize - 1);
 }
 
-bool IsInLibrary(std::string_view name) {
+// Whether a save under this name takes the place of a symbol: one of the library or, with another
+// name in it, one in a file that somebody made.
+bool Replaces(std::string_view name) {
   for (const auto* node = allSymbols; node != nullptr && node->sym != nullptr; node = node->next)
     if (FieldText(node->sym->name) == name) return true;
-  return false;
+  const std::unique_ptr<GromlitSymbol> stored(
+      LoadSymbol(std::string(name).c_str(), GromlitSymbolFileExt));
+  return stored != nullptr;
 }
 
 void YesReplaceSymbol(XDialog* dlog) {
@@ -79,7 +83,7 @@ int SaveSymbol(SymbolEditor* editor, const char* name) {
 }
 
 void SaveOrAsk(SymbolEditor* editor, const char* name) {
-  if (editor->sym.npoints > 0 || !IsInLibrary(StoredPart(name))) {
+  if (editor->sym.npoints > 0 || !Replaces(StoredPart(name))) {
     SaveSymbol(editor, name);
     return;
   }

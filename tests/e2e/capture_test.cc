@@ -2,10 +2,14 @@
 
 #include <X11/Xatom.h>
 #include <X11/Xutil.h>
+#include <X11/extensions/XInput.h>
+#include <X11/extensions/XInput2.h>
 #include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <string_view>
 
 #include "core/plugin_files.h"
 
@@ -69,6 +73,26 @@ class CaptureTest : public testing::GromlitRun, public ::testing::WithParamInter
     commands.insert(commands.end(), 8, {kRun, "system:wait"});
     commands.push_back(Touch("ended"));
     return {"slow", kRight, commands};
+  }
+  // What the third button of the server's test pointer, with which the program clicks, becomes;
+  // false while one of its buttons is down.
+  bool MapThirdTestButton(unsigned char to) {
+    Display* other = player->display();
+    int major = 2;
+    int minor = 0;
+    XIQueryVersion(other, &major, &minor);
+    int count = 0;
+    XIDeviceInfo* devices = XIQueryDevice(other, XIAllDevices, &count);
+    XDevice pointer{};
+    for (int i = 0; i < count; i++) {
+      if (std::string_view(devices[i].name) == "Virtual core XTEST pointer")
+        pointer.device_id = static_cast<XID>(devices[i].deviceid);
+    }
+    XIFreeDeviceInfo(devices);
+    std::array<unsigned char, 256> map{};
+    const int buttons = XGetDeviceButtonMapping(other, &pointer, map.data(), map.size());
+    map[2] = to;
+    return XSetDeviceButtonMapping(other, &pointer, map.data(), buttons) == MappingSuccess;
   }
   std::string ButtonLine(const char* type, Point root, Window window, unsigned state, bool sent) {
     const Point origin = Origin(window);
@@ -151,6 +175,30 @@ TEST_P(CaptureTest, ClickOnAFrameOrOnAnApplicationThatSelectsNoButtonsComesFromT
   XEvent event;
   EXPECT_FALSE(XCheckWindowEvent(dpy, frame, ButtonPressMask | ButtonReleaseMask, &event))
       << "more than one click";
+}
+
+// Where the server has no button of its own for it, the click of an application that takes buttons
+// by another protocol than the core's is sent: better than none.
+TEST_P(CaptureTest, ClickThatNoButtonOfTheServerGivesIsSent) {
+  const auto probe = StartProbe({"--events", std::to_string(ExposureMask)});
+  StartGromlit();
+  Go(kInProbe);
+  // The user's press is taken in while there is a button for it.
+  gromlit->Kill(SIGSTOP);
+  player->Click(3);
+  EXPECT_TRUE(WaitFor([this] { return MapThirdTestButton(2); }));
+  gromlit->Kill(SIGCONT);
+  const auto lines = probe->Wait(2, "Button");
+  ASSERT_EQ(lines.size(), 2u);
+  EXPECT_EQ(lines[0], ButtonLine("ButtonPress", kInProbe, probe->window(), 0, true));
+  EXPECT_EQ(lines[1], ButtonLine("ButtonRelease", kInProbe, probe->window(), 0, true));
+  EXPECT_TRUE(PointerBecomesFree());
+  // With the button back the server makes the click, which nobody here takes.
+  EXPECT_TRUE(WaitFor([this] { return MapThirdTestButton(3); }));
+  player->Click(3);
+  EXPECT_TRUE(Settle());
+  EXPECT_TRUE(PointerBecomesFree());
+  EXPECT_EQ(probe->Lines("Button").size(), 2u);
 }
 
 TEST_P(CaptureTest, ShortPressIsExactlyOneSyntheticClickAtThePress) {

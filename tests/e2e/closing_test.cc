@@ -37,7 +37,7 @@ class ClosingTest : public testing::FrontEnd, public ::testing::WithParamInterfa
     ASSERT_TRUE(WaitFor([this] { return OriginOf(main_).y < 100; }));
     // A hand goes over the application before it chooses.
     ASSERT_TRUE(PassOver(probe_->window(), [this] { return HasIcon(0); }));
-    ChoosePulldown(PluginButton(), RowOf("The wanted one"));
+    ChoosePulldown(PluginButton(), "The wanted one");
     ASSERT_TRUE(WaitFor([this] { return Reads(PluginButton(), "The wanted one"); }));
   }
   void TearDown() override {
@@ -46,51 +46,6 @@ class ClosingTest : public testing::FrontEnd, public ::testing::WithParamInterfa
         testing::SaveScreen(player->display(), std::string(directory) + "/closing.png");
     }
     FrontEnd::TearDown();
-  }
-
-  // Plug-ins are listed newest first or as they were read: looked for.
-  int RowOf(const std::string& name) {
-    const Window menu = PressPulldown(PluginButton());
-    int row = -1;
-    EXPECT_TRUE(WaitFor([&] {
-      for (int i = 0; i < Rows(menu); i++)
-        if (ReadsAt(menu, i, name)) row = i;
-      return row >= 0;
-    })) << name
-        << " is not in the menu";
-    player->MoveTo(1270, 1015);
-    player->Release(1);
-    EXPECT_TRUE(WaitFor([&] { return !Viewable(menu); }));
-    return row;
-  }
-  bool ReadsAt(Window menu, int row, const std::string& name) {
-    const Point origin = OriginOf(menu);
-    XFontStruct* font = XLoadQueryFont(player->display(), "-*-helvetica-medium-r-normal--12-*1");
-    if (font == nullptr) return false;
-    const int width = XTextWidth(font, name.c_str(), static_cast<int>(name.size()));
-    const Pixmap drawn =
-        XCreatePixmap(player->display(), player->root(), static_cast<unsigned>(width), 10, 1);
-    const GC gc = XCreateGC(player->display(), drawn, 0, nullptr);
-    XFillRectangle(player->display(), drawn, gc, 0, 0, static_cast<unsigned>(width), 10);
-    XSetForeground(player->display(), gc, 1);
-    XSetFont(player->display(), gc, font->fid);
-    XDrawString(player->display(), drawn, gc, 0, 9, name.c_str(), static_cast<int>(name.size()));
-    XImage* wanted =
-        XGetImage(player->display(), drawn, 0, 0, static_cast<unsigned>(width), 10, 1, XYPixmap);
-    bool same = wanted != nullptr;
-    const int top = (row + 1) * ItemHeight() - 3 - 9;
-    XImage* seen = XGetImage(player->display(), player->root(), origin.x + 6, origin.y + top,
-                             static_cast<unsigned>(width), 10, AllPlanes, ZPixmap);
-    same = same && seen != nullptr;
-    for (int y = 0; same && y < 10; y++)
-      for (int x = 0; same && x < width - 1; x++)
-        same = (XGetPixel(wanted, x, y) != 0) == ((XGetPixel(seen, x, y) & 0xffffff) == 0);
-    if (wanted != nullptr) XDestroyImage(wanted);
-    if (seen != nullptr) XDestroyImage(seen);
-    XFreeGC(player->display(), gc);
-    XFreePixmap(player->display(), drawn);
-    XFreeFont(player->display(), font);
-    return same;
   }
 
   // Opens a window and puts it over the application.

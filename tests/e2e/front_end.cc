@@ -568,6 +568,36 @@ void FrontEnd::ChoosePulldown(Window button, int row) {
   if (const Window menu = PressPulldown(button)) ReleaseOnRow(menu, row);
 }
 
+int FrontEnd::RowOf(Window menu, const std::string& text) {
+  constexpr int kTextX = 6;
+  constexpr int kBaseline = 3;  // above a row's lower edge
+  constexpr int kAbove = 9;     // of the letters that are looked at
+  constexpr int kBehind = 8;    // where nothing stands
+  const int width = LabelWidth(text) + kBehind;
+  const Pixels wanted = PixelsOf(label_, text, 0, kAbove, width, kAbove + 1);
+  if (wanted == nullptr) return -1;
+  for (int row = 0; row < Rows(menu); row++) {
+    const int top = (row + 1) * ItemHeight() - kBaseline - kAbove;
+    const Pixels seen = PixelsOf(menu, {kTextX, top, width, kAbove + 1});
+    bool same = seen != nullptr;
+    for (int y = 0; same && y <= kAbove; y++)
+      for (int x = 0; same && x < width; x++)
+        same =
+            (XGetPixel(wanted.get(), x, y) != 0) == ((XGetPixel(seen.get(), x, y) & 0xffffff) == 0);
+    if (same) return row;
+  }
+  return -1;
+}
+
+void FrontEnd::ChoosePulldown(Window button, const std::string& text) {
+  const Window menu = PressPulldown(button);
+  ASSERT_NE(menu, Window{0});
+  int row = -1;
+  EXPECT_TRUE(WaitFor([&] { return (row = RowOf(menu, text)) >= 0; }))
+      << text << " is not in the menu";
+  ReleaseOnRow(menu, row);
+}
+
 void FrontEnd::DialogLeft() {
   const Window dialog = WaitDialog();
   const Box box = BoxOf(dialog);

@@ -134,8 +134,11 @@ class FrontEnd : public ShellRun {
   void GoToRow(Window menu, int row, int above = 0);
   // The same, and lets the button that is held go there; returns when the menu has gone.
   void ReleaseOnRow(Window menu, int row, int above = 0, int button = 1);
-  // Chooses a row of a pulldown button's menu.
+  // The row of an open menu that says this and nothing else; -1 when none does.
+  int RowOf(Window menu, const std::string& text);
+  // Chooses a row of a pulldown button's menu, or the one that says this.
   void ChoosePulldown(Window button, int row);
+  void ChoosePulldown(Window button, const std::string& text);
   // The left and the right button of the open dialog; return when it has gone.
   void DialogLeft();
   void DialogRight();

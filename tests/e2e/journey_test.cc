@@ -6,6 +6,7 @@
 
 #include "recognition/symbol_icon.h"
 #include "tests/e2e/stored_files.h"
+#include "tests/e2e/wandering_hand.h"
 
 namespace gromlit {
 namespace {
@@ -31,9 +32,6 @@ const std::vector<Point> kDrawRight = {{920, 200}, {1120, 200}};
 // What lies on the way from window to window: another application, and the desktop.
 constexpr Point kInOther = {1100, 800};
 constexpr Point kOnDesktop = {640, 1000};
-// The program's windows are narrower than the ways between them, pixels.
-constexpr int kFar = 250;
-constexpr int kStride = 20;
 
 // The types of the six commands after their order was changed.
 constexpr const char* kNewOrder = "Menu HotKey Sound Run Text Internet";
@@ -79,7 +77,9 @@ class JourneyTest : public testing::FrontEnd {
     other_ = std::make_unique<ProbeClient>(
         install->path(), std::vector<std::string>{"--class", "Other", "other", "--geometry",
                                                   "260x160+980+720", "--title", "Other"});
-    move_hand = [this](Point to) { Wander(to); };
+    hand_ = std::make_unique<testing::WanderingHand>(player.get(), other_->window(), kInOther,
+                                                     kOnDesktop);
+    move_hand = [this](Point to) { hand_->MoveTo(to); };
     Open();
   }
   void TearDown() override {
@@ -150,27 +150,6 @@ class JourneyTest : public testing::FrontEnd {
   void FindEverythingAfterARestart();
   void DeleteEverything();
 
-  // Goes as a hand does, over everything that lies on the way.
-  void Stroll(Point to) {
-    const testing::Player::Pointer from = player->Where();
-    const int steps = 1 + std::max(std::abs(to.x - from.x), std::abs(to.y - from.y)) / kStride;
-    for (int i = 1; i <= steps; i++) {
-      player->MoveTo(from.x + (to.x - from.x) * i / steps, from.y + (to.y - from.y) * i / steps);
-    }
-  }
-  // Nobody goes straight from one window to the next. A short way, or one with a button held, is
-  // one within a window.
-  void Wander(Point to) {
-    constexpr unsigned kHeld = Button1Mask | Button2Mask | Button3Mask;
-    const testing::Player::Pointer from = player->Where();
-    const bool is_far = std::max(std::abs(to.x - from.x), std::abs(to.y - from.y)) > kFar;
-    if (is_far && (from.state & kHeld) == 0) {
-      Stroll(kInOther);
-      if (UnderPointer() == other_->window()) detours_++;
-      Stroll(kOnDesktop);
-    }
-    Stroll(to);
-  }
   // Gives the keyboard to the application, as a click into it does.
   void FocusProbe() {
     ClickIn(probe_->window(), 20, 250);
@@ -205,7 +184,7 @@ class JourneyTest : public testing::FrontEnd {
 
   std::unique_ptr<ProbeClient> probe_;
   std::unique_ptr<ProbeClient> other_;
-  int detours_ = 0;  // on which the pointer came across the other application
+  std::unique_ptr<testing::WanderingHand> hand_;
 };
 
 void JourneyTest::SetSoundAndBrowserCommands() {
@@ -446,9 +425,9 @@ TEST_F(JourneyTest, FromAnEmptyInstallationToStrokesThatActAndBack) {
   };
   for (const auto& [name, step] : steps) {
     SCOPED_TRACE(name);
-    const int before = detours_;
+    const int before = hand_->detours();
     (this->*step)();
-    EXPECT_GT(detours_, before) << "the pointer stayed in the program's windows";
+    EXPECT_GT(hand_->detours(), before) << "the pointer stayed in the program's windows";
     Picture(std::string("after ") + name);
     ASSERT_FALSE(HasFailure());
   }

@@ -130,6 +130,13 @@ TEST_F(WheelTest, Editors) {
 
   const Window preferences = Open("Preferences", Title::kOptions, testing::kPreferences);
   TurnTheWheelOver(preferences);
+  ClickChild(preferences, BoxOf(preferences).width - 80, 100);  // More...
+  const Window more = WaitShown("MorePreferences");
+  XMoveWindow(player->display(), more, 640, 440);
+  ASSERT_TRUE(WaitFor([&] { return OriginOf(more).y > 300; }));
+  TurnTheWheelOver(more);
+  Close(more);
+  ASSERT_TRUE(WaitHidden("MorePreferences"));
   Close(preferences);
   ASSERT_TRUE(WaitHidden("Preferences"));
 

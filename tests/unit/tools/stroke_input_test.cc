@@ -47,7 +47,7 @@ TEST(ParseStroke, DropsPointsBeyondThe256thButChecksThem) {
 }
 
 TEST(ParseStroke, NamesTheLineThatIsWrong) {
-  EXPECT_EQ(ErrorOf("1 2\n\n3\n"), "line 3: two numbers are expected, there is only one");
+  EXPECT_EQ(ErrorOf("1 2\n\n3\n"), "line 3: two numbers are expected, there is only \"3\"");
   EXPECT_EQ(ErrorOf("1 2 3"), "line 1: only two numbers are expected, not \"3\"");
   EXPECT_EQ(ErrorOf("1,2"), "line 1: \"1,2\" is no whole number");
   EXPECT_EQ(ErrorOf("1.5 2"), "line 1: \"1.5\" is no whole number");

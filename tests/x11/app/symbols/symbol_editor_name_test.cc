@@ -106,6 +106,23 @@ TEST_F(EmptiedSymbolTest, ReplacesAnExistingOneOnlyAfterYes) {
   EXPECT_EQ(StoredPoints("Alpha"), 0);
 }
 
+// A copy that somebody made is in the library under the name that is in it, not under its file's.
+TEST_F(EmptiedSymbolTest, ReplacesAFileOfThatNameOnlyAfterYesToo) {
+  const std::string folder = std::string(GromlitPath) + "/" + symbolDirectory;
+  std::filesystem::copy_file(folder + "/Beta.sls", folder + "/Backup.sls");
+  const int points = StoredPoints("Backup");
+  ASSERT_GT(points, 0);
+  Empty("Alpha");
+  TextEditorUpdate(sed->txt, "Backup");
+  ClickOn(sed->bsave);
+  ASSERT_TRUE(Shown(confirm->window));
+  ClickOn(confirm->no);
+  EXPECT_EQ(StoredPoints("Backup"), points);
+  ClickOn(sed->bsave);
+  ClickOn(confirm->yes);
+  EXPECT_EQ(StoredPoints("Backup"), 0);
+}
+
 TEST_F(EmptiedSymbolTest, UnderANewNameIsSavedUnasked) {
   Empty("Alpha");
   MoveIn(sed->txt->window, 100, 12);

@@ -202,6 +202,28 @@ TEST_F(SymbolEditorVectorTest, APressBesideThePointsOfACompleteVectorDoesNothing
   EXPECT_EQ(Points(), before);
 }
 
+// The area came up under a pointer that rests, or a click was handed on to where the pointer is
+// not.
+TEST_F(SymbolEditorVectorTest, ThePointThatIsPressedIsDraggedThoughThePointerHasNotMoved) {
+  const GromlitSymbol sym = Symbol("P", {{40, 40}, {200, 40}});
+  Open(&sym);
+  MoveIn(area->window, 120, 120);
+  for (const auto& [x, onpt] : std::vector<std::pair<int, int>>{{40, 1}, {200, 2}, {100, 0}}) {
+    XEvent press{};
+    press.xbutton.type = ButtonPress;
+    press.xbutton.window = area->window;
+    press.xbutton.button = 1;
+    press.xbutton.x = x;
+    press.xbutton.y = 41;
+    SymWindowButtonPress(area, &press);
+    EXPECT_EQ(area->onpt, onpt) << x;
+    EXPECT_EQ(sed->state, onpt != 0 ? kSymDragging : kSymComplete) << x;
+    SymWindowButtonRelease(area, &press);
+    Pump();
+    EXPECT_EQ(sed->state, kSymComplete);
+  }
+}
+
 TEST_F(SymbolEditorVectorTest, APointIsDraggedAndTheReleaseGivesThePointerBack) {
   Open();
   Draw({{40, 40}, {120, 40}, {200, 40}, {200, 200}});
