@@ -12,8 +12,9 @@
 #include <ctime>
 #include <string>
 
+#include "core/report.h"
 #include "core/strings.h"
-#include "recognition/shape_match.h"
+#include "core/value_names.h"
 #include "recognition/stroke_log.h"
 #include "recognition/stroke_signature.h"
 
@@ -97,16 +98,14 @@ void LogStroke(const GromlitPlugin* pin, const Stroke& stroke, const Matching& h
   if (log < 0) return;
   const auto needed =
       std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - released).count();
-  const MatchingWay way = how.way == kByShape ? kByShape : kBySignature;
-  const ShapeRanking ranking =
-      way == kByShape && pin != nullptr ? RankByShape(pin, stroke) : ShapeRanking{};
+  const ShapeRanking ranking = RankActions(pin, stroke, how);
   char signature[kDrawnSignatureSize];
   StrokeSignature(signature, stroke.count, stroke.x, stroke.y);
   std::string fields[kLogColumns];
   fields[kLogTime] = Now();
   fields[kLogClass] = EscapeLogField(ending);
   fields[kLogSignature] = signature;
-  fields[kLogWay] = kLogWayNames[way];
+  fields[kLogWay] = NameOfValue("temp3", how.way);
   fields[kLogAction] = pin != nullptr && found >= 0
                            ? EscapeLogField(FieldText(pin->actions[found]->name))
                            : kLogNone;
@@ -119,7 +118,7 @@ void LogStroke(const GromlitPlugin* pin, const Stroke& stroke, const Matching& h
   line.back() = '\n';
   // A full disk must not stop the strokes, and one complaint is enough.
   if (Append(line)) return;
-  std::perror("GROMLIT_LOG");
+  ReportSystemError("GROMLIT_LOG");
   close(log);
   log = -1;
 }

@@ -18,7 +18,7 @@ enum StrokeLogColumn {
   kLogTime,          // UTC, as 2026-01-31T12:00:00.007Z
   kLogClass,         // class text of the window
   kLogSignature,     // of the stroke
-  kLogWay,           // way of matching: kLogWayNames
+  kLogWay,           // way of matching, as the options' temp3 is named: core/value_names.h
   kLogAction,        // name of the action that ran, or kLogNone
   kLogScore,         // by shape, of the action that is most alike; empty where there is none
   kLogRunnerUp,      // the same of the next one
@@ -31,7 +31,6 @@ inline constexpr const char* kStrokeLogColumns[] = {
     "time", "class", "signature", "way", "action", "score", "runnerup", "microseconds", "points"};
 static_assert(std::size(kStrokeLogColumns) == kLogColumns);
 
-inline constexpr const char* kLogWayNames[] = {"signature", "shape"};  // by MatchingWay
 inline constexpr const char* kLogNone = "none";
 
 // The first line, its newline included.
