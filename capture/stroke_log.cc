@@ -14,7 +14,7 @@
 
 #include "core/report.h"
 #include "core/strings.h"
-#include "core/value_names.h"
+#include "recognition/shape_match.h"
 #include "recognition/stroke_log.h"
 #include "recognition/stroke_signature.h"
 
@@ -98,14 +98,16 @@ void LogStroke(const GromlitPlugin* pin, const Stroke& stroke, const Matching& h
   if (log < 0) return;
   const auto needed =
       std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - released).count();
-  const ShapeRanking ranking = RankActions(pin, stroke, how);
+  const MatchingWay way = how.way == kByShape ? kByShape : kBySignature;
+  const ShapeRanking ranking =
+      way == kByShape && pin != nullptr ? RankByShape(pin, stroke) : ShapeRanking{};
   char signature[kDrawnSignatureSize];
   StrokeSignature(signature, stroke.count, stroke.x, stroke.y);
   std::string fields[kLogColumns];
   fields[kLogTime] = Now();
   fields[kLogClass] = EscapeLogField(ending);
   fields[kLogSignature] = signature;
-  fields[kLogWay] = NameOfValue("temp3", how.way);
+  fields[kLogWay] = kLogWayNames[way];
   fields[kLogAction] = pin != nullptr && found >= 0
                            ? EscapeLogField(FieldText(pin->actions[found]->name))
                            : kLogNone;

@@ -48,11 +48,4 @@ constexpr Naming NamingOf(std::string_view field) {
   return Naming::kNone;
 }
 
-// The name of a field's value; empty where the field has none for it.
-constexpr std::string_view NameOfValue(std::string_view field, int32_t value) {
-  for (const ValueName& row : kValueNames)
-    if (row.field == field && row.value == value) return row.name;
-  return {};
-}
-
 }  // namespace gromlit

@@ -1,6 +1,7 @@
 #include "recognition/find_action.h"
 
 #include "recognition/shadow.h"
+#include "recognition/shape_match.h"
 #include "recognition/signature_match.h"
 #include "recognition/stroke_signature.h"
 
@@ -45,10 +46,6 @@ int FindAction(const GromlitPlugin* pin, const Stroke& stroke, const Matching& h
     default:
       return FindBySignature(pin, stroke);
   }
-}
-
-ShapeRanking RankActions(const GromlitPlugin* pin, const Stroke& stroke, const Matching& how) {
-  return pin != nullptr && how.way == kByShape ? RankByShape(pin, stroke) : ShapeRanking{};
 }
 
 FoundAction FindActionToRun(GromlitPlugin* pin, const Stroke& stroke,

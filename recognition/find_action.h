@@ -6,7 +6,6 @@
 
 #include "core/gromlit.h"
 #include "core/option_files.h"
-#include "recognition/shape_match.h"
 #include "recognition/stroke.h"
 
 namespace gromlit {
@@ -24,10 +23,6 @@ Matching MatchingOf(const GromlitUserOptions& options);
 // the first one, in the plug-in's order, whose symbol matches; by shape the one that the stroke
 // looks most like, if it looks enough like it for the tolerance.
 int FindAction(const GromlitPlugin* pin, const Stroke& stroke, const Matching& how);
-
-// The two actions of pin that the stroke is most like, for ways that measure that; none by
-// signature, or without a plug-in.
-ShapeRanking RankActions(const GromlitPlugin* pin, const Stroke& stroke, const Matching& how);
 
 // An action and the plug-in that it belongs to.
 struct FoundAction {

@@ -5,10 +5,13 @@
 // field.
 #pragma once
 
+#include <array>
 #include <iterator>
 #include <string>
 #include <string_view>
 
+#include "core/option_files.h"
+#include "core/value_names.h"
 #include "recognition/stroke.h"
 
 namespace gromlit {
@@ -18,7 +21,7 @@ enum StrokeLogColumn {
   kLogTime,          // UTC, as 2026-01-31T12:00:00.007Z
   kLogClass,         // class text of the window
   kLogSignature,     // of the stroke
-  kLogWay,           // way of matching, as the options' temp3 is named: core/value_names.h
+  kLogWay,           // way of matching: kLogWayNames
   kLogAction,        // name of the action that ran, or kLogNone
   kLogScore,         // by shape, of the action that is most alike; empty where there is none
   kLogRunnerUp,      // the same of the next one
@@ -30,6 +33,14 @@ enum StrokeLogColumn {
 inline constexpr const char* kStrokeLogColumns[] = {
     "time", "class", "signature", "way", "action", "score", "runnerup", "microseconds", "points"};
 static_assert(std::size(kStrokeLogColumns) == kLogColumns);
+
+// By MatchingWay, as documents name the options' temp3.
+inline constexpr auto kLogWayNames = [] {
+  std::array<std::string_view, kMatchingWays> names = {};
+  for (const ValueName& row : kValueNames)
+    if (row.field == "temp3") names[static_cast<size_t>(row.value)] = row.name;
+  return names;
+}();
 
 inline constexpr const char* kLogNone = "none";
 
