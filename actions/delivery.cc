@@ -7,8 +7,9 @@
 namespace gromlit {
 namespace {
 
-constexpr KeyWay kSentKeys = {true, SendStroke, SendText};
-constexpr KeyWay kMadeKeys = {false, MakeStroke, MakeText};
+constexpr KeyWay kSentKeys = {true, SendStroke, SendText, nullptr, nullptr};
+constexpr KeyWay kMadeKeys = {false, MakeStroke, MakeText, PrepareInput, FinishInput};
+constexpr const KeyWay* kWays[] = {&kSentKeys, &kMadeKeys};
 
 }  // namespace
 
@@ -17,7 +18,13 @@ bool MakesClicks() {
 }
 
 void PrepareKeys() {
-  if (MakesClicks()) PrepareInput();
+  const KeyWay& way = ChosenKeyWay();
+  if (way.prepare != nullptr) way.prepare();
+}
+
+void FinishKeys() {
+  for (const KeyWay* way : kWays)
+    if (way->finish != nullptr) way->finish();
 }
 
 const KeyWay& ChosenKeyWay() {

@@ -14,8 +14,6 @@
 #include "actions/delivery.h"
 #include "actions/keystrokes.h"
 #include "actions/launch.h"
-#include "actions/real_input.h"
-#include "actions/stroke.h"
 #include "actions/typing.h"
 #include "actions/window_actions.h"
 #include "core/command_types.h"
@@ -185,7 +183,7 @@ int ExecuteAction(GromlitPlugin* pin, GromlitAction* sa, Window /*mwin*/, Window
     focus.reset();
   }
   ExecutingPlugin = nullptr;
-  FinishInput();
+  FinishKeys();
   return 1;
 }
 

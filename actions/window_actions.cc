@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <string>
 
-#include "actions/stroke.h"
 #include "display/display.h"
+#include "display/modes.h"
 #include "display/window_manager.h"
 #include "display/x_handles.h"
 

@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "actions/delivery.h"
-#include "actions/stroke.h"
 #include "app/main_window/find_new_plugin.h"
 #include "app/main_window/shown_plugin.h"
 #include "app/symbols/drawn_symbol.h"

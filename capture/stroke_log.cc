@@ -12,6 +12,7 @@
 #include <ctime>
 #include <string>
 
+#include "core/report.h"
 #include "core/strings.h"
 #include "recognition/shape_match.h"
 #include "recognition/stroke_log.h"
@@ -119,7 +120,7 @@ void LogStroke(const GromlitPlugin* pin, const Stroke& stroke, const Matching& h
   line.back() = '\n';
   // A full disk must not stop the strokes, and one complaint is enough.
   if (Append(line)) return;
-  std::perror("GROMLIT_LOG");
+  ReportSystemError("GROMLIT_LOG");
   close(log);
   log = -1;
 }

@@ -1,4 +1,5 @@
-// What a user may choose beyond the stated behaviour, as the window behind "More..." offers it.
+// What a user may choose beyond the behaviour of a run without an options file, as the window
+// behind "More..." offers it.
 //
 // A choice is kept in a reserved field of the options, whose 0 is the behaviour of a run without an
 // options file. Fields may hold what a later version wrote: a choice that the user leaves alone

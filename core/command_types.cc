@@ -21,6 +21,15 @@ constexpr bool InOrder() {
 }
 static_assert(InOrder(), "a type's row stands at its value");
 
+constexpr bool AllExplained() {
+  for (const CommandTypeInfo& type : kCommandTypes) {
+    if (type.does == nullptr || *type.does == '\0' || type.verb == nullptr) return false;
+    if ((type.checkedverb != nullptr) != type.checkbox) return false;
+  }
+  return true;
+}
+static_assert(AllExplained(), "a type says what it does, and the same with its check box");
+
 constexpr Column kNames = ColumnOf(&CommandTypeInfo::name);
 constexpr Column kPrefixes = ColumnOf(&CommandTypeInfo::prefix);
 

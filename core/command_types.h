@@ -1,5 +1,6 @@
-// The types of commands: the one table of what each is called and offers. The action editor's tabs,
-// the command list and the tool's documents read it; what running one does: actions/execute.cc.
+// The types of commands: the one table of what each is called and offers, and of what it does, in
+// words. The action editor's tabs, the command list, the tool's documents and its cheat sheets read
+// it; what running one does: actions/execute.cc.
 #pragma once
 
 #include <cstdint>
@@ -23,13 +24,23 @@ struct CommandTypeInfo {
   const char* name;    // label of its tab, and its name in documents
   const char* prefix;  // begins its lines in the command list
   bool checkbox;       // has a check box, kept in the command's `checked`
+  const char* does;    // what it does, with and without the check box, for docs/file-formats.md
+  // What it does, for a cheat sheet, which goes on with the command's text; "" where that says all.
+  const char* verb;
+  const char* checkedverb;  // the same with the check box checked; null without one
 };
 
 // In the order of the tabs, which is that of the values: kCommandTypes[type] is the type's row.
 inline constexpr CommandTypeInfo kCommandTypes[] = {
-    {kHotKey, "HotKey", "HotKey: ", false}, {kMenu, "Menu", "Menu: ", false},
-    {kText, "Text", "Text: ", true},        {kSound, "Sound", "Sound: ", false},
-    {kRun, "Run", "Run: ", false},          {kInternet, "Internet", "Internet: ", true},
+    {kHotKey, "HotKey", "HotKey: ", false, "sends the keys; the text names them for people", "",
+     nullptr},
+    {kMenu, "Menu", "Menu: ", false, "opens a menu; the text holds its letters", "Menu", nullptr},
+    {kText, "Text", "Text: ", true,
+     "types the text; checked: the contents of the file of that name", "Type", "Type the file"},
+    {kSound, "Sound", "Sound: ", false, "plays the sound file of that name", "Play", nullptr},
+    {kRun, "Run", "Run: ", false, "runs the command line", "Run", nullptr},
+    {kInternet, "Internet", "Internet: ", true, "opens the page; checked: the forum", "Visit",
+     "Open the Gromlit forum"},
 };
 inline constexpr int kCommandTypeCount = static_cast<int>(std::size(kCommandTypes));
 

@@ -20,6 +20,12 @@ constexpr int kDefaultButton = 3;
 static_assert(std::string_view(GromlitOptionFileHeaderString).size() == kHeaderSize);
 static_assert(kFileSize == 305);
 
+// A value as one of `count` that are listed; the first one for any other.
+template <typename Value>
+Value Listed(int32_t value, Value count) {
+  return 0 <= value && value < count ? static_cast<Value>(value) : Value{};
+}
+
 }  // namespace
 
 GromlitUserOptions* LoadUserOptions(const char* fname) {
@@ -62,7 +68,7 @@ GromlitUserOptions* GetUserOptions() {
 }
 
 Delivery DeliveryOf(const GromlitUserOptions* usr) {
-  return usr != nullptr && usr->temp1 == kRealInput ? kRealInput : kSentEvents;
+  return usr != nullptr ? Listed(usr->temp1, kDeliveries) : kSentEvents;
 }
 
 bool Chosen(const GromlitUserOptions* usr, Behaviour bit) {
@@ -70,7 +76,7 @@ bool Chosen(const GromlitUserOptions* usr, Behaviour bit) {
 }
 
 MatchingWay MatchingWayOf(const GromlitUserOptions* usr) {
-  return usr->temp3 == kByShape ? kByShape : kBySignature;
+  return Listed(usr->temp3, kMatchingWays);
 }
 
 WindowManners MannersOf(const GromlitUserOptions* usr) {

@@ -35,6 +35,7 @@ GromlitUserOptions* GetUserOptions();
 enum Delivery : int32_t {
   kSentEvents = 0,  // sent to its window; some programs ignore what another program sends
   kRealInput = 1,   // made by the server's XTEST extension, as if the user's own
+  kDeliveries,      // how many there are
 };
 Delivery DeliveryOf(const GromlitUserOptions* usr);
 
@@ -52,6 +53,7 @@ bool Chosen(const GromlitUserOptions* usr, Behaviour bit);
 enum MatchingWay : int32_t {
   kBySignature = 0,
   kByShape = 1,
+  kMatchingWays,  // how many there are
 };
 MatchingWay MatchingWayOf(const GromlitUserOptions* usr);
 

@@ -23,8 +23,18 @@ inline int drawingSymbol = 0;
 // Whose action is being executed; null when none is. Written by actions/execute.
 inline GromlitPlugin* ExecutingPlugin = nullptr;
 
-// The window that "system:showgromlit" maps and raises; None before it is made. Written by
-// app/main_window.
+// What the stroke whose action runs was drawn over.
+struct StrokeOver {
+  Window client = None;  // the window that the window manager put into its frame, else the root's
+                         // child; the root window on the desktop; None: not known
+  bool own = false;      // it is one of the program's own
+};
+
+// Set for the time of an action. Written by capture/gromlit_draw.
+inline StrokeOver currentStroke;
+
+// The main window, which "system:showgromlit" maps and raises and to which dialogs belong; None
+// before it is made. Written by app/main_window.
 inline Window showWindow = None;
 
 }  // namespace gromlit

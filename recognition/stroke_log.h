@@ -5,10 +5,13 @@
 // field.
 #pragma once
 
+#include <array>
 #include <iterator>
 #include <string>
 #include <string_view>
 
+#include "core/option_files.h"
+#include "core/value_names.h"
 #include "recognition/stroke.h"
 
 namespace gromlit {
@@ -31,7 +34,14 @@ inline constexpr const char* kStrokeLogColumns[] = {
     "time", "class", "signature", "way", "action", "score", "runnerup", "microseconds", "points"};
 static_assert(std::size(kStrokeLogColumns) == kLogColumns);
 
-inline constexpr const char* kLogWayNames[] = {"signature", "shape"};  // by MatchingWay
+// By MatchingWay, as documents name the options' temp3.
+inline constexpr auto kLogWayNames = [] {
+  std::array<std::string_view, kMatchingWays> names = {};
+  for (const ValueName& row : kValueNames)
+    if (row.field == "temp3") names[static_cast<size_t>(row.value)] = row.name;
+  return names;
+}();
+
 inline constexpr const char* kLogNone = "none";
 
 // The first line, its newline included.

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "display/display.h"
+#include "display/modes.h"
 #include "display/scale.h"
 #include "display/window_manager.h"
 #include "display/window_tree.h"
@@ -62,16 +63,16 @@ std::string Question(const XDialog* dlog) {
 // The window that a dialog belongs to: the one that its user works in, where that is one that a
 // window manager knows; else the main window. A menu closes, and the icon in the tray is none.
 Window AskerOf(const XDialog* dlog) {
-  if (lastpressed == None) return dialogowner;
+  if (lastpressed == None) return showWindow;
   const Window top = TopOf(lastpressed);
   const WindowObj* entry = FindWindowObj(top);
   if (top == dlog->window || entry == nullptr || entry->window != top ||
       entry->eh[ClientMessage] == NoHandler) {
-    return dialogowner;
+    return showWindow;
   }
   XWindowAttributes at{};
   const bool seen = XGetWindowAttributes(dpy, top, &at) != 0 && at.map_state == IsViewable;
-  return seen && at.override_redirect == False ? top : dialogowner;
+  return seen && at.override_redirect == False ? top : showWindow;
 }
 
 void TellManager(const XDialog* dlog, int x, int y, bool keyboard) {

@@ -13,9 +13,6 @@ inline constexpr int kDialogTitleSize = 64;  // bytes of a title, its NUL includ
 // What a dialog's window is told of.
 inline constexpr long kDialogEvents = ExposureMask | ButtonReleaseMask;
 
-// The window that dialogs belong to, the program's main one; None until it is set.
-inline Window dialogowner = None;
-
 struct XDialog {
   WindowObj* wobj;
   Window window;

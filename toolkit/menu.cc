@@ -8,6 +8,7 @@
 #include "toolkit/child_window.h"
 #include "toolkit/image.h"
 #include "toolkit/manners.h"
+#include "toolkit/menu_leaving.h"
 #include "toolkit/menu_parts.h"
 #include "toolkit/pointer_hold.h"
 #include "toolkit/release_watch.h"

@@ -11,12 +11,11 @@
 #include "display/display.h"
 #include "display/monitors.h"
 #include "display/scale.h"
-#include "toolkit/bevel.h"
+#include "toolkit/key_lookup.h"
+#include "toolkit/menu_leaving.h"
 #include "toolkit/menu_parts.h"
-#include "toolkit/pointer_hold.h"
+#include "toolkit/open_menus.h"
 #include "toolkit/press_time.h"
-#include "toolkit/release_watch.h"
-#include "toolkit/text_editor.h"
 #include "toolkit/type_ahead.h"
 
 namespace gromlit {
@@ -52,132 +51,17 @@ struct Hand {
 
 Hand hand{};  // NOLINT(cert-err58-cpp): zeros, constants
 
-// --- The pointer after a press that closed the menus ------------------------------------------
-
-// The catcher: it has the pointer until the release (INV-HAND-2). Its window is there for as long
-// as that lasts: one that waited for its next turn could be destroyed by another client meanwhile.
-struct Catcher {
-  WindowObj* wobj;  // of a new window each time: entries cannot be given back
-};
-Catcher* catcher = nullptr;
-bool leaving = false;
-
-void CatchRelease(Catcher*, XEvent*) {
-  EndLeaving();
-}
-
-Window MakeCatcher() {
-  XSetWindowAttributes attributes{};
-  attributes.override_redirect = True;
-  attributes.event_mask = ButtonReleaseMask;
-  // Mapped it can have the pointer, and beyond the edge of the screen nobody meets it.
-  const Window window = XCreateWindow(dpy, root, -2, -2, 1, 1, 0, 0, InputOnly, CopyFromParent,
-                                      CWOverrideRedirect | CWEventMask, &attributes);
-  if (catcher == nullptr) {
-    catcher = new Catcher{};
-    catcher->wobj = AllocWindowObj(window, catcher);
-    On<ButtonRelease, CatchRelease>(catcher);
-  }
-  catcher->wobj->window = window;
-  return window;
-}
-
 // Closes the menus, and keeps the pointer until the button that is down goes up.
 void Leave() {
-  const Window window = MakeCatcher();
-  XMapWindow(dpy, window);
   XMenu* menu = hand.menu;
-  if (HoldPointer(window, ButtonReleaseMask)) {
-    leaving = true;
-    AwaitRelease(EndLeaving);
+  if (KeepPointerFromAll()) {
     PassMenuGrab(nullptr);
     EndMenuHand(menu);
-  } else {
-    XDestroyWindow(dpy, window);
   }
   PopDownMenu(menu);
 }
 
-// --- What is open -----------------------------------------------------------------------------
-
-// The open submenu of a menu; null for none.
-XMenu* OpenSubmenu(const XMenu* menu) {
-  return menu->submenu != nullptr && menu->submenu->open != 0 ? menu->submenu : nullptr;
-}
-
-XMenu* Deepest() {
-  XMenu* menu = hand.menu;
-  while (OpenSubmenu(menu) != nullptr) menu = OpenSubmenu(menu);
-  return menu;
-}
-
-// The deepest menu that has a highlight, for which keys are meant; else the first.
-XMenu* MenuOfKeys() {
-  XMenu* menu = hand.menu;
-  while (OpenSubmenu(menu) != nullptr && OpenSubmenu(menu)->selected >= 0) {
-    menu = OpenSubmenu(menu);
-  }
-  return menu;
-}
-
-XMenu* ParentOf(const XMenu* child) {
-  XMenu* menu = hand.menu;
-  while (menu != nullptr && menu->submenu != child) menu = OpenSubmenu(menu);
-  return menu;
-}
-
-XMenuItem* SelectedItem(const XMenu* menu) {
-  return menu->selected >= 0 && menu->selected < menu->nitems ? menu->items[menu->selected]
-                                                              : nullptr;
-}
-
-// What a position of the root window is on.
-struct Spot {
-  XMenu* menu = nullptr;
-  int item = -1;
-  int arrow = 0;  // rows that it scrolls by
-};
-
-Spot SpotIn(XMenu* menu, int x, int y) {
-  const int inx = x - menu->x;
-  const int iny = y - menu->y;
-  if (inx < 0 || inx >= menu->width || iny < 0 || iny >= menu->height) return {};
-  Spot spot{menu, -1, 0};
-  if (iny < 1) return spot;
-  const int row = (iny - 4) / menu->itemheight;
-  if (menu->scrolls != 0 && row == 0) {
-    spot.arrow = -1;
-  } else if (menu->scrolls != 0 && row == menu->visible + 1) {
-    spot.arrow = 1;
-  } else if (const int item = row - MenuRow(menu, 0); ShowsItem(menu, item)) {
-    spot.item = item;
-  }
-  return spot;
-}
-
-// A submenu may cover what opened it: the last one counts.
-Spot SpotAt(int x, int y) {
-  Spot found{};
-  for (XMenu* menu = hand.menu; menu != nullptr; menu = OpenSubmenu(menu)) {
-    if (const Spot spot = SpotIn(menu, x, y); spot.menu != nullptr) found = spot;
-  }
-  return found;
-}
-
-// --- Highlights and submenus ------------------------------------------------------------------
-
-// Highlights an item, or none (-1), and closes the submenu of the one before.
-void Select(XMenu* menu, int item) {
-  if (item == menu->selected) return;
-  if (menu->selected >= 0) {
-    if (ShowsItem(menu, menu->selected)) {
-      DrawMenuHighlight(menu, kFlat, MenuRow(menu, menu->selected));
-    }
-    CloseSubmenu(menu);
-  }
-  menu->selected = item;
-  if (item >= 0 && ShowsItem(menu, item)) DrawMenuHighlight(menu, kRaised, MenuRow(menu, item));
-}
+// --- Submenus -----------------------------------------------------------------------------------
 
 // Places a menu, gives its window the size that it has there, and shows it.
 template <typename Place>
@@ -197,27 +81,6 @@ bool OpenSelected(XMenu* menu) {
   Open(submenu, [&] { PlaceBeside(submenu, menu, menu->selected, hand.area); });
   menu->submenu = submenu;
   return true;
-}
-
-void ScrollMenu(XMenu* menu, int rows) {
-  if (menu->scrolls == 0) return;
-  const int top = std::clamp(menu->top + rows, 0, menu->nitems - menu->visible);
-  if (top == menu->top) return;
-  // The item that a submenu belongs to moves away from it.
-  CloseSubmenu(menu);
-  menu->selected = -1;
-  menu->top = top;
-  DrawMenu(menu);
-}
-
-// Highlights an item for the keyboard: where it can be seen.
-void SelectByKey(XMenu* menu, int item) {
-  if (menu->nitems == 0) return;
-  if (item < menu->top) ScrollMenu(menu, item - menu->top);
-  if (item >= menu->top + menu->visible) {
-    ScrollMenu(menu, item - menu->top - menu->visible + 1);
-  }
-  Select(menu, item);
 }
 
 bool OpenTitle(int i, const XButtonEvent* press) {
@@ -242,13 +105,13 @@ int TitleAtPointer(int x, int y) {
 void PointAt(int x, int y) {
   hand.x = x;
   hand.y = y;
-  const Spot spot = SpotAt(x, y);
+  const Spot spot = SpotAt(hand.menu, x, y);
   RestOn(spot.arrow != 0 ? spot.menu : nullptr, spot.arrow);
   if (spot.arrow != 0) return;
   if (spot.item >= 0) {
     // The pointer has come back from a submenu.
-    if (XMenu* submenu = OpenSubmenu(spot.menu); submenu != nullptr) Select(submenu, -1);
-    Select(spot.menu, spot.item);
+    if (XMenu* submenu = OpenSubmenu(spot.menu); submenu != nullptr) SelectItem(submenu, -1);
+    SelectItem(spot.menu, spot.item);
     // One that would cover the items that the hand is on its way to waits for a click.
     const XMenu* submenu = spot.menu->items[spot.item]->submenu;
     if (submenu != nullptr && FitsBeside(submenu, spot.menu, hand.area)) OpenSelected(spot.menu);
@@ -257,8 +120,8 @@ void PointAt(int x, int y) {
   const int title = spot.menu == nullptr ? TitleAtPointer(x, y) : -1;
   if (title >= 0 && title != hand.titles->selected(hand.bar)) {
     OpenTitle(title, nullptr);
-  } else if (OpenSubmenu(Deepest()) == nullptr) {
-    Select(Deepest(), -1);
+  } else if (OpenSubmenu(DeepestMenu(hand.menu)) == nullptr) {
+    SelectItem(DeepestMenu(hand.menu), -1);
   }
 }
 
@@ -352,18 +215,6 @@ XMenuBar* BarInHand() {
   return hand.menu != nullptr ? hand.bar : nullptr;
 }
 
-bool HandIsLeaving() {
-  return leaving;
-}
-
-void EndLeaving() {
-  if (!leaving) return;
-  leaving = false;
-  ForgetRelease();
-  GivePointerBack();
-  XDestroyWindow(dpy, catcher->wobj->window);
-}
-
 void EndMenuHand(const XMenu* menu) {
   if (hand.menu != menu || menu == nullptr) return;
   const Hand ended = hand;
@@ -373,12 +224,12 @@ void EndMenuHand(const XMenu* menu) {
 }
 
 void HandPress(const XButtonEvent& press) {
-  const int title = SpotAt(press.x_root, press.y_root).menu == nullptr
+  const int title = SpotAt(hand.menu, press.x_root, press.y_root).menu == nullptr
                         ? TitleAtPointer(press.x_root, press.y_root)
                         : -1;
   if (title >= 0 && title != hand.titles->selected(hand.bar)) {
     OpenTitle(title, &press);
-  } else if (SpotAt(press.x_root, press.y_root).menu == nullptr) {
+  } else if (SpotAt(hand.menu, press.x_root, press.y_root).menu == nullptr) {
     Leave();
   } else {
     hand.standing = true;
@@ -396,7 +247,7 @@ void HandRelease(const XButtonEvent& release) {
       hand.standing = true;
       return;
     }
-    const Spot spot = SpotAt(x, y);
+    const Spot spot = SpotAt(hand.menu, x, y);
     if (!moved || spot.item < 0) {
       PopDownMenu(hand.menu);
       return;
@@ -407,7 +258,7 @@ void HandRelease(const XButtonEvent& release) {
   hand.standing = true;
   hand.pressed = false;
   PointAt(x, y);
-  if (const Spot spot = SpotAt(x, y); spot.item >= 0) Choose(spot.menu);
+  if (const Spot spot = SpotAt(hand.menu, x, y); spot.item >= 0) Choose(spot.menu);
 }
 
 void HandMotion(const XMotionEvent& motion) {
@@ -423,7 +274,7 @@ void HandKey(XKeyEvent* key) {
   char bytes[32];
   KeySym sym;
   const int count = LookupKey(key, bytes, sizeof bytes, &sym);
-  XMenu* menu = MenuOfKeys();
+  XMenu* menu = MenuOfKeys(hand.menu);
   const int last = menu->nitems - 1;
   const int page = std::max(menu->visible - 1, 1);
   // Shows the neighbour of the open title.
@@ -467,7 +318,7 @@ void HandKey(XKeyEvent* key) {
       return;
     case XK_Left:
     case XK_KP_Left:
-      if (XMenu* parent = ParentOf(menu); parent != nullptr) {
+      if (XMenu* parent = MenuAbove(hand.menu, menu); parent != nullptr) {
         CloseSubmenu(parent);
       } else if (OpenSubmenu(menu) != nullptr) {
         CloseSubmenu(menu);
@@ -496,7 +347,7 @@ void HandKey(XKeyEvent* key) {
 
 void MenuWheel(XMenu* menu, int rows) {
   if (hand.menu == nullptr || menu != hand.menu || menu->open == 0) return;
-  XMenu* scrolled = SpotAt(hand.x, hand.y).menu;
+  XMenu* scrolled = SpotAt(hand.menu, hand.x, hand.y).menu;
   if (scrolled == nullptr || scrolled->scrolls == 0) {
     scrolled = nullptr;
     for (XMenu* at = hand.menu; at != nullptr; at = OpenSubmenu(at)) {

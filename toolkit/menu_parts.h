@@ -1,6 +1,6 @@
 // What the parts of menus have for each other: toolkit/menu.cc draws, opens, closes and runs them,
-// toolkit/menu_place.cc finds their place, toolkit/menu_hand.cc answers with today's manners. For
-// these three alone.
+// toolkit/menu_place.cc finds their place, toolkit/menu_hand.cc answers with today's manners, with
+// toolkit/open_menus.cc and toolkit/menu_leaving.cc. For these alone.
 #pragma once
 
 #include <X11/Xlib.h>
@@ -67,10 +67,5 @@ void HandKey(XKeyEvent* key);
 // To be called by whoever gives the pointer of the first menu back: gives the keyboard back and
 // lets the bar's title go.
 void EndMenuHand(const XMenu* menu);
-
-// Whether a press that closed menus still waits for its release, which holds the pointer; and how
-// that is given back, nothing otherwise.
-bool HandIsLeaving();
-void EndLeaving();
 
 }  // namespace gromlit

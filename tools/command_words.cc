@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "core/command_types.h"
+
 namespace gromlit {
 namespace {
 
@@ -27,22 +29,20 @@ std::string KeyWords(const GromlitCmd& cmd) {
 CommandWords WordsOf(const GromlitCmd& cmd) {
   // A text may hold NULs; what is run ends at the first.
   const std::string text = cmd.text == nullptr ? "" : cmd.text;
+  const CommandTypeInfo* type = CommandTypeOf(cmd.type);
+  if (type == nullptr) return {"Nothing: command type " + std::to_string(cmd.type), ""};
+  const bool checked = type->checkbox && cmd.checked != 0;
+  const char* verb = checked ? type->checkedverb : type->verb;
+  // Keys are written as keys, and the forum is where it is whatever the text says.
   switch (cmd.type) {
     case kHotKey:
-      return {"", text.empty() ? KeyWords(cmd) : text, true};
+      return {verb, text.empty() ? KeyWords(cmd) : text, true};
     case kMenu:
-      return {"Menu", "Alt-" + text, true};
-    case kText:
-      return {cmd.checked != 0 ? "Type the file" : "Type", text};
-    case kSound:
-      return {"Play", text};
-    case kRun:
-      return {"Run", text};
+      return {verb, "Alt-" + text, true};
     case kInternet:
-      if (cmd.checked != 0) return {"Open the Gromlit forum", ""};
-      return {"Visit", text};
+      return {verb, checked ? "" : text};
     default:
-      return {"Nothing: command type " + std::to_string(cmd.type), ""};
+      return {verb, text};
   }
 }
 

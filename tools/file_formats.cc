@@ -105,21 +105,6 @@ struct Meaning {
   std::string_view meaning;
 };
 
-constexpr Meaning kOptionMeanings[] = {
-    {"button", "mouse button that draws, 1..5; any other value acts as 3"},
-    {"sensitivity", "pixels that a press must move to be a stroke"},
-    {"tolerance", "how near is near enough by shape, 1 very low .. 5 very high"},
-    {"splash", "not 0: a window at the start"},
-    {"showactions", "not 0: the actions are shown while drawing"},
-    {"temp1", "how keys and clicks reach an application"},
-    {"temp2", "behaviour"},
-    {"temp3", "how a stroke is compared with symbols"},
-    {"temp4", "how windows answer to hands"},
-    {"urlcmd", "command line that opens an address, which is put in the place of its first `%s`"},
-    {"sndcmd", "the same for a sound file"},
-    {"charspare2", "reserved, kept"},
-};
-
 constexpr Meaning kLogMeanings[] = {
     {"time", "UTC, such as `2026-01-31T12:00:00.007Z`"},
     {"class", "class text of the window"},
@@ -130,15 +115,6 @@ constexpr Meaning kLogMeanings[] = {
     {"runnerup", "the same of the next one"},
     {"microseconds", "from the release of the button to the start of the action"},
     {"points", "`x y x y ...` in pixels of the screen; empty unless points are asked for"},
-};
-
-constexpr Meaning kCommandMeanings[] = {
-    {"HotKey", "sends the keys; the text names them for people"},
-    {"Menu", "opens a menu; the text holds its letters"},
-    {"Text", "types the text; checked: the contents of the file of that name"},
-    {"Sound", "plays the sound file of that name"},
-    {"Run", "runs the command line"},
-    {"Internet", "opens the page; checked: the forum"},
 };
 
 constexpr std::string_view MeaningOf(std::span<const Meaning> meanings, std::string_view name) {
@@ -171,12 +147,8 @@ constexpr bool AllExplained(const Named& rows, std::span<const Meaning> meanings
     if (MeaningOf(meanings, name(row)).empty()) return false;
   return std::size(rows) == meanings.size();
 }
-static_assert(AllExplained(kOptionFields, kOptionMeanings,
-                           [](const OptionField& f) { return std::string_view(f.name); }));
 static_assert(AllExplained(kStrokeLogColumns, kLogMeanings,
                            [](const char* name) { return std::string_view(name); }));
-static_assert(AllExplained(kCommandTypes, kCommandMeanings,
-                           [](const CommandTypeInfo& t) { return std::string_view(t.name); }));
 
 // --- The text
 // -------------------------------------------------------------------------------------
@@ -239,7 +211,7 @@ std::string OptionsTable() {
     text += "| " + std::to_string(kHeaderSize + field.at.offset) + " | " +
             std::to_string(field.at.offset) + " | " + std::to_string(field.at.size) + " | " +
             Code(field.name) + " | " + TypeText(row) + " | " + fallback + " | " +
-            Together(MeaningOf(kOptionMeanings, field.name), ValuesText(field.name)) + " |\n";
+            Together(field.meaning, ValuesText(field.name)) + " |\n";
   }
   return text;
 }
@@ -247,8 +219,7 @@ std::string OptionsTable() {
 std::string CommandTypesTable() {
   std::string text = "| type | name | does |\n|---|---|---|\n";
   for (const CommandTypeInfo& type : kCommandTypes)
-    text += "| " + std::to_string(type.type) + " | " + type.name + " | " +
-            std::string(MeaningOf(kCommandMeanings, type.name)) + " |\n";
+    text += "| " + std::to_string(type.type) + " | " + type.name + " | " + type.does + " |\n";
   return text;
 }
 

@@ -1,10 +1,9 @@
-// The text of JSON documents: strings of bytes, parsing with limits, printing.
+#include "tools/json_text.h"
+
 #include <algorithm>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
-
-#include "tools/record_json.h"
 
 namespace gromlit {
 namespace {

@@ -28,7 +28,7 @@ constexpr int kIconWidth = 64;
 
 void MakeWindow(GromlitApp* gromlit) {
   gromlit->window = CreateTopLevel(gromlit->width, gromlit->height, kGromlitAppEvents);
-  dialogowner = gromlit->window;
+  showWindow = gromlit->window;
   gromlit->mbar = MakeGromlitMenuBar(gromlit, gromlit->window, 0, 0, gromlit->width);
   XMapWindow(dpy, gromlit->mbar->window);
   gromlit->height += gromlit->mbar->height;
@@ -123,7 +123,6 @@ GromlitApp* MakeGromlitApp(int ncols, int nrows) {
     GromlitAppKeyPress(static_cast<GromlitApp*>(arg), event);
   };
   OnWheel<TurnGridWheel>(gromlit);
-  showWindow = gromlit->window;
   return gromlit;
 }
 

@@ -1,5 +1,5 @@
 // The window behind the preferences' button "More...": a check box and a sentence for each choice
-// beyond the stated behaviour (core/choices.h), and one for starting with the desktop
+// beyond what a run without options does (core/choices.h), and one for starting with the desktop
 // (places/autostart.h).
 //
 //   event          what happens                                                function

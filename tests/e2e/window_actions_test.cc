@@ -230,7 +230,7 @@ TEST_F(WindowActionsTest, MinimizeNeedsNoneOfTheNewerConventions) {
   EXPECT_EQ(Err(), "");
 }
 
-// Behind the stated keywords, which count anywhere, and only as the whole text.
+// Behind the keywords that are older, which count anywhere, and only as the whole text.
 TEST_F(WindowActionsTest, KeywordWithMoreTextIsACommandLine) {
   StartWindowManager("openbox");
   const auto probe = StartProbe();

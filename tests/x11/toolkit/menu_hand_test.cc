@@ -14,6 +14,7 @@
 #include "toolkit/hidden.h"
 #include "toolkit/menu_bar.h"
 #include "toolkit/menu_hand.h"
+#include "toolkit/menu_leaving.h"
 #include "toolkit/menu_parts.h"
 #include "toolkit/pulldown_button.h"
 #include "toolkit/release_watch.h"

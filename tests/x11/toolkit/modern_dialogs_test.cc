@@ -5,6 +5,7 @@
 #include <X11/Xatom.h>
 #include <X11/keysym.h>
 
+#include "display/modes.h"
 #include "tests/x11/toolkit/request_cost.h"
 #include "toolkit/dialog.h"
 #include "toolkit/dialog_hands.h"
@@ -37,12 +38,12 @@ class ModernDialogsTest : public testing::WidgetFixture {
     user = &options;
     options.temp4 = kModernManners;
     ClaimWindow(top);
-    dialogowner = top;
+    showWindow = top;
     MoveTo(300, 200);
   }
   void TearDown() override {
     user = nullptr;
-    dialogowner = None;
+    showWindow = None;
     DisclaimWindow(top);
     WidgetFixture::TearDown();
   }

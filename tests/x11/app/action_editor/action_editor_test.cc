@@ -8,6 +8,7 @@
 #include <ostream>
 
 #include "recognition/signature_match.h"
+#include "tests/x11/app/window_identity.h"
 #include "tests/x11/toolkit/request_cost.h"
 
 namespace gromlit {
@@ -80,25 +81,11 @@ TEST_F(ActionEditorTest, TheWindowIsHiddenAndKnownToWindowManagers) {
   EXPECT_FALSE(Open());
   EXPECT_EQ(editingPlugin, 0);
   EXPECT_EQ(PlaceOf(act->window), (Place{0, 0, 560, 454}));
-  char* name = nullptr;
-  ASSERT_NE(XFetchName(dpy, act->window, &name), 0);
-  EXPECT_STREQ(name, "Gromlit: Action Editor");
-  XFree(name);
-  ASSERT_NE(XGetIconName(dpy, act->window, &name), 0);
-  EXPECT_STREQ(name, "Gromlit: Action Editor");
-  XFree(name);
-  XClassHint hint{};
-  ASSERT_NE(XGetClassHint(dpy, act->window, &hint), 0);
-  EXPECT_STREQ(hint.res_name, "ActionEditor");
-  EXPECT_STREQ(hint.res_class, "Gromlit");
-  XFree(hint.res_name);
-  XFree(hint.res_class);
-  Atom* protocols = nullptr;
-  int n = 0;
-  ASSERT_NE(XGetWMProtocols(dpy, act->window, &protocols, &n), 0);
-  EXPECT_EQ(n, 1);
-  EXPECT_EQ(protocols[0], wm_delete);
-  XFree(protocols);
+  testing::ExpectIdentity(act->window, {.title = "Gromlit: Action Editor",
+                                        .icontitle = "Gromlit: Action Editor",
+                                        .name = "ActionEditor",
+                                        .width = 560,
+                                        .height = 454});
 }
 
 TEST_F(ActionEditorTest, EverythingLiesWhereItBelongs) {

@@ -9,6 +9,7 @@
 #include "actions/execute.h"
 #include "display/x_handles.h"
 #include "tests/support/captured.h"
+#include "tests/x11/app/window_identity.h"
 #include "tests/x11/toolkit/request_cost.h"
 #include "toolkit/logo.h"
 #include "toolkit/menu_bar.h"
@@ -104,31 +105,11 @@ TEST_F(GromlitAppTest, TheWindowHasTheSizeOfItsGridAndItsMenuBar) {
 }
 
 TEST_F(GromlitAppTest, WindowManagersAreToldNamesAndTheFixedSize) {
-  char* title = nullptr;
-  ASSERT_NE(XFetchName(dpy, app->window, &title), 0);
-  EXPECT_STREQ(title, "Gromlit");
-  XFree(title);
-  char* icontitle = nullptr;
-  EXPECT_EQ(XGetIconName(dpy, app->window, &icontitle), 0);
-  XClassHint hint{};
-  ASSERT_NE(XGetClassHint(dpy, app->window, &hint), 0);
-  EXPECT_STREQ(hint.res_name, "Application");
-  EXPECT_STREQ(hint.res_class, "Gromlit");
-  XFree(hint.res_name);
-  XFree(hint.res_class);
-  XSizeHints size{};
-  long supplied = 0;
-  ASSERT_NE(XGetWMNormalHints(dpy, app->window, &size, &supplied), 0);
-  EXPECT_EQ(size.flags & (PMinSize | PMaxSize | PBaseSize), PMinSize | PMaxSize | PBaseSize);
-  for (int width : {size.min_width, size.max_width, size.base_width}) EXPECT_EQ(width, app->width);
-  for (int height : {size.min_height, size.max_height, size.base_height})
-    EXPECT_EQ(height, app->height);
-  Atom* protocols = nullptr;
-  int nprotocols = 0;
-  ASSERT_NE(XGetWMProtocols(dpy, app->window, &protocols, &nprotocols), 0);
-  ASSERT_EQ(nprotocols, 1);
-  EXPECT_EQ(protocols[0], wm_delete);
-  XFree(protocols);
+  testing::ExpectIdentity(app->window, {.title = "Gromlit",
+                                        .icontitle = nullptr,
+                                        .name = "Application",
+                                        .width = app->width,
+                                        .height = app->height});
 }
 
 TEST_F(GromlitAppTest, ThePartsLieBelowEachOther) {

@@ -21,6 +21,7 @@
 #include "display/draw_button.h"
 #include "display/x_handles.h"
 #include "tests/support/captured.h"
+#include "tests/x11/app/window_identity.h"
 #include "tests/x11/toolkit/request_cost.h"
 #include "toolkit/child_window.h"
 
@@ -192,25 +193,11 @@ TEST_F(UserOptionsTest, StartsHiddenWithItsNamesForWindowManagers) {
   EXPECT_EQ(is.border_width, 1);
   EXPECT_EQ(is.backing_store, WhenMapped);
   EXPECT_EQ(is.your_event_mask, ExposureMask);
-  char* name = nullptr;
-  ASSERT_NE(XFetchName(dpy, opt->window, &name), 0);
-  EXPECT_STREQ(name, "Gromlit: Preferences");
-  XFree(name);
-  ASSERT_NE(XGetIconName(dpy, opt->window, &name), 0);
-  EXPECT_STREQ(name, "Gromlit: Preferences");
-  XFree(name);
-  XClassHint hint{};
-  ASSERT_NE(XGetClassHint(dpy, opt->window, &hint), 0);
-  EXPECT_STREQ(hint.res_name, "Preferences");
-  EXPECT_STREQ(hint.res_class, "Gromlit");
-  XFree(hint.res_name);
-  XFree(hint.res_class);
-  Atom* protocols = nullptr;
-  int n = 0;
-  ASSERT_NE(XGetWMProtocols(dpy, opt->window, &protocols, &n), 0);
-  ASSERT_EQ(n, 1);
-  EXPECT_EQ(protocols[0], wm_delete);
-  XFree(protocols);
+  testing::ExpectIdentity(opt->window, {.title = "Gromlit: Preferences",
+                                        .icontitle = "Gromlit: Preferences",
+                                        .name = "Preferences",
+                                        .width = opt->width,
+                                        .height = opt->height});
 }
 
 TEST_F(UserOptionsTest, ControlsHaveTheirPlaces) {

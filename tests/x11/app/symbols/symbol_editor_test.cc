@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "display/x_handles.h"
+#include "tests/x11/app/window_identity.h"
 #include "toolkit/bevel.h"
 #include "toolkit/text.h"
 
@@ -16,29 +17,11 @@ using testing::Picture;
 using SymbolEditorTest = testing::SymbolEditorFixture;
 
 TEST_F(SymbolEditorTest, WindowManagersSeeTitleClassSizeAndTheCloseProtocol) {
-  char* text = nullptr;
-  ASSERT_NE(XFetchName(dpy, sed->window, &text), 0);
-  const XData<char> title(text);
-  EXPECT_STREQ(title.get(), "Gromlit: Symbol Editor");
-  XClassHint hint{};
-  ASSERT_NE(XGetClassHint(dpy, sed->window, &hint), 0);
-  const XData<char> name(hint.res_name);
-  const XData<char> part(hint.res_class);
-  EXPECT_STREQ(name.get(), "SymbolEditor");
-  EXPECT_STREQ(part.get(), "Gromlit");
-  XSizeHints size{};
-  long supplied = 0;
-  ASSERT_NE(XGetWMNormalHints(dpy, sed->window, &size, &supplied), 0);
-  EXPECT_EQ(size.min_width, 560);
-  EXPECT_EQ(size.max_width, 560);
-  EXPECT_EQ(size.min_height, 454);
-  EXPECT_EQ(size.max_height, 454);
-  Atom* protocols = nullptr;
-  int count = 0;
-  ASSERT_NE(XGetWMProtocols(dpy, sed->window, &protocols, &count), 0);
-  const XData<Atom> owned(protocols);
-  ASSERT_EQ(count, 1);
-  EXPECT_EQ(protocols[0], wm_delete);
+  testing::ExpectIdentity(sed->window, {.title = "Gromlit: Symbol Editor",
+                                        .icontitle = "Gromlit: Symbol Editor",
+                                        .name = "SymbolEditor",
+                                        .width = 560,
+                                        .height = 454});
   XWindowAttributes attributes;
   XGetWindowAttributes(dpy, sed->window, &attributes);
   EXPECT_EQ(attributes.width, 560);
