@@ -13,7 +13,6 @@
 #include <string>
 
 #include "core/strings.h"
-#include "recognition/shape_match.h"
 #include "recognition/stroke_log.h"
 #include "recognition/stroke_signature.h"
 
@@ -109,21 +108,19 @@ void LogStroke(const GromlitPlugin* pin, const Stroke& stroke, const Matching& h
   if (log < 0) return;
   const auto needed =
       std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - released).count();
-  const MatchingWay way = how.way == kByShape ? kByShape : kBySignature;
-  const ShapeRanking ranking =
-      way == kByShape && pin != nullptr ? RankByShape(pin, stroke) : ShapeRanking{};
+  const Scores scores = pin != nullptr ? ScoresOf(pin, stroke, how) : Scores{};
   char signature[kDrawnSignatureSize];
   StrokeSignature(signature, stroke.count, stroke.x, stroke.y);
   std::string fields[kLogColumns];
   fields[kLogTime] = Now();
   fields[kLogClass] = EscapeLogField(ending);
   fields[kLogSignature] = signature;
-  fields[kLogWay] = kLogWayNames[way];
+  fields[kLogWay] = kLogWayNames[WayOf(how)];
   fields[kLogAction] = pin != nullptr && found >= 0
                            ? EscapeLogField(FieldText(pin->actions[found]->name))
                            : kLogNone;
-  fields[kLogScore] = ScoreText(ranking.score);
-  fields[kLogRunnerUp] = ScoreText(ranking.nextscore);
+  fields[kLogScore] = ScoreText(scores.best);
+  fields[kLogRunnerUp] = ScoreText(scores.next);
   fields[kLogMicroseconds] = std::to_string(needed);
   if (withpoints) fields[kLogPoints] = LogPoints(stroke);
   std::string line;
