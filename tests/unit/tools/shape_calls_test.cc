@@ -1,7 +1,9 @@
 // match by shape, explain, learn, strokes and check --shape.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 
+#include <cstdio>
 #include <random>
 
 #include "recognition/shape_match.h"
@@ -281,6 +283,20 @@ TEST_F(ShapeCalls, CheckByShapeNamesActionsThatLookAlike) {
             0);
   EXPECT_THAT(RunTool({"check", "--shape", "--tolerance", "4", install.path()}).out,
               Not(HasSubstr("look alike")));
+}
+
+// The recorded strokes are not part of the project.
+TEST(RecognitionReport, SaysWhereItSoughtStrokesThatAreNotThere) {
+  std::FILE* report = popen(
+      "GROMLIT_STROKES=/nowhere '" GROMLIT_SOURCE_DIR "/scripts/recognition-report' 2>&1", "r");
+  ASSERT_NE(report, nullptr);
+  std::string said;
+  char part[256];
+  while (std::fgets(part, sizeof part, report) != nullptr) said += part;
+  const int status = pclose(report);
+  EXPECT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 2);
+  EXPECT_THAT(said, StartsWith("recognition-report: no recorded strokes at /nowhere; "));
 }
 
 }  // namespace
