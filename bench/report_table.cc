@@ -3,6 +3,15 @@
 #include <cstdio>
 
 namespace gromlit {
+namespace {
+
+std::string Percent(double v) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.2f %%", v);
+  return text;
+}
+
+}  // namespace
 
 void Row(const std::vector<std::string>& cells) {
   for (const std::string& cell : cells) std::printf("| %s ", cell.c_str());
@@ -24,6 +33,21 @@ std::string Shares(int right, int wrong, int all) {
   std::snprintf(text, sizeof text, "%.1f / %.2f / %.1f", PercentOf(right, all),
                 PercentOf(wrong, all), 100 - PercentOf(right + wrong, all));
   return text;
+}
+
+bool Met(const Bar& bar) {
+  return bar.least ? bar.seen >= bar.limit : bar.seen <= bar.limit;
+}
+
+bool PrintBars(const std::vector<Bar>& bars) {
+  Head("What is promised", {"figure", "seen", "bar", "met"});
+  bool met = true;
+  for (const Bar& bar : bars) {
+    Row({bar.figure, Percent(bar.seen), (bar.least ? "at least " : "at most ") + Percent(bar.limit),
+         Met(bar) ? "yes" : "NO"});
+    met = met && Met(bar);
+  }
+  return met;
 }
 
 }  // namespace gromlit

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdio>
+#include <iterator>
 #include <map>
 #include <random>
 #include <string>
@@ -19,6 +20,7 @@ namespace {
 
 constexpr uint32_t kSeed = 20071;
 constexpr int kDrawings = 200;  // of each way over each plug-in
+constexpr int kDrawingsOfSymbol = 500;
 constexpr int kWalks = 10000;
 constexpr MatchingWay kMatchings[] = {kByShape, kBySignature};
 
@@ -154,6 +156,53 @@ void PrintWalks(const std::vector<GromlitPlugin*>& plugins) {
 }
 
 }  // namespace
+
+RightAndWrong PrintStarterSymbols(const char* skeleton) {
+  const std::vector<GromlitPlugin*> plugins = ReadStarterPlugins(skeleton);
+  Library symbols;
+  ReadSymbolLibrary(skeleton, &symbols);
+  constexpr const char* kNames[] = {"Very low", "Low", "Medium", "High", "Very high"};
+  constexpr size_t kMedium = 2;
+  std::array<Tally, std::size(kNames)> shape;
+  Tally signature;
+  std::mt19937 random(kSeed);
+  for (int i = 0; i < symbols.size(); i++) {
+    std::vector<std::pair<GromlitPlugin*, const GromlitAction*>> meanings;
+    for (GromlitPlugin* plugin : plugins) {
+      const GromlitAction* meant =
+          StarterJudge(plugin, RecommendedOptions(kByShape)).Meant(symbols.name(i));
+      if (meant != nullptr) meanings.push_back({plugin, meant});
+    }
+    for (int k = 0; k < kDrawingsOfSymbol; k++) {
+      const Stroke drawing = SimulatedDrawing(*symbols.symbol(i), &random);
+      const auto add = [&](GromlitUserOptions options, Tally* tally) {
+        for (const auto& [plugin, meant] : meanings) {
+          const GromlitAction* ran = nullptr;
+          const Outcome outcome = StarterJudge(plugin, options).Judge(*meant, drawing, &ran);
+          tally->Add(outcome, ran);
+        }
+      };
+      GromlitUserOptions options = RecommendedOptions(kByShape);
+      for (size_t t = 0; t < shape.size(); t++) {
+        options.tolerance = static_cast<int32_t>(t) + 1;
+        add(options, &shape[t]);
+      }
+      add(RecommendedOptions(kBySignature), &signature);
+    }
+  }
+  Head("Simulated drawings of the starter library's " + std::to_string(symbols.size()) +
+           " symbols, " + std::to_string(kDrawingsOfSymbol) +
+           " of each over each plug-in: right / wrong / nothing, %",
+       {"way", "right / wrong / nothing", "wrong and destructive"});
+  const auto row = [](const std::string& name, const Tally& tally) {
+    Row({name, tally.Cells(),
+         std::to_string(tally.destructive) + " of " + std::to_string(tally.all)});
+  };
+  for (size_t t = 0; t < shape.size(); t++) row(std::string("shape, ") + kNames[t], shape[t]);
+  row("signatures", signature);
+  const Tally& medium = shape[kMedium];
+  return {PercentOf(medium.right, medium.all), PercentOf(medium.wrong, medium.all)};
+}
 
 void PrintStarterLibrary(const char* skeleton) {
   const std::vector<GromlitPlugin*> plugins = ReadStarterPlugins(skeleton);

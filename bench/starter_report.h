@@ -5,6 +5,16 @@ namespace gromlit {
 
 struct RecordedSet;
 
+// Percent of drawings that ran the right action, and of those that ran another one.
+struct RightAndWrong {
+  double right;
+  double wrong;
+};
+
+// Prints what drawings of the library's symbols themselves run, over each of its plug-ins that has
+// the symbol or falls back to it; returns the shares by shape at the tolerance Medium.
+RightAndWrong PrintStarterSymbols(const char* skeleton);
+
 // Prints what people's strokes run over applications without a plug-in, where a recorded gesture is
 // one of the starter library's.
 void PrintStarterPeople(const char* skeleton, const RecordedSet& set);

@@ -211,7 +211,8 @@ void Capture::Release(const XButtonEvent& release) {
     Recognise(headplugin_->plugin);
   } else if (own_ || target_.cname.data() == kOwnClass) {
     const Stroke stroke = MakeStroke(npoints_, xbuffer_.data(), ybuffer_.data());
-    if (!TakeDrawnSymbol(target_.click, stroke)) LogStroke(nullptr, stroke, MatchingOf(*user), -1);
+    LogStroke(nullptr, stroke, MatchingOf(*user), -1);
+    TakeDrawnSymbol(target_.click, stroke);
   } else if (FindNewPlugin(draw_->app, target_.cname.data(), release.x_root, release.y_root) != 0) {
     Recognise(DefaultPlugin);
   } else {

@@ -14,7 +14,6 @@
 
 #include "core/report.h"
 #include "core/strings.h"
-#include "recognition/shape_match.h"
 #include "recognition/stroke_log.h"
 #include "recognition/stroke_signature.h"
 
@@ -22,6 +21,8 @@ namespace gromlit {
 namespace {
 
 using Clock = std::chrono::steady_clock;
+
+constexpr const char* kNoFile = "not a regular file";
 
 int log = -1;  // descriptor; -1 when strokes are not logged
 bool withpoints = false;
@@ -42,6 +43,13 @@ bool IsStrokeLog(int file) {
   std::string start(header.size(), '\0');
   return pread(file, start.data(), start.size(), 0) == static_cast<ssize_t>(start.size()) &&
          start == header;
+}
+
+// Whether the file's last line is whole: a full disk may have cut the last stroke of an earlier
+// run.
+bool EndsALine(int file, off_t size) {
+  char last = 0;
+  return pread(file, &last, 1, size - 1) == 1 && last == '\n';
 }
 
 // UTC, such as 2026-01-31T12:00:00.007Z.
@@ -70,18 +78,21 @@ void OpenStrokeLog() {
   if (path == nullptr || *path == '\0') return;
   const char* points = std::getenv("GROMLIT_LOG_POINTS");
   withpoints = points != nullptr && StrCmp(points, "1") == 0;
-  const int file = open(path, O_RDWR | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC, 0600);
-  if (file < 0) return Refuse(path, std::strerror(errno));
+  // A link is none of the user's own making in a directory where others may write.
+  constexpr int kFlags = O_RDWR | O_APPEND | O_CREAT | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY;
+  const int file = open(path, kFlags | O_CLOEXEC, 0600);
+  if (file < 0) return Refuse(path, errno == ELOOP ? kNoFile : std::strerror(errno));
   struct stat status {};
   const bool empty = fstat(file, &status) == 0 && status.st_size == 0;
   if (!S_ISREG(status.st_mode) || (!empty && !IsStrokeLog(file))) {
-    Refuse(path, S_ISREG(status.st_mode) ? "the file holds something else" : "not a regular file");
+    Refuse(path, S_ISREG(status.st_mode) ? "the file holds something else" : kNoFile);
     close(file);
     return;
   }
   log = file;
   // One that was made by hand may be open to others.
-  if (fchmod(log, 0600) != 0 || (empty && !Append(StrokeLogHeader()))) {
+  const std::string begin = empty ? StrokeLogHeader() : EndsALine(log, status.st_size) ? "" : "\n";
+  if (fchmod(log, 0600) != 0 || !Append(begin)) {
     Refuse(path, std::strerror(errno));
     close(log);
     log = -1;
@@ -98,21 +109,19 @@ void LogStroke(const GromlitPlugin* pin, const Stroke& stroke, const Matching& h
   if (log < 0) return;
   const auto needed =
       std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - released).count();
-  const MatchingWay way = how.way == kByShape ? kByShape : kBySignature;
-  const ShapeRanking ranking =
-      way == kByShape && pin != nullptr ? RankByShape(pin, stroke) : ShapeRanking{};
+  const Scores scores = pin != nullptr ? ScoresOf(pin, stroke, how) : Scores{};
   char signature[kDrawnSignatureSize];
   StrokeSignature(signature, stroke.count, stroke.x, stroke.y);
   std::string fields[kLogColumns];
   fields[kLogTime] = Now();
   fields[kLogClass] = EscapeLogField(ending);
   fields[kLogSignature] = signature;
-  fields[kLogWay] = kLogWayNames[way];
+  fields[kLogWay] = kLogWayNames[WayOf(how)];
   fields[kLogAction] = pin != nullptr && found >= 0
                            ? EscapeLogField(FieldText(pin->actions[found]->name))
                            : kLogNone;
-  fields[kLogScore] = ScoreText(ranking.score);
-  fields[kLogRunnerUp] = ScoreText(ranking.nextscore);
+  fields[kLogScore] = ScoreText(scores.best);
+  fields[kLogRunnerUp] = ScoreText(scores.next);
   fields[kLogMicroseconds] = std::to_string(needed);
   if (withpoints) fields[kLogPoints] = LogPoints(stroke);
   std::string line;

@@ -39,6 +39,13 @@ constexpr const ValueName* FindValueName(std::string_view field, std::string_vie
   return nullptr;
 }
 
+// Whether the field has a name for that value.
+constexpr bool IsNamedValue(std::string_view field, int32_t value) {
+  for (const ValueName& row : kValueNames)
+    if (row.field == field && row.value == value) return true;
+  return false;
+}
+
 enum class Naming { kNone, kValues, kBits };
 
 // How the values of a field are named.

@@ -31,18 +31,9 @@ void CheckShape(const Shape& shape) {
   Require(std::abs(sum - 1) < 1e-3F);
   Require(shape.width > -kRounding && shape.width < 1 + kRounding);
   for (int i = 0; i < kShapeSegments; i++) {
-    Require(std::isfinite(shape.dx[i]) && std::isfinite(shape.dy[i]));
+    Require(std::abs(shape.dx[i] * shape.dx[i] + shape.dy[i] * shape.dy[i] - 1) < 1e-3F);
     Require(std::isfinite(shape.mx[i]) && std::isfinite(shape.my[i]));
   }
-}
-
-// What a shape's score with itself lacks: where the pen turns right back, half-way between two of
-// the resampled points, these are in one place, and a segment without length has no direction, so
-// that it is half as like itself.
-float LossOfTurns(const Shape& shape) {
-  int turns = 0;
-  for (int i = 0; i < kShapeSegments; i++) turns += shape.dx[i] == 0 && shape.dy[i] == 0;
-  return 0.125F * static_cast<float>(turns) / kShapeSegments;
 }
 
 // The best of all by score alone. Not which of several with the same score: costs that differ may
@@ -61,7 +52,7 @@ void CheckRanking(GromlitPlugin* plugin, const Stroke& stroke) {
     Require((score == -1) == !(drawn.drawable && symbol.drawable));
     drawable += symbol.drawable && drawn.drawable;
     scores.push_back(score);
-    if (symbol.drawable) Require(ShapeScore(symbol, symbol) > 1 - kRounding - LossOfTurns(symbol));
+    if (symbol.drawable) Require(ShapeScore(symbol, symbol) > 1 - kRounding);
   }
   Require((ranking.best >= 0) == (drawable > 0));
   Require((ranking.next >= 0) == (drawable > 1));

@@ -38,6 +38,10 @@ Matching MatchingOf(const GromlitUserOptions& options) {
   return {MatchingWayOf(&options), options.tolerance};
 }
 
+MatchingWay WayOf(const Matching& how) {
+  return how.way == kByShape ? kByShape : kBySignature;
+}
+
 int FindAction(const GromlitPlugin* pin, const Stroke& stroke, const Matching& how) {
   switch (how.way) {
     case kByShape:
@@ -46,6 +50,12 @@ int FindAction(const GromlitPlugin* pin, const Stroke& stroke, const Matching& h
     default:
       return FindBySignature(pin, stroke);
   }
+}
+
+Scores ScoresOf(const GromlitPlugin* pin, const Stroke& stroke, const Matching& how) {
+  if (WayOf(how) != kByShape) return {};
+  const ShapeRanking ranking = RankByShape(pin, stroke);
+  return {ranking.score, ranking.nextscore};
 }
 
 FoundAction FindActionToRun(GromlitPlugin* pin, const Stroke& stroke,

@@ -19,10 +19,22 @@ struct Matching {
 // The matching that these options ask for.
 Matching MatchingOf(const GromlitUserOptions& options);
 
+// The way that is in force with these: kBySignature for values that nobody knows.
+MatchingWay WayOf(const Matching& how);
+
 // Index of the action of pin that the stroke stands for, -1 when there is none. By signature it is
 // the first one, in the plug-in's order, whose symbol matches; by shape the one that the stroke
 // looks most like, if it looks enough like it for the tolerance.
 int FindAction(const GromlitPlugin* pin, const Stroke& stroke, const Matching& how);
+
+// How much the stroke is like the two actions of pin that it is most like, by a way that measures
+// it: 1 the same; -1 where there is no such action, and where the way measures nothing.
+struct Scores {
+  float best = -1;
+  float next = -1;
+};
+
+Scores ScoresOf(const GromlitPlugin* pin, const Stroke& stroke, const Matching& how);
 
 // An action and the plug-in that it belongs to.
 struct FoundAction {

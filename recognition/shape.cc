@@ -87,17 +87,39 @@ bool Normalize(Shape* shape) {
   return true;
 }
 
-// Directions and middles of the segments.
+// A segment that is shorter than this part of the longest has no direction of its own.
+constexpr float kStill = 0.1F;
+
+// Directions and middles of the segments. Where the pen turns right back half-way between two
+// points these lie in one place, or so near that rounding decides in which direction they follow
+// each other: such a segment goes on as the one before, so that a shape is as like itself as can
+// be.
 void Segments(Shape* shape) {
+  float xstep[kShapeSegments];
+  float ystep[kShapeSegments];
+  float square[kShapeSegments];
+  float longest = 0;
   for (int i = 0; i < kShapeSegments; ++i) {
-    const float xstep = shape->x[i + 1] - shape->x[i];
-    const float ystep = shape->y[i + 1] - shape->y[i];
-    const float square = xstep * xstep + ystep * ystep;
-    const float inverse = square > 0 ? 1 / std::sqrt(square) : 0;
-    shape->dx[i] = xstep * inverse;
-    shape->dy[i] = ystep * inverse;
+    xstep[i] = shape->x[i + 1] - shape->x[i];
+    ystep[i] = shape->y[i + 1] - shape->y[i];
+    square[i] = xstep[i] * xstep[i] + ystep[i] * ystep[i];
+    longest = std::max(longest, square[i]);
     shape->mx[i] = (shape->x[i] + shape->x[i + 1]) / 2;
     shape->my[i] = (shape->y[i] + shape->y[i + 1]) / 2;
+  }
+  const float least = longest * (kStill * kStill);
+  int moving = 0;  // those before the first that moves go as that one does
+  while (square[moving] < least) ++moving;
+  float dx = xstep[moving] / std::sqrt(square[moving]);
+  float dy = ystep[moving] / std::sqrt(square[moving]);
+  for (int i = 0; i < kShapeSegments; ++i) {
+    if (square[i] >= least) {
+      const float inverse = 1 / std::sqrt(square[i]);
+      dx = xstep[i] * inverse;
+      dy = ystep[i] * inverse;
+    }
+    shape->dx[i] = dx;
+    shape->dy[i] = dy;
   }
 }
 

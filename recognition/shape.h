@@ -17,7 +17,8 @@ struct Shape {
   alignas(16) float x[kShapePoints];
   alignas(16) float y[kShapePoints];
   float width;  // sum of the squares of x: 0 upright line .. 1 level line
-  // Segments: unit vector (zero for a segment without length) and middle.
+  // Segments: unit vector and middle. One that is hardly longer than a point, where the pen turns
+  // back, has the direction of the one before.
   float dx[kShapeSegments];
   float dy[kShapeSegments];
   float mx[kShapeSegments];

@@ -107,10 +107,10 @@ void Suit(const Shape& stroke, const Shape* const* symbols, int n, const Warped*
     y[i] *= yscale;
   }
   for (int i = 0; i < kShapeSegments; ++i) {
-    const Lanes xstep = x[i + 1] - x[i];
-    const Lanes ystep = y[i + 1] - y[i];
-    const Lanes square = xstep * xstep + ystep * ystep;
-    const Lanes inverse = square > 0 ? 1 / Sqrt(square) : All(0);
+    // From the direction, not from the points: a segment that has hardly a length has one, too.
+    const Lanes xstep = (stroke.dx[i] * cosine - stroke.dy[i] * sine) * xscale;
+    const Lanes ystep = (stroke.dx[i] * sine + stroke.dy[i] * cosine) * yscale;
+    const Lanes inverse = 1 / Sqrt(xstep * xstep + ystep * ystep);
     suited->dx[i] = xstep * inverse;
     suited->dy[i] = ystep * inverse;
     suited->mx[i] = (x[i] + x[i + 1]) / 2;

@@ -10,12 +10,14 @@
 #include <system_error>
 
 #include "core/command_types.h"
+#include "core/option_fields.h"
 #include "core/option_files.h"
 #include "core/plugin_files.h"
 #include "core/plugin_names.h"
 #include "core/printable.h"
 #include "core/strings.h"
 #include "core/symbol_files.h"
+#include "core/value_names.h"
 #include "recognition/shadow.h"
 #include "recognition/shape_match.h"
 #include "recognition/signature_match.h"
@@ -179,7 +181,7 @@ class Checker {
   }
 
   // Reports pairs of actions of which a stroke drawn exactly as the one is near enough to run the
-  // other, were the one not there.
+  // other, were the one not there. Further symbols for one action need not be kept apart.
   void CheckShapes(const std::string& name, const GromlitPlugin& plugin,
                    const std::vector<std::string>& titles) {
     // At the highest tolerance everything is near enough; then it is the next one's line that
@@ -191,6 +193,7 @@ class Checker {
         const Shape* earlier = SymbolShape(&plugin.actions[j]->sym);
         const float score = std::max(ShapeScore(*shape, *earlier), ShapeScore(*earlier, *shape));
         if (score < ShapeThreshold(tolerance)) continue;
+        if (AnotherSymbolFor(plugin.actions[j], plugin.actions[i])) continue;
         char text[32];
         std::snprintf(text, sizeof text, "%.4f", static_cast<double>(score));
         Report(name, titles[static_cast<size_t>(j)] + " and " + titles[static_cast<size_t>(i)] +
@@ -221,6 +224,16 @@ class Checker {
       Report(name, "draw button " + std::to_string(file.options.button) + " lies outside 1..5, " +
                        std::to_string(button) + " is used");
     }
+    for (const OptionField& field : kOptionFields) {
+      if (NamingOf(field.name) != Naming::kValues) continue;
+      const int32_t value = OptionNumber(file.options, field);
+      if (!IsNamedValue(field.name, value))
+        Report(name, field.name + (" " + std::to_string(value)) + " is unknown, 0 is used");
+    }
+    // Nobody but matching by shape asks for it.
+    const int32_t tolerance = file.options.tolerance;
+    if (MatchingWayOf(&file.options) == kByShape && (tolerance < 1 || tolerance > 5))
+      Report(name, "tolerance " + std::to_string(tolerance) + " lies outside 1..5, 3 is used");
   }
 
   const std::string& dir_;

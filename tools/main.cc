@@ -75,9 +75,10 @@ int Main(int argc, char** argv) {
 
   CLI::App* explain = app.add_subcommand("explain", "Print why each action runs or not");
   explain->add_option("PLUGIN", plugin, "The plug-in file")->required();
-  explain->add_option("STROKE", stroke, stroke_help);
+  explain->add_option("STROKE", stroke,
+                      "Strokes as for match --each; standard input when absent or -");
   explain->add_option("--tolerance", tolerance, tolerance_help)->check(CLI::Range(1, 5));
-  explain->callback([&] { status = ExplainStroke(plugin, stroke, tolerance); });
+  explain->callback([&] { status = ExplainStrokes(plugin, stroke, tolerance); });
 
   std::string name;
   std::vector<std::string> strokes;

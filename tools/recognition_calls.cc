@@ -65,11 +65,37 @@ std::string WhyBySignature(bool matches, int index, int winner) {
   return "another signature";
 }
 
+// Only the few actions that a stroke is most like at first sight are compared closely, so that one
+// with a higher score than the best of them may be left out.
 std::string WhyByShape(float score, int index, const ShapeRanking& ranking, float threshold) {
   if (score < 0) return "nothing to compare";
   if (score < threshold) return "not alike enough: " + ScoreText(threshold) + " is needed";
   if (index == ranking.best) return "runs";
-  return "alike, but action " + std::to_string(ranking.best) + " is nearer";
+  if (score > ranking.score) {
+    return "alike, but " + std::to_string(kShapeCandidates) +
+           " others are more alike at first sight";
+  }
+  const std::string best = "action " + std::to_string(ranking.best);
+  return score < ranking.score ? "alike, but " + best + " is nearer"
+                               : "as alike, but " + best + " comes first";
+}
+
+// Every action of the plug-in, and why it runs for the stroke or not.
+void Explain(const GromlitPlugin& plugin, const Stroke& stroke, int32_t tolerance) {
+  const std::string drawn = SignatureText(stroke);
+  const Shape shape = ShapeOfPoints(stroke.count, stroke.x, stroke.y);
+  const int first = FindAction(&plugin, stroke, {kBySignature, tolerance});
+  const ShapeRanking ranking = RankByShape(&plugin, stroke);
+  Write("stroke\t" + drawn + "\nindex\taction\tsignature\tby signature\tscore\tby shape\n");
+  for (int i = 0; i < plugin.nactions; i++) {
+    GromlitAction* action = plugin.actions[i];
+    const float score = ShapeScore(shape, *SymbolShape(&action->sym));
+    const bool matches = SymbolMatch(&action->sym, drawn.c_str()) != 0;
+    Write(std::to_string(i) + "\t" + Printable(FieldText(action->name)) + "\t" +
+          SymbolSignature(&action->sym) + "\t" + WhyBySignature(matches, i, first) + "\t" +
+          (score < 0 ? "-" : ScoreText(score)) + "\t" +
+          WhyByShape(score, i, ranking, ShapeThreshold(tolerance)) + "\n");
+  }
 }
 
 }  // namespace
@@ -134,24 +160,15 @@ int LearnSymbol(const std::string& name, const std::string& output,
   return kSuccess;
 }
 
-int ExplainStroke(const std::string& plugin, const std::string& path, int32_t tolerance) {
+int ExplainStrokes(const std::string& plugin, const std::string& path, int32_t tolerance) {
   DataFile file;
   if (!ReadUsable(plugin, Kind::kPlugin, "no plug-in file", &file)) return kTrouble;
-  Stroke stroke;
-  if (!ReadStroke(path, &stroke)) return kTrouble;
-  const std::string drawn = SignatureText(stroke);
-  const Shape shape = ShapeOfPoints(stroke.count, stroke.x, stroke.y);
-  const int first = FindAction(&file.plugin, stroke, {kBySignature, tolerance});
-  const ShapeRanking ranking = RankByShape(&file.plugin, stroke);
-  Write("stroke\t" + drawn + "\nindex\taction\tsignature\tby signature\tscore\tby shape\n");
-  for (int i = 0; i < file.plugin.nactions; i++) {
-    GromlitAction* action = file.plugin.actions[i];
-    const float score = ShapeScore(shape, *SymbolShape(&action->sym));
-    const bool matches = SymbolMatch(&action->sym, drawn.c_str()) != 0;
-    Write(std::to_string(i) + "\t" + Printable(FieldText(action->name)) + "\t" +
-          SymbolSignature(&action->sym) + "\t" + WhyBySignature(matches, i, first) + "\t" +
-          (score < 0 ? "-" : ScoreText(score)) + "\t" +
-          WhyByShape(score, i, ranking, ShapeThreshold(tolerance)) + "\n");
+  std::vector<Stroke> strokes;
+  if (!ReadStrokes(path, &strokes)) return kTrouble;
+  if (strokes.empty()) strokes.emplace_back();  // one without points
+  for (size_t i = 0; i < strokes.size(); i++) {
+    if (i > 0) Write("\n");
+    Explain(file.plugin, strokes[i], tolerance);
   }
   return file.damage.empty() ? kSuccess : kTrouble;
 }

@@ -21,8 +21,9 @@ int MatchStrokes(const std::string& plugin, const std::string& path, const Match
 int LearnSymbol(const std::string& name, const std::string& output,
                 const std::vector<std::string>& paths);
 
-// One line for each action: its signature, its score by shape, and why it runs or not.
-int ExplainStroke(const std::string& plugin, const std::string& path, int32_t tolerance);
+// For each stroke one line for each action: its signature, its score by shape, and why it runs or
+// not. An empty line between strokes.
+int ExplainStrokes(const std::string& plugin, const std::string& path, int32_t tolerance);
 
 // The last n strokes of a log that have points, all when n is negative.
 int PrintLoggedStrokes(const std::string& log, int n);

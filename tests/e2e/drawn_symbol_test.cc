@@ -51,13 +51,20 @@ class DrawnSymbolRun : public testing::SymbolRun {
 };
 
 TEST_F(DrawnSymbolRun, AStrokeBecomesASymbolWhoseActionAStrokeFinds) {
+  const std::string log = *install / "strokes.log";
+  setenv("GROMLIT_LOG", log.c_str(), 1);
   WritePlugin("Default", {});
   WritePlugin(kClass, {});
   StartProbe();
   Open();
   OpenNew();
+  unsetenv("GROMLIT_LOG");
   DrawInArea(kStrokeEll);
   for (const Point& corner : kEll) EXPECT_TRUE(WaitSquare(corner));
+  // The log has a line for every stroke, and no action ran.
+  EXPECT_NE(testing::ReadText(log).find("\tGromlit.SymbolEditor\tabcd\tsignature\tnone\t"),
+            std::string::npos)
+      << testing::ReadText(log);
   Shoot("drawn");
   FinishAs("Drawn");
   ExpectSaved("Drawn", kEll, Drawn(kEll));

@@ -222,11 +222,65 @@ TEST_F(StrokeLogTest, AFileThatHoldsSomethingElseIsLeftAlone) {
 }
 
 TEST_F(StrokeLogTest, OnlyARegularFileIsALog) {
-  ASSERT_EQ(mkfifo(path_.c_str(), 0600), 0);
+  const std::string fifo = *install / "fifo";
+  const std::string target = *install / "target";
+  const std::string link = *install / "link";
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  WriteText(target, "");
+  ASSERT_EQ(chmod(target.c_str(), 0644), 0);
+  ASSERT_EQ(symlink(target.c_str(), link.c_str()), 0);
+  for (const std::string& path : {fifo, link, std::string("/dev/full")}) {
+    SCOPED_TRACE(path);
+    setenv("GROMLIT_LOG", path.c_str(), 1);
+    Start();
+    Draw({{400, 300}, {600, 300}});
+    ASSERT_TRUE(Appears("mark"));
+    EXPECT_NE(GromlitOutput().find(path + ": no log of strokes: not a regular file"),
+              std::string::npos)
+        << GromlitOutput();
+    std::filesystem::remove(MarkFile("mark"));
+    probe_.reset();
+    gromlit.reset();
+    ASSERT_TRUE(WaitFor([this] { return !GromlitIsReady(); }));
+  }
+  EXPECT_EQ(ReadText(target), "");
+  struct stat status {};
+  ASSERT_EQ(stat(target.c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777, 0644u) << "what a link leads to is left alone";
+}
+
+// A disk that was full in the middle of a line costs that line and no other.
+TEST_F(StrokeLogTest, ALogWhoseLastLineWasCutIsContinuedOnALineOfItsOwn) {
+  const std::string cut = StrokeLogHeader() + "2026-11-20T10:00:00.000Z\tProbe.pro";
+  WriteText(path_, cut);
   Start();
   Draw({{400, 300}, {600, 300}});
   ASSERT_TRUE(Appears("mark"));
-  EXPECT_NE(GromlitOutput().find("no log of strokes"), std::string::npos) << GromlitOutput();
+  const std::vector<std::string> lines = Split(ReadText(path_), '\n');
+  ASSERT_EQ(lines.size(), 4u) << ReadText(path_);
+  EXPECT_EQ(lines[0] + "\n" + lines[1], cut);
+  EXPECT_EQ(Split(lines[2], '\t')[kLogAction], "Mark");
+}
+
+TEST_F(StrokeLogTest, ByShapeTheScoresOfTheTwoNearestAreInIt) {
+  GromlitUserOptions options{};
+  DefaultUserOptions(&options);
+  options.splash = 0;
+  options.temp3 = kByShape;
+  ASSERT_EQ(SaveUserOptions(&options, defaultOptionFile), 1);
+  WritePlugin("Probe.probe",
+              {{"Ell", kEll, {Touch("ell")}}, {"Ma\trk\\", kRight, {Touch("mark")}}});
+  Start();
+  Draw({{400, 300}, {600, 300}});
+  ASSERT_TRUE(Appears("mark"));
+  const auto logged = Logged();
+  ASSERT_EQ(logged.size(), 1u);
+  EXPECT_EQ(logged[0][kLogWay], "shape");
+  EXPECT_EQ(logged[0][kLogAction], "Ma\\x09rk\\x5c");
+  EXPECT_GT(std::stod(logged[0][kLogScore]), 0.99);
+  EXPECT_LE(std::stod(logged[0][kLogScore]), 1);
+  EXPECT_GT(std::stod(logged[0][kLogRunnerUp]), 0.5);
+  EXPECT_LT(std::stod(logged[0][kLogRunnerUp]), 0.95);
 }
 
 }  // namespace

@@ -59,6 +59,21 @@ TEST_F(FindAction3, MatchesBySignatureWhereTheWayIsUnknown) {
   }
 }
 
+TEST_F(FindAction3, TellsTheScoresOfTheTwoNearestWhereTheWayMeasuresThem) {
+  const Scores shape = ScoresOf(&plugin, Line(50, 4, 0), {kByShape, 3});
+  EXPECT_GT(shape.best, 0.999F);
+  EXPECT_GT(shape.next, 0.5F);
+  EXPECT_LT(shape.next, 0.95F);
+  EXPECT_EQ(ScoresOf(&plugin, Line(0, 0, 0), {kByShape, 3}).best, -1);
+  for (const int32_t way : {0, -1, 2}) {
+    EXPECT_EQ(WayOf({way, 3}), kBySignature);
+    const Scores none = ScoresOf(&plugin, Line(50, 4, 0), {way, 3});
+    EXPECT_EQ(none.best, -1);
+    EXPECT_EQ(none.next, -1);
+  }
+  EXPECT_EQ(WayOf({kByShape, 3}), kByShape);
+}
+
 TEST(MakeStroke, KeepsTheFirst256Points) {
   const Stroke stroke = Line(300, 1, 2);
   ASSERT_EQ(stroke.count, kMaxStrokePoints);

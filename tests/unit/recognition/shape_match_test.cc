@@ -328,8 +328,45 @@ TEST(ShapeMatch, ReadsCoordinatesOfDamagedFiles) {
   ForgetSignature(&sym);
 }
 
-// --- The plain form
-// -------------------------------------------------------------------------------
+// Whatever the symbol: drawn as it is, at any size that pixels can tell, it is found. The pen may
+// turn right back half-way between two of the points that are compared, as often as it can.
+TEST(ShapeMatch, FindsEverySymbolThatIsDrawnAsItIs) {
+  std::mt19937 random(static_cast<uint32_t>(TestSeed()));
+  std::vector<GromlitSymbol> symbols;
+  for (int turns = 1; turns < kMaxPoints - 1; ++turns) {
+    // With two lines to a segment all points that are compared would lie in one place.
+    if (turns + 1 == 2 * kShapeSegments) continue;
+    Points cells;
+    for (int k = 0; k < turns + 2; ++k) cells.push_back({k % 2 == 0 ? 0 : 31, 16});
+    symbols.push_back(SymbolOfCells(cells));
+  }
+  for (int i = 0; i < 300; ++i) {
+    Points cells;
+    const auto n = 2 + static_cast<int>(random() % (kMaxPoints - 1));
+    for (int k = 0; k < n; ++k)
+      cells.push_back({static_cast<int>(random() % 32), static_cast<int>(random() % 32)});
+    cells[1].x = (cells[0].x + 16) % 32;
+    symbols.push_back(SymbolOfCells(cells));
+  }
+  for (GromlitSymbol& sym : symbols) {
+    const Shape* shape = SymbolShape(&sym);
+    ASSERT_TRUE(shape->drawable);
+    EXPECT_GT(ShapeScore(*shape, *shape), 0.9999F) << int{sym.npoints} << " corners";
+    for (const double scale : {0.5, 0.77, 1.0, 2.0, 3.1}) {
+      Points drawn;
+      for (int k = 1; k <= sym.npoints; ++k)
+        drawn.push_back({static_cast<int>(std::lround(sym.x[k] * scale)),
+                         static_cast<int>(std::lround(sym.y[k] * scale))});
+      const Stroke stroke = StrokeOf(drawn);
+      EXPECT_GE(ShapeScore(ShapeOfPoints(stroke.count, stroke.x, stroke.y), *shape),
+                ShapeThreshold(kMedium))
+          << int{sym.npoints} << " corners, " << scale;
+    }
+    ForgetSignature(&sym);
+  }
+}
+
+// --- The plain form -----------------------------------------------------------------------------
 
 float SumOfFour(const float* v) {
   return (v[0] + v[1]) + (v[2] + v[3]);
@@ -377,10 +414,9 @@ float PlainCost(const Shape& stroke, const Shape& symbol, float* most) {
   total[0][0] = 0;
   *most = -kFar;
   for (int i = 0; i < kShapeSegments; ++i) {
-    const float xstep = x[i + 1] - x[i];
-    const float ystep = y[i + 1] - y[i];
-    const float square = xstep * xstep + ystep * ystep;
-    const float inverse = square > 0 ? 1 / std::sqrt(square) : 0;
+    const float xstep = (stroke.dx[i] * cosine - stroke.dy[i] * sine) * xscale;
+    const float ystep = (stroke.dx[i] * sine + stroke.dy[i] * cosine) * yscale;
+    const float inverse = 1 / std::sqrt(xstep * xstep + ystep * ystep);
     float least = kFar;
     for (int j = std::max(0, i - kShapeBand); j <= std::min(kShapeSegments - 1, i + kShapeBand);
          ++j) {
@@ -472,17 +508,25 @@ TEST(ShapeMatch, RanksFewActionsByTheirScores) {
     AddRandomSymbols(1 + round % kShapeCandidates, &random, &library);
     const Stroke stroke = RandomWalk(&random);
     const Shape drawn = ShapeOfPoints(stroke.count, stroke.x, stroke.y);
-    std::vector<std::pair<float, int>> scores;
+    // By the costs: two that differ may round to one score.
+    std::vector<std::pair<float, int>> costs;
     for (int i = 0; i < library.size(); ++i) {
-      const float score = ShapeScore(drawn, *SymbolShape(library.symbol(i)));
-      if (score >= 0) scores.push_back({-score, i});
+      const Shape* symbol = SymbolShape(library.symbol(i));
+      if (!drawn.drawable || !symbol->drawable) continue;
+      Warped warped = {symbol, PlainProducts(drawn, *symbol), 0, 0};
+      Warp(drawn, 1, std::numeric_limits<float>::infinity(), &warped);
+      costs.push_back({warped.cost, i});
     }
-    std::sort(scores.begin(), scores.end());
+    std::sort(costs.begin(), costs.end());
+    const auto score = [&](size_t at) {
+      return at < costs.size() ? ShapeScore(drawn, *SymbolShape(library.symbol(costs[at].second)))
+                               : -1;
+    };
     const ShapeRanking ranking = RankByShape(library.plugin(), stroke);
-    EXPECT_EQ(ranking.best, !scores.empty() ? scores[0].second : -1);
-    EXPECT_EQ(ranking.score, !scores.empty() ? -scores[0].first : -1);
-    EXPECT_EQ(ranking.next, scores.size() > 1 ? scores[1].second : -1);
-    EXPECT_EQ(ranking.nextscore, scores.size() > 1 ? -scores[1].first : -1);
+    EXPECT_EQ(ranking.best, !costs.empty() ? costs[0].second : -1);
+    EXPECT_EQ(ranking.score, score(0));
+    EXPECT_EQ(ranking.next, costs.size() > 1 ? costs[1].second : -1);
+    EXPECT_EQ(ranking.nextscore, score(1));
   }
 }
 

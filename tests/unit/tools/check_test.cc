@@ -148,6 +148,20 @@ TEST_F(Check, ReportsValuesThatTheProgramReplaces) {
                           "options/default.user: draw button 0 lies outside 1..5, 3 is used"));
 }
 
+TEST_F(Check, ReportsChoicesThatItDoesNotKnow) {
+  Pack("options/default.user",
+       R"({"kind":"options","button":3,"temp1":-1,"temp2":1048576,"temp3":7,"temp4":2})");
+  EXPECT_THAT(Problems(), ElementsAre("options/default.user: temp1 -1 is unknown, 0 is used",
+                                      "options/default.user: temp3 7 is unknown, 0 is used",
+                                      "options/default.user: temp4 2 is unknown, 0 is used"));
+  Pack("options/default.user",
+       R"({"kind":"options","button":3,"temp3":"shape","temp4":1,"tolerance":6})");
+  EXPECT_THAT(Problems(),
+              ElementsAre("options/default.user: tolerance 6 lies outside 1..5, 3 is used"));
+  Pack("options/default.user", R"({"kind":"options","button":3,"tolerance":6})");
+  EXPECT_THAT(Problems(), IsEmpty()) << "by signature it does not count";
+}
+
 TEST_F(Check, ReportsSymbolsWithAnEmptySignature) {
   Pack("symbols/dot.sls", R"({"kind":"symbol","name":"dot","points":[[16,16]]})");
   Pack("plugins/x.sla", Plugin("x", {kRight, "[]"}));

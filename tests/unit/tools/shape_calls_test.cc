@@ -1,9 +1,15 @@
 // match by shape, explain, learn, strokes and check --shape.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 
+#include <cstdio>
+#include <random>
+
+#include "recognition/shape_match.h"
 #include "recognition/stroke_log.h"
 #include "tests/support/temp_install.h"
+#include "tests/unit/recognition/stroke_sets.h"
 #include "tests/unit/tools/run_tool.h"
 #include "tools/data_file.h"
 
@@ -11,6 +17,7 @@ namespace gromlit {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
@@ -27,6 +34,10 @@ std::vector<std::string> Lines(const std::string& text) {
   for (size_t at = 0; at < text.size(); at = text.find('\n', at) + 1)
     lines.push_back(text.substr(at, text.find('\n', at) - at));
   return lines;
+}
+
+std::string LogLine(const std::string& points) {
+  return "2026-11-20 10:00:00\tXTerm.xterm\tabcd\tshape\tnone\t0.9\t0.8\t120\t" + points + "\n";
 }
 
 class ShapeCalls : public ::testing::Test {
@@ -98,12 +109,69 @@ TEST_F(ShapeCalls, ExplainTellsOfEveryAction) {
   EXPECT_THAT(lines[4], StartsWith("2\tL\tabcd\truns\t"));
   EXPECT_THAT(lines[4], HasSubstr("\truns"));
   EXPECT_THAT(lines[5], StartsWith("3\tL again\tabcd\tmatches, but action 2 comes first\t"));
-  EXPECT_THAT(lines[5], HasSubstr("\talike, but action 2 is nearer"));
+  EXPECT_THAT(lines[5], HasSubstr("\tas alike, but action 2 comes first"));
   EXPECT_EQ(lines[6], "4\tempty\t\tanother signature\t-\tnothing to compare");
   EXPECT_THAT(RunTool({"explain", "--tolerance", "1", plugin}, kL).out,
               HasSubstr("0.9650 is needed"));
   ExpectTrouble(RunTool({"explain", install / "nowhere"}, kL), "nowhere: No such file");
   ExpectTrouble(RunTool({"explain", plugin, install / "nowhere"}), "nowhere: No such file");
+}
+
+TEST_F(ShapeCalls, ExplainTellsOfEveryStroke) {
+  const std::string one = RunTool({"explain", plugin}, kL).out;
+  const std::string other = RunTool({"explain", plugin}, kUp).out;
+  EXPECT_NE(one, other);
+  WriteText(install / "log", StrokeLogHeader() + LogLine("10 10 10 60 10 110 60 110 110 110") +
+                                 LogLine("10 110 10 60 10 10"));
+  const std::string strokes = RunTool({"strokes", install / "log"}).out;
+  EXPECT_EQ(RunTool({"explain", plugin}, strokes).out, one + "\n" + other);
+}
+
+// Only the few that a stroke is most like at first sight are compared closely.
+TEST_F(ShapeCalls, ExplainTellsOfActionsThatAreLeftOutAtFirstSight) {
+  std::mt19937 random(7);
+  const auto bend = [&random](int by) { return static_cast<int>(random() % 9) * by; };
+  for (int round = 0; round < 200; round++) {
+    Library library;
+    std::string actions;
+    const int by = 1 + round % 8;
+    for (int i = 0; i < 30; i++) {
+      GromlitSymbol sym = {};
+      sym.npoints = 4;
+      std::string points;
+      const int corners[][2] = {{40, 40}, {200, 40}, {40, 200}, {200, 200}};
+      for (int k = 1; k <= 4; k++) {
+        sym.x[k] = static_cast<uint16_t>(corners[k - 1][0] + bend(by) - 4 * by);
+        sym.y[k] = static_cast<uint16_t>(corners[k - 1][1] + bend(by) - 4 * by);
+        points +=
+            (k > 1 ? ",[" : "[") + std::to_string(sym.x[k]) + "," + std::to_string(sym.y[k]) + "]";
+      }
+      library.Add("a", sym);
+      actions +=
+          (i > 0 ? "," : "") + std::string(R"({"name":"a","symbol":{"points":[)") + points + "]}}";
+    }
+    const Stroke stroke = SimulatedDrawing(*library.symbol(0), &random);
+    const ShapeRanking ranking = RankByShape(library.plugin(), stroke);
+    const Shape drawn = ShapeOfPoints(stroke.count, stroke.x, stroke.y);
+    int better = -1;
+    for (int i = 0; i < library.size(); i++)
+      if (ShapeScore(drawn, *SymbolShape(library.symbol(i))) > ranking.score) better = i;
+    if (better < 0 || ranking.score < ShapeThreshold(3)) continue;
+    ASSERT_EQ(
+        RunTool({"pack", "-", "-o", plugin}, R"({"kind":"plugin","actions":[)" + actions + "]}")
+            .status,
+        0);
+    std::string text;
+    for (int i = 0; i < stroke.count; i++)
+      text += std::to_string(stroke.x[i]) + " " + std::to_string(stroke.y[i]) + "\n";
+    const std::vector<std::string> lines = Lines(RunTool({"explain", plugin}, text).out);
+    ASSERT_EQ(lines.size(), 32u);
+    EXPECT_THAT(lines[static_cast<size_t>(ranking.best) + 2], EndsWith("\truns"));
+    EXPECT_THAT(lines[static_cast<size_t>(better) + 2],
+                EndsWith("\talike, but 5 others are more alike at first sight"));
+    return;
+  }
+  FAIL() << "no action is left out that would have been nearer";
 }
 
 TEST_F(ShapeCalls, LearnMakesASymbolOfItsSamples) {
@@ -136,10 +204,6 @@ TEST_F(ShapeCalls, LearnRefusesWhatIsNoShape) {
   EXPECT_EQ(RunTool({"learn", "--name", "", "-o", symbol, "-"}, kL).status, 2);
   EXPECT_EQ(RunTool({"learn", "-o", symbol, "-"}, kL).status, 2);
   EXPECT_EQ(RunTool({"learn", "--name", "n", "-o", symbol}, kL).status, 2);
-}
-
-std::string LogLine(const std::string& points) {
-  return "2026-11-20 10:00:00\tXTerm.xterm\tabcd\tshape\tnone\t0.9\t0.8\t120\t" + points + "\n";
 }
 
 TEST_F(ShapeCalls, StrokesOfALogInTheFormThatTheOthersRead) {
@@ -211,6 +275,28 @@ TEST_F(ShapeCalls, CheckByShapeNamesActionsThatLookAlike) {
   EXPECT_THAT(RunTool({"check", "--shape", "--tolerance", "5", install.path()}).out,
               HasSubstr(pair));
   EXPECT_EQ(RunTool({"check", "--tolerance", "3", install.path()}).status, 2);
+  // A further symbol for one action may be as near to the first as it likes.
+  ASSERT_EQ(RunTool({"pack", "-", "-o", plugins}, R"({"kind":"plugin","classname":"a","actions":[
+      {"name":"Right","symbol":{"points":[[16,16],[264,16]]}},
+      {"name":"Right","symbol":{"points":[[16,16],[264,152]]}}]})")
+                .status,
+            0);
+  EXPECT_THAT(RunTool({"check", "--shape", "--tolerance", "4", install.path()}).out,
+              Not(HasSubstr("look alike")));
+}
+
+// The recorded strokes are not part of the project.
+TEST(RecognitionReport, SaysWhereItSoughtStrokesThatAreNotThere) {
+  std::FILE* report = popen(
+      "GROMLIT_STROKES=/nowhere '" GROMLIT_SOURCE_DIR "/scripts/recognition-report' 2>&1", "r");
+  ASSERT_NE(report, nullptr);
+  std::string said;
+  char part[256];
+  while (std::fgets(part, sizeof part, report) != nullptr) said += part;
+  const int status = pclose(report);
+  EXPECT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 2);
+  EXPECT_THAT(said, StartsWith("recognition-report: no recorded strokes at /nowhere; "));
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include "tests/support/files.h"
 #include "tests/support/temp_install.h"
 #include "tests/unit/recognition/starter_gestures.h"
+#include "tests/unit/recognition/stroke_sets.h"
 #include "tests/unit/tools/run_tool.h"
 #include "tools/data_file.h"
 
@@ -246,6 +247,34 @@ TEST(Skeleton, IsRecognisedInWhicheverWayItIsDrawn) {
       EXPECT_EQ(matching.destructive, 0);
     }
   }
+}
+
+// The symbols themselves, over applications without a plug-in; scripts/recognition-report draws 500
+// of each over every plug-in.
+TEST(Skeleton, RunsTheRightActionForDrawingsOfItsSymbols) {
+  constexpr int kDrawings = 40;
+  Library symbols;
+  ReadSymbolLibrary(testing::Built("share/gromlit").c_str(), &symbols);
+  ReadStarterPlugins(testing::Built("share/gromlit").c_str());
+  ASSERT_NE(DefaultPlugin, nullptr);
+  const StarterJudge judge(DefaultPlugin, RecommendedOptions(kByShape));
+  std::mt19937 random(21);
+  int all = 0;
+  int right = 0;
+  int wrong = 0;
+  for (int i = 0; i < symbols.size(); i++) {
+    const GromlitAction* meant = judge.Meant(symbols.name(i));
+    if (meant == nullptr) continue;
+    for (int k = 0; k < kDrawings; k++, all++) {
+      const Outcome outcome =
+          judge.Judge(*meant, SimulatedDrawing(*symbols.symbol(i), &random), nullptr);
+      right += outcome == Outcome::kRight ? 1 : 0;
+      wrong += outcome == Outcome::kWrong ? 1 : 0;
+    }
+  }
+  EXPECT_GT(all, 2000);
+  EXPECT_GE(right, 0.999 * all);
+  EXPECT_LE(wrong, 0.0005 * all);
 }
 
 }  // namespace

@@ -74,6 +74,11 @@ TEST_F(MoreWindowTest, OKPutsAChoiceInForceIntoTheFileAndIntoThePreferences) {
   EXPECT_EQ(stored->temp3, kByShape);
   Click(opt->bdefaults->window);
   EXPECT_EQ(opt->usr.temp3, kByShape) << "Defaults leaves the choices";
+  Click(opt->bsave->window);
+  EXPECT_EQ(user->temp3, kByShape) << "the preferences' own OK undoes nothing";
+  const std::unique_ptr<GromlitUserOptions> again(LoadUserOptions(defaultOptionFile));
+  ASSERT_NE(again, nullptr);
+  EXPECT_EQ(again->temp3, kByShape);
 }
 
 TEST_F(MoreWindowTest, CancelChangesNothingAndTheBoxesComeAnew) {
