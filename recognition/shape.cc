@@ -95,9 +95,9 @@ constexpr float kStill = 0.1F;
 // each other: such a segment goes on as the one before, so that a shape is as like itself as can
 // be.
 void Segments(Shape* shape) {
-  float xstep[kShapeSegments];
-  float ystep[kShapeSegments];
-  float square[kShapeSegments];
+  float xstep[kShapeSegments] = {};
+  float ystep[kShapeSegments] = {};
+  float square[kShapeSegments] = {};
   float longest = 0;
   for (int i = 0; i < kShapeSegments; ++i) {
     xstep[i] = shape->x[i + 1] - shape->x[i];
