@@ -116,7 +116,7 @@ void LogStroke(const GromlitPlugin* pin, const Stroke& stroke, const Matching& h
   fields[kLogTime] = Now();
   fields[kLogClass] = EscapeLogField(ending);
   fields[kLogSignature] = signature;
-  fields[kLogWay] = kLogWayNames[WayOf(how)];
+  fields[kLogWay] = kLogWayNames[static_cast<size_t>(WayOf(how))];
   fields[kLogAction] = pin != nullptr && found >= 0
                            ? EscapeLogField(FieldText(pin->actions[found]->name))
                            : kLogNone;

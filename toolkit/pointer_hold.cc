@@ -19,7 +19,7 @@ struct Hold {
   Window heir;  // the window that took the pointer and its events over; None: it was given back
 };
 
-struct Spot {
+struct PressedWindow {
   Window window;
   int rootx;  // of the window's inside, on the screen; as all here in device pixels
   int rooty;
@@ -29,13 +29,13 @@ struct Spot {
 struct Waiting {
   Time time;
   unsigned button;
-  std::vector<Spot> path;
+  std::vector<PressedWindow> path;
 };
 
 // Who got the press of a button since the pointer was given back last, and gets its release.
 struct Receiver {
   bool known;
-  Spot spot;  // window None: nobody
+  PressedWindow spot;  // window None: nobody
 };
 
 constexpr size_t kRemembered = 16;  // holds; events of older ones have long been read
@@ -84,8 +84,8 @@ bool IsInherited(const Hold* hold) {
 }
 
 // The windows at the place of a press, from the root window to the smallest.
-std::vector<Spot> PathTo(const XButtonEvent& press) {
-  std::vector<Spot> path;
+std::vector<PressedWindow> PathTo(const XButtonEvent& press) {
+  std::vector<PressedWindow> path;
   Window next = press.root;
   while (next != None) {
     const Window window = next;
@@ -114,7 +114,7 @@ void LookUpWaitingPresses() {
     LookedUp().push_back({press.time, press.button, PathTo(press)});
 }
 
-std::vector<Spot> WhatIsBelow(const XButtonEvent& press) {
+std::vector<PressedWindow> WhatIsBelow(const XButtonEvent& press) {
   for (const Waiting& waiting : LookedUp()) {
     if (waiting.time == press.time && waiting.button == press.button) return waiting.path;
   }
@@ -123,7 +123,7 @@ std::vector<Spot> WhatIsBelow(const XButtonEvent& press) {
 
 // Whether the window is another one than the one that it was reported to, which then stands in it.
 // The places of these events lie alike.
-bool Readdress(XEvent* event, const Spot& spot) {
+bool Readdress(XEvent* event, const PressedWindow& spot) {
   if (spot.window == None) return false;
   XButtonEvent& e = event->xbutton;
   e.window = spot.window;
@@ -189,7 +189,7 @@ bool ReaddressLatePress(XEvent* event, TakesPress takes) {
   *receiver = {true, {press.window, press.x_root - press.x, press.y_root - press.y}};
   if (ended == nullptr) return true;
   receiver->spot.window = None;
-  for (const Spot& spot : WhatIsBelow(press)) {
+  for (const PressedWindow& spot : WhatIsBelow(press)) {
     if (spot.window != press.root && takes(spot.window, press.button)) receiver->spot = spot;
   }
   return Readdress(event, receiver->spot);

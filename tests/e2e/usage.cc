@@ -23,18 +23,16 @@ int EntriesOf(const std::string& directory) {
   return count;
 }
 
-// Private memory in kilobytes. The sanitizer's own pages say nothing of the program.
+// Memory in kilobytes that the process has written to. Pages that it only read are its own as long
+// as no other run of the program has them, which another test may. The sanitizer's own pages say
+// nothing of the program.
 long PrivateOf(const std::string& process) {
   if (ReadText(process + "/maps").find("libasan") != std::string::npos) return 0;
   std::ifstream rollup(process + "/smaps_rollup");
-  long sum = 0;
-  for (std::string line; std::getline(rollup, line);) {
-    long kb = 0;
-    if (std::sscanf(line.c_str(), "Private_Clean: %ld", &kb) == 1 ||
-        std::sscanf(line.c_str(), "Private_Dirty: %ld", &kb) == 1)
-      sum += kb;
-  }
-  return sum;
+  long kb = 0;
+  for (std::string line; std::getline(rollup, line);)
+    if (std::sscanf(line.c_str(), "Private_Dirty: %ld", &kb) == 1) return kb;
+  return 0;
 }
 
 int ChildrenIn(const std::string& process) {

@@ -10,7 +10,7 @@
 namespace gromlit::testing {
 
 struct Usage {
-  long private_kb = 0;  // memory that no other process shares; 0 under the address sanitizer
+  long private_kb = 0;  // memory that it has written to; 0 under the address sanitizer
   int descriptors = 0;
   int threads = 0;
   int children = 0;                      // those that ended and were not waited for, too
