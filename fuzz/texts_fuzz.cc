@@ -76,7 +76,7 @@ void CheckStrokes(const std::string& text) {
   CopyGromlitSymbol(&plugin.plugin.actions[0]->sym, &symbol.symbol);
   const std::vector<std::byte> image = FileImage(plugin);
   PutFile("plugin.sla", {reinterpret_cast<const char*>(image.data()), image.size()});
-  Require(ExplainStroke("plugin.sla", "stroke", 3) == kSuccess);
+  Require(ExplainStrokes("plugin.sla", "stroke", 3) == kSuccess);
   Require(MatchStrokes("plugin.sla", "stroke", {kByShape, 5}, true) == kSuccess);
   Require(MatchStrokes("plugin.sla", "stroke", {kBySignature, 5}, false) != kTrouble);
 }
